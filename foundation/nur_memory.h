@@ -1,0 +1,9 @@
+#pragma once
+
+#include <cstdint>
+
+/// Memory of images and vectors, zeroed, on a 64-byte boundary. Large blocks come straight from the system, so that
+/// pages that nobody touches are never committed, and ask for huge pages, since first touch costs more than the work.
+/// @return null where it cannot be had (or for 0 bytes)
+void* nur_alloc(std::uint64_t bytes);
+void nur_free(void* block);

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "foundation/CTivData.h"
+
+/// The lower layer's vector record: elements without padding; FormatBinary packs 8 a byte, bit 0 first.
+struct NurVector {
+    CTivData::Format format = CTivData::FormatNone;
+    void* data = nullptr;
+    std::int32_t size = 0;  ///< elements
+};
+
+/// Allocates zeroed elements into an empty record; element bits come from the object-type table and FormatBinary sizes
+/// round up to 8. A byte count below 1 gives null data and is no failure.
+/// @return 0; -2 for a negative format or size, -1 without memory
+int nur_vector_alloc(NurVector* vector, CTivData::Format format, std::int32_t size);
+
+/// Frees the data and empties the record. @return 0; -1 for a format outside the object-type table
+int nur_vector_free(NurVector* vector);
