@@ -16,16 +16,58 @@ class CTivData {
 public:
     enum Format : std::int32_t {
         FormatNone = -1,
-        FormatGeneric = 0, FormatSync, FormatVector, FormatImage, FormatVolume, FormatChar, FormatByte, FormatShort,
-        FormatInt, FormatLong, FormatUByte, FormatUShort, FormatUInt, FormatULong, FormatHex8, FormatHex16, FormatHex,
-        FormatFloat, FormatDouble, FormatRgb, FormatHsv, FormatYuv, FormatObsolete3Band, FormatComplex, FormatPoint,
-        FormatString, FormatFile, FormatRef, FormatBinary, FormatFPoint, FormatLab, FormatRect, FormatColorUByte,
-        FormatColorFloat, FormatInt64, FormatUInt64, FormatRgb10, FormatQuad, FormatSegment, FormatRgb16,
-        FormatCoord3dC16, FormatCoord3dAC16, FormatCoord3dCR16, FormatCoord3dACRW16,
+        FormatGeneric = 0,
+        FormatSync,
+        FormatVector,
+        FormatImage,
+        FormatVolume,
+        FormatChar,
+        FormatByte,
+        FormatShort,
+        FormatInt,
+        FormatLong,
+        FormatUByte,
+        FormatUShort,
+        FormatUInt,
+        FormatULong,
+        FormatHex8,
+        FormatHex16,
+        FormatHex,
+        FormatFloat,
+        FormatDouble,
+        FormatRgb,
+        FormatHsv,
+        FormatYuv,
+        FormatObsolete3Band,
+        FormatComplex,
+        FormatPoint,
+        FormatString,
+        FormatFile,
+        FormatRef,
+        FormatBinary,
+        FormatFPoint,
+        FormatLab,
+        FormatRect,
+        FormatColorUByte,
+        FormatColorFloat,
+        FormatInt64,
+        FormatUInt64,
+        FormatRgb10,
+        FormatQuad,
+        FormatSegment,
+        FormatRgb16,
+        FormatCoord3dC16,
+        FormatCoord3dAC16,
+        FormatCoord3dCR16,
+        FormatCoord3dACRW16,
         FormatCount
     };
-    struct Point { std::int32_t x, y; };
-    struct FPoint { float x, y; };
+    struct Point {
+        std::int32_t x, y;
+    };
+    struct FPoint {
+        float x, y;
+    };
 
     CTivData() = default;
     CTivData(Format format, std::uint64_t payload) : format_(format), payload_(payload) {}

@@ -44,7 +44,8 @@ public:
     bool SetData(int x, int y, const CTivData& value);  ///< converts to the image's format
 
     /// Selects the part of the image that operators work on.
-    /// @param roi in pixels, from the image's corner; all zero: the whole image; FormatBinary snaps it to multiples of 8
+    /// @param roi in pixels, from the image's corner; all zero: the whole image; FormatBinary snaps it to multiples of
+    /// 8
     /// @return false, the old ROI kept and "CTivImage::SetRoi => ROI rectangle out of range" reported, where a field is
     ///         negative or the rectangle leaves the image
     bool SetRoi(const CTivRect& roi);
@@ -54,9 +55,9 @@ public:
     int GetHeight() const;               ///< pixels
     int GetSignificantBits() const;      ///< bits in use in each channel
     bool IsAllocated() const;
-    bool IsExternal() const;  ///< wraps the caller's memory
-    void* GetData() const;    ///< first pixel, null when empty
-    void* GetRoiData() const; ///< first pixel of the ROI (its byte, for FormatBinary)
+    bool IsExternal() const;   ///< wraps the caller's memory
+    void* GetData() const;     ///< first pixel, null when empty
+    void* GetRoiData() const;  ///< first pixel of the ROI (its byte, for FormatBinary)
 
     /// Bytes of a row and of an image, computed in 64 bits.
     static std::int64_t GetRowBytes(int width, CTivData::Format format);

@@ -44,6 +44,5 @@ public:
     static long GetInstanceCount();
 };
 
-/// Reports `text` as it stands and answers false, so that a refusal is one line. A "%" in the text, a file name's for
-/// example, comes through whole.
+/// Reports `text` through ReportError and answers false, so that a refusal is one line.
 [[nodiscard]] bool Refuse(const std::string& text);

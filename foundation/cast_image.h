@@ -4,9 +4,18 @@
 
 /// Target codes of castImage.
 enum CastCode : int {
-    CAST_UBYTE = 0, CAST_BYTE, CAST_USHORT, CAST_SHORT, CAST_FLOAT,
+    CAST_UBYTE = 0,
+    CAST_BYTE,
+    CAST_USHORT,
+    CAST_SHORT,
+    CAST_FLOAT,
     CAST_FLOAT_ALWAYS,  ///< FormatFloat, the conversion always carried out
-    CAST_BINARY, CAST_RGB, CAST_HSV, CAST_YUV, CAST_FPOINT, CAST_POINT
+    CAST_BINARY,
+    CAST_RGB,
+    CAST_HSV,
+    CAST_YUV,
+    CAST_FPOINT,
+    CAST_POINT
 };
 
 /// @return the code of a format (CAST_FLOAT for FormatFloat), -1 outside the table

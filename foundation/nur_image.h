@@ -12,9 +12,7 @@ struct NurImage {
     CTivRect roi;             ///< pixels, always inside the image
 
     /// Bytes from one row to the next.
-    std::int64_t Pitch() const {
-        return (std::int64_t{CTivData::GetFormatBits(format)} * width + 7) / 8;
-    }
+    std::int64_t Pitch() const { return (std::int64_t{CTivData::GetFormatBits(format)} * width + 7) / 8; }
     /// First byte of the ROI's row `y` (0 is the ROI's first).
     template <class T = std::uint8_t>
     T* RoiRow(std::int32_t y) const {

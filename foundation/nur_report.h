@@ -7,12 +7,12 @@
 
 /// Codes of nur_report's message table.
 enum NurReportCode : int {
-    NUR_REPORT_MEMORY = 0,      ///< "%s: memory allocation failed (%d bytes)\n"
-    NUR_REPORT_TYPE = 1,        ///< "%s: cannot process object type \"%s\"\n"
-    NUR_REPORT_CAST = 2,        ///< "%s: cannot cast type \"%s\" to \"%s\"\n"
-    NUR_REPORT_SYNTAX = 3,      ///< "%s: syntax error in \"%s\" at position %d\n"
-    NUR_REPORT_NO_THREAD = 5,   ///< "Thread not registered with CTivOpStatus\n"
-    NUR_REPORT_FORMAT = 100     ///< the first argument is the format, the rest its arguments
+    NUR_REPORT_MEMORY = 0,     ///< "%s: memory allocation failed (%d bytes)\n"
+    NUR_REPORT_TYPE = 1,       ///< "%s: cannot process object type \"%s\"\n"
+    NUR_REPORT_CAST = 2,       ///< "%s: cannot cast type \"%s\" to \"%s\"\n"
+    NUR_REPORT_SYNTAX = 3,     ///< "%s: syntax error in \"%s\" at position %d\n"
+    NUR_REPORT_NO_THREAD = 5,  ///< "Thread not registered with CTivOpStatus\n"
+    NUR_REPORT_FORMAT = 100    ///< the first argument is the format, the rest its arguments
 };
 
 /// Puts a message into the calling thread's record and hands it to the mode dispatcher.

@@ -5,15 +5,50 @@
 /// The lower layer's description of the element types. Codes 0 to 43 are those of CTivData::Format; the element sizes
 /// are the lower layer's own and differ from the format table in some rows (QUAD, SEGMENT, BINARY, the composites).
 enum NurObjectType : std::int32_t {
-    NUR_OBJ_GENERIC = 0, NUR_OBJ_SYNC, NUR_OBJ_VECTOR, NUR_OBJ_IMAGE, NUR_OBJ_VOLUME,
-    NUR_OBJ_BYTE = 6, NUR_OBJ_SHORT, NUR_OBJ_INT,
-    NUR_OBJ_UBYTE = 10, NUR_OBJ_USHORT, NUR_OBJ_UINT,
-    NUR_OBJ_HEX = 16, NUR_OBJ_FLOAT, NUR_OBJ_DOUBLE,
-    NUR_OBJ_POINT = 24, NUR_OBJ_STRING, NUR_OBJ_FILE, NUR_OBJ_REF, NUR_OBJ_BINARY, NUR_OBJ_FPOINT, NUR_OBJ_LAB,
-    NUR_OBJ_RECT, NUR_OBJ_COLOR_UBYTE, NUR_OBJ_COLOR_FLOAT, NUR_OBJ_INT64, NUR_OBJ_UINT64, NUR_OBJ_RGB10,
-    NUR_OBJ_QUAD, NUR_OBJ_SEGMENT, NUR_OBJ_RGB16, NUR_OBJ_COORD3D_C16, NUR_OBJ_COORD3D_AC16, NUR_OBJ_COORD3D_CR16,
-    NUR_OBJ_COORD3D_ACRW16, NUR_OBJ_PTVALUE, NUR_OBJ_PERIMETER, NUR_OBJ_BLOB, NUR_OBJ_FEATURE, NUR_OBJ_COLOR,
-    NUR_OBJ_GEOMTEXT, NUR_OBJ_GEOM, NUR_OBJ_GRAPHIC, NUR_OBJ_EDGE, NUR_OBJ_LINE
+    NUR_OBJ_GENERIC = 0,
+    NUR_OBJ_SYNC,
+    NUR_OBJ_VECTOR,
+    NUR_OBJ_IMAGE,
+    NUR_OBJ_VOLUME,
+    NUR_OBJ_BYTE = 6,
+    NUR_OBJ_SHORT,
+    NUR_OBJ_INT,
+    NUR_OBJ_UBYTE = 10,
+    NUR_OBJ_USHORT,
+    NUR_OBJ_UINT,
+    NUR_OBJ_HEX = 16,
+    NUR_OBJ_FLOAT,
+    NUR_OBJ_DOUBLE,
+    NUR_OBJ_POINT = 24,
+    NUR_OBJ_STRING,
+    NUR_OBJ_FILE,
+    NUR_OBJ_REF,
+    NUR_OBJ_BINARY,
+    NUR_OBJ_FPOINT,
+    NUR_OBJ_LAB,
+    NUR_OBJ_RECT,
+    NUR_OBJ_COLOR_UBYTE,
+    NUR_OBJ_COLOR_FLOAT,
+    NUR_OBJ_INT64,
+    NUR_OBJ_UINT64,
+    NUR_OBJ_RGB10,
+    NUR_OBJ_QUAD,
+    NUR_OBJ_SEGMENT,
+    NUR_OBJ_RGB16,
+    NUR_OBJ_COORD3D_C16,
+    NUR_OBJ_COORD3D_AC16,
+    NUR_OBJ_COORD3D_CR16,
+    NUR_OBJ_COORD3D_ACRW16,
+    NUR_OBJ_PTVALUE,
+    NUR_OBJ_PERIMETER,
+    NUR_OBJ_BLOB,
+    NUR_OBJ_FEATURE,
+    NUR_OBJ_COLOR,
+    NUR_OBJ_GEOMTEXT,
+    NUR_OBJ_GEOM,
+    NUR_OBJ_GRAPHIC,
+    NUR_OBJ_EDGE,
+    NUR_OBJ_LINE
 };
 
 struct NurTypeInfo {
@@ -39,6 +74,10 @@ std::int32_t nur_element_bits(std::int32_t type);
 /// Copies the constant table to the heap (54 rows, room for 88), and drops it.
 void nur_open_type_table();
 void nur_close_type_table();
+
+/// Tells whether two formats are the signed and the unsigned form of one width (Byte, Short, Int with UByte, UShort,
+/// UInt), so that a record may be relabelled from one to the other.
+bool nur_same_but_sign(CTivData::Format one, CTivData::Format other);
 
 /// Tells whether `format` is in a list. Format 0 in the list matches any, and FormatString and FormatFile match each
 /// other.

@@ -1,0 +1,263 @@
+#include "foundation/CTivImage.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+
+#include "foundation/native_record_impl.h"
+#include "foundation/nur_image.h"
+
+class ImplImage : public CTivManager {
+public:
+    NurImage record;
+    int significantBits = 8;
+    bool external = false;
+
+    ~ImplImage() override {
+        if (!external && record.data && nur_image_free(&record) != 0) {
+            ReportError("CTivImage::Free => Cannot free image data");
+        }
+    }
+};
+
+namespace {
+
+constexpr const char* kRecordName = "CTivImage";
+constexpr int kDefaultSignificantBits = 8;
+
+std::uint64_t pixelIndex(const NurImage& record, int x, int y) {
+    return static_cast<std::uint64_t>(std::int64_t{record.width} * y + x);
+}
+
+bool isInside(const NurImage& record, int x, int y) {
+    return x >= 0 && x < record.width && y >= 0 && y < record.height;
+}
+
+}  // namespace
+
+CTivImage::CTivImage() : impl_(std::make_unique<ImplImage>()) {}
+
+CTivImage::CTivImage(const CTivImage& source) : CTivManager(source), impl_(std::make_unique<ImplImage>()) {
+    *this = source;
+}
+
+CTivImage::CTivImage(int width, int height, CTivData::Format format, void* data, bool copy) : CTivImage() {
+    Set(width, height, format, data, copy);
+}
+
+CTivImage::CTivImage(CTivImage&& source) noexcept : CTivManager(source), impl_(std::move(source.impl_)) {}
+
+CTivImage& CTivImage::operator=(CTivImage&& source) noexcept {
+    impl_ = std::move(source.impl_);
+    return *this;
+}
+
+CTivImage& CTivImage::operator=(const CTivImage& source) {
+    if (this == &source) return *this;
+    impl_ = std::make_unique<ImplImage>();
+    if (!source.impl_ || source.GetFormat() == CTivData::FormatNone) return *this;
+    const NurImage& record = source.impl_->record;
+    if (!Set(record.width, record.height, record.format, record.data, true) || !SetRoi(record.roi)) return *this;
+    const int bits = source.impl_->significantBits;
+    if (bits >= 8 && bits <= CTivData::GetBitsPerChannel(record.format)) impl_->significantBits = bits;
+    return *this;
+}
+
+CTivImage::~CTivImage() = default;
+
+bool CTivImage::Set(int width, int height, CTivData::Format format, void* data, bool copy) {
+    if (!impl_) return false;
+    if (format == CTivData::FormatBinary && width % 8 != 0) {
+        return Refuse("CTivImage::Set => Width of binary images must be multiple of 8");
+    }
+    if (!Free()) return false;
+    if (width == 0 && height == 0) return true;
+    if (data && !copy) {
+        impl_->record = {format, data, width, height, {0, 0, width, height}};
+        impl_->external = true;
+        impl_->significantBits = CTivData::GetBitsPerChannel(format);
+        return true;
+    }
+    const int answer = nur_image_alloc(&impl_->record, format, width, height);
+    if (answer != 0 && data) return Refuse("CTivImage::Set => Cannot copy image data");
+    if (answer == -2) {
+        return Refuse("CTivImage::Set => Cannot allocate image with negative dimension(s) or invalid format");
+    }
+    if (answer != 0) return Refuse("CTivImage::Set => Not enough memory");
+    if (data) {
+        // Significant bits deliberately stay at 8 here; copies of images restore their own value.
+        const std::int64_t bytes = GetImageBytes(width, height, format);
+        if (impl_->record.data) std::memcpy(impl_->record.data, data, static_cast<std::size_t>(bytes));
+    } else {
+        impl_->significantBits = CTivData::GetBitsPerChannel(format);
+    }
+    return true;
+}
+
+bool CTivImage::Set(int width, int height, CTivData::Format format, const CTivRect& roi, void* data, bool copy) {
+    return Set(width, height, format, data, copy) && SetRoi(roi);
+}
+
+bool CTivImage::Free() {
+    if (!impl_) return false;
+    if (impl_->record.data && !impl_->external && nur_image_free(&impl_->record) != 0) {
+        return Refuse("CTivImage::Free => Cannot free image data");
+    }
+    impl_->record = {};
+    impl_->significantBits = kDefaultSignificantBits;
+    impl_->external = false;
+    return true;
+}
+
+bool CTivImage::Clear() {
+    if (!impl_) return false;
+    const NurImage& record = impl_->record;
+    if (!record.data) return true;
+    const auto bytes = static_cast<std::size_t>(GetRowBytes(record.roi.width, record.format));
+    for (int y = 0; y < record.roi.height; ++y) std::memset(record.RoiRow(y), 0, bytes);
+    return true;
+}
+
+bool CTivImage::Copy(const CTivImage& source) {
+    if (!impl_ || !source.impl_) return false;
+    const NurImage& from = source.impl_->record;
+    if (GetFormat() != CTivData::FormatNone && GetFormat() != from.format) {
+        return Refuse("CTivImage::Copy => source and destination formats must be the same");
+    }
+    if (from.format == CTivData::FormatBinary && from.roi.width % 8 != 0) {
+        return Refuse("CTivImage::Copy => FormatBinary supports width of multiple of 8 pixels only");
+    }
+    if (from.format == CTivData::FormatBinary && from.roi.x % 8 != 0) {
+        return Refuse("CTivImage::Copy => FormatBinary supports X alignment of multiple of 8 pixels only");
+    }
+    if (IsAllocated()) {
+        const CTivRect& roi = impl_->record.roi;
+        if (roi.width < from.roi.width || roi.height < from.roi.height) {
+            return Refuse("CTivImage::Copy => preallocated source ROI width and/or height not large enough");
+        }
+    } else if (!Set(from.roi.width, from.roi.height, from.format, nullptr, false)) {
+        return Refuse("CTivImage::Copy => Error on allocation");
+    }
+    const NurImage& to = impl_->record;
+    if (!from.data || !to.data) return true;
+    const auto bytes = static_cast<std::size_t>(GetRowBytes(from.roi.width, from.format));
+    for (int y = 0; y < from.roi.height; ++y) std::memmove(to.RoiRow(y), from.RoiRow(y), bytes);
+    return true;
+}
+
+CTivData CTivImage::GetData(int x, int y) const {
+    if (!IsAllocated()) {
+        ReportError("CTivImage::GetData => image not allocated");
+        return {};
+    }
+    const NurImage& record = impl_->record;
+    if (!isInside(record, x, y)) {
+        ReportError("CTivImage::GetData => Coordinates out of range");
+        return {};
+    }
+    return ReadElement(record.format, record.data, pixelIndex(record, x, y));
+}
+
+bool CTivImage::SetData(int x, int y, const CTivData& value) {
+    if (!IsAllocated()) return Refuse("CTivImage::SetData => image not allocated");
+    const NurImage& record = impl_->record;
+    if (!isInside(record, x, y)) return Refuse("CTivImage::SetData => Coordinates out of range");
+    if (value.GetFormat() == CTivData::FormatNone) {
+        return Refuse("CTivImage::SetData => unknown format in <data> argument");
+    }
+    WriteElement(record.format, record.data, pixelIndex(record, x, y), value);
+    return true;
+}
+
+bool CTivImage::SetRoi(const CTivRect& roi) {
+    if (!impl_) return false;
+    NurImage& record = impl_->record;
+    if (roi.x < 0 || roi.y < 0 || roi.width < 0 || roi.height < 0 || roi.width > record.width - roi.x ||
+        roi.height > record.height - roi.y) {
+        return Refuse("CTivImage::SetRoi => ROI rectangle out of range");
+    }
+    if (roi == CTivRect{}) {
+        record.roi = {0, 0, record.width, record.height};
+        return true;
+    }
+    record.roi = roi;
+    if (record.format == CTivData::FormatBinary) {
+        record.roi.x = roi.x / 8 * 8;
+        record.roi.width = ((roi.x + 7 + roi.width) / 8 - roi.x / 8) * 8;
+    }
+    return true;
+}
+
+CTivRect CTivImage::GetRoi() const { return impl_ ? impl_->record.roi : CTivRect{}; }
+CTivData::Format CTivImage::GetFormat() const { return impl_ ? impl_->record.format : CTivData::FormatNone; }
+int CTivImage::GetWidth() const { return impl_ ? impl_->record.width : -1; }
+int CTivImage::GetHeight() const { return impl_ ? impl_->record.height : -1; }
+int CTivImage::GetSignificantBits() const { return impl_ ? impl_->significantBits : -1; }
+bool CTivImage::IsAllocated() const { return impl_ && impl_->record.data; }
+bool CTivImage::IsExternal() const { return impl_ && impl_->external; }
+void* CTivImage::GetData() const { return impl_ ? impl_->record.data : nullptr; }
+void* CTivImage::GetRoiData() const { return IsAllocated() ? impl_->record.RoiRow(0) : nullptr; }
+const NurImage* CTivImage::GetRecord() const { return impl_ ? &impl_->record : nullptr; }
+NurImage* CTivImage::GetRecord() { return impl_ ? &impl_->record : nullptr; }
+
+std::int64_t CTivImage::GetRowBytes(int width, CTivData::Format format) {
+    return (std::int64_t{CTivData::GetFormatBits(format)} * width + 7) / 8;
+}
+
+std::int64_t CTivImage::GetImageBytes(int width, int height, CTivData::Format format) {
+    return GetRowBytes(width, format) * height;
+}
+
+bool CTivImage::IsFile(const char* path) {
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) return false;
+    RecordName name{};
+    readOrZero(stream, name.data(), name.size());
+    return std::strncmp(name.data(), kRecordName, name.size()) == 0;
+}
+
+bool CTivImage::ReadFile(std::istream& stream, bool reallocate) {
+    if (!impl_) return false;
+    if (!readRecordHead(stream, kRecordName)) return Refuse("CTivImage::ReadFile => incompatible file");
+    std::int32_t fields[7];  // width, height, format, ROI
+    readOrZero(stream, fields, sizeof fields);
+    const int width = fields[0];
+    const int height = fields[1];
+    const auto format = static_cast<CTivData::Format>(fields[2]);
+    const CTivRect roi{fields[3], fields[4], fields[5], fields[6]};
+    if (reallocate) {
+        if (width == 0 || height == 0 || format == CTivData::FormatNone) return Free();
+        if (!Set(width, height, format, roi, nullptr, false)) return false;
+        if (IsAllocated()) {
+            readIntoZeros(stream, GetData(), static_cast<std::uint64_t>(GetImageBytes(width, height, format)));
+        }
+        return true;
+    }
+    const NurImage& record = impl_->record;
+    if (format != record.format) {
+        return Refuse("CTivImage::ReadFile => source and destination formats must be the same");
+    }
+    if (record.width < width || record.height < height) {
+        return Refuse("CTivImage::ReadFile => preallocated source width and/or height not large enough");
+    }
+    if (!record.data || width <= 0) return true;
+    // The file's ROI height counts the rows, deliberately; a record that lies about it stays inside this image.
+    const int rows = std::min(roi.height, record.height);
+    for (int y = 0; y < rows; ++y) {
+        readOrZero(stream, record.Row(y), static_cast<std::uint64_t>(GetRowBytes(width, format)));
+    }
+    return true;
+}
+
+bool CTivImage::WriteFile(std::ostream& stream) const {
+    if (!impl_) return false;
+    const NurImage& record = impl_->record;
+    writeRecordHead(stream, kRecordName);
+    const std::int32_t fields[7] = {record.width, record.height,    record.format,    record.roi.x,
+                                    record.roi.y, record.roi.width, record.roi.height};
+    stream.write(reinterpret_cast<const char*>(fields), sizeof fields);
+    if (record.data) {
+        stream.write(static_cast<const char*>(record.data), GetImageBytes(record.width, record.height, record.format));
+    }
+    return true;
+}

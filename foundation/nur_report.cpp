@@ -1,0 +1,144 @@
+#include "foundation/nur_report.h"
+
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <semaphore>
+#include <vector>
+
+#include "foundation/nur_report_impl.h"
+
+namespace {
+
+constexpr std::size_t kMessageBytes = 1024;
+constexpr std::size_t kFirstThreads = 8;
+constexpr std::size_t kExitHooks = 64;
+
+struct CTivOpStatus {
+    std::uint32_t threadId;
+    std::unique_ptr<char[]> message;
+    std::uint32_t status = 0;
+};
+
+struct CodeText {
+    int code;
+    const char* text;
+};
+constexpr CodeText kCodeTexts[] = {
+    {NUR_REPORT_MEMORY, "%s: memory allocation failed (%d bytes)\n"},
+    {NUR_REPORT_TYPE, "%s: cannot process object type \"%s\"\n"},
+    {NUR_REPORT_CAST, "%s: cannot cast type \"%s\" to \"%s\"\n"},
+    {NUR_REPORT_SYNTAX, "%s: syntax error in \"%s\" at position %d\n"},
+    {NUR_REPORT_NO_THREAD, "Thread not registered with CTivOpStatus\n"},
+};
+
+void (*reportCallback)(const char*) = nullptr;
+std::vector<CTivOpStatus> threads;
+std::binary_semaphore threadsGate{1};
+void (*exitHooks[kExitHooks])() = {};
+
+std::uint32_t currentThread() { return static_cast<std::uint32_t>(::gettid()); }
+
+// Runs without the gate: the registry changes only while the library starts and ends.
+CTivOpStatus* findThread() {
+    const std::uint32_t id = currentThread();
+    for (CTivOpStatus& record : threads) {
+        if (record.threadId == id) return &record;
+    }
+    return nullptr;
+}
+
+const char* codeText(int code) {
+    for (const CodeText& row : kCodeTexts) {
+        if (row.code == code) return row.text;
+    }
+    return "";
+}
+
+// Finds the record to write to and tells the callback where there is none.
+CTivOpStatus* recordForReport() {
+    CTivOpStatus* record = findThread();
+    if (!record) {
+        reportCallback(codeText(NUR_REPORT_NO_THREAD));
+        return nullptr;
+    }
+    record->status = 0;
+    return record;
+}
+
+}  // namespace
+
+int nur_report(int level, int code, ...) {
+    if (!reportCallback) return level;
+    CTivOpStatus* record = recordForReport();
+    if (!record) return level;
+    std::va_list arguments;
+    va_start(arguments, code);
+    if (code == NUR_REPORT_NO_THREAD) {
+        record->message[0] = '\0';
+    } else {
+        const char* format = code == NUR_REPORT_FORMAT ? va_arg(arguments, const char*) : codeText(code);
+        std::vsnprintf(record->message.get(), kMessageBytes, format, arguments);
+    }
+    va_end(arguments);
+    reportCallback(record->message.get());
+    return level;
+}
+
+int nur_report_second_pass(const char* text) {
+    if (!reportCallback) return 1;
+    CTivOpStatus* record = recordForReport();
+    if (!record) return 1;
+    const std::string passed = FormatWithoutArguments(text);
+    std::snprintf(record->message.get(), kMessageBytes, "%s", passed.c_str());
+    reportCallback(record->message.get());
+    return 1;
+}
+
+std::string FormatWithoutArguments(const char* text) {
+    std::string result;
+    for (const char* at = text; *at;) {
+        if (*at != '%') {
+            result += *at++;
+            continue;
+        }
+        ++at;
+        if (*at == '%') {
+            result += *at++;
+            continue;
+        }
+        at += std::strspn(at, "-+ #0'");
+        at += std::strspn(at, "0123456789*");
+        if (*at == '.') at += 1 + std::strspn(at + 1, "0123456789*");
+        at += std::strspn(at, "hlLqjzt");
+        if (*at && std::strchr("diouxXeEfFgGaAcspnmCS", *at)) ++at;
+    }
+    return result;
+}
+
+const char* nur_thread_message() {
+    const CTivOpStatus* record = findThread();
+    return record ? record->message.get() : nullptr;
+}
+
+void nur_init(void (*callback)(const char*)) {
+    reportCallback = callback;
+    threadsGate.acquire();
+    threads.reserve(kFirstThreads);
+    threads.push_back({currentThread(), std::make_unique<char[]>(kMessageBytes)});
+    threadsGate.release();
+}
+
+void nur_close() {
+    for (auto& hook : exitHooks) {
+        if (hook) hook();
+        hook = nullptr;
+    }
+    threadsGate.acquire();
+    threads.clear();
+    threadsGate.release();
+    reportCallback = nullptr;
+}
