@@ -44,5 +44,3 @@ int nur_image_free(NurImage* image);
 ///         small\n" or the memory text
 int nur_output_image(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height,
                      const char* caller);
-struct NurVector;
-int nur_output_vector(NurVector* vector, CTivData::Format format, std::int32_t size, const char* caller);

@@ -1,6 +1,5 @@
 #include "foundation/nur_vector.h"
 
-#include "foundation/nur_image.h"
 #include "foundation/nur_memory.h"
 #include "foundation/nur_report.h"
 #include "foundation/nur_types.h"

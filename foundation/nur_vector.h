@@ -16,3 +16,7 @@ int nur_vector_alloc(NurVector* vector, CTivData::Format format, std::int32_t si
 
 /// Frees the data and empties the record. @return 0; -1 for a format outside the object-type table
 int nur_vector_free(NurVector* vector);
+
+/// As nur_output_image of nur_image.h, for vectors: "%s: incompatible output vector type: %s\n", "%s: output vector
+/// size too small\n" or the memory text.
+int nur_output_vector(NurVector* vector, CTivData::Format format, std::int32_t size, const char* caller);

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building (and, with "test", testing; with "ci", checking) needs, and only those
+# that are missing.
+set -euo pipefail
+packages=(g++ cmake ninja-build pkg-config libpng-dev libtiff-dev libinih-dev libcli11-dev nlohmann-json3-dev
+          qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins libgl1-mesa-dev libaravis-dev fonts-dejavu-core)
+case "${1:-}" in
+  test) packages+=(libgtest-dev libgmock-dev aravis-tools) ;;
+  ci) packages+=(libgtest-dev libgmock-dev aravis-tools clang-format git) ;;
+esac
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed' || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+echo "Installing: ${missing[*]}"
+sudo=()
+[ "$(id -u)" -eq 0 ] || sudo=(sudo)
+export DEBIAN_FRONTEND=noninteractive
+"${sudo[@]}" apt-get update -q
+"${sudo[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"
