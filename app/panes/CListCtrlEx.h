@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QLineEdit>
+#include <QTableWidget>
+
+class CInPlaceEdit;
+
+/// A list whose cells are edited in place: a double click in any column but the first opens an editor over the cell.
+class CListCtrlEx : public QTableWidget {
+    Q_OBJECT
+public:
+    explicit CListCtrlEx(QWidget* parent = nullptr);
+
+    void SetEditable(bool editable);  ///< off at first; turning it off ends a running edit without a commit
+    bool IsEditable() const { return editable_; }
+    void SetAllowEmpty(bool allow) { allowEmpty_ = allow; }
+    void SetDimmed(bool dimmed);  ///< gray text
+
+    /// @return the cell's text read as a number, 0 for what does not begin with one
+    float CellNumber(int row, int column) const;
+    void SetCellText(int row, int column, const QString& text);
+
+    /// Opens the editor over a cell; a row past the last one gets an editor that commits nowhere.
+    void EditCell(int row, int column);
+    CInPlaceEdit* GetEditor() const { return editor_; }  ///< null while no cell is edited
+    int EditedRow() const { return editedRow_; }         ///< -1 for none
+    int EditedColumn() const { return editedColumn_; }
+
+private:
+    friend class CInPlaceEdit;
+    void Commit(const QString& text);  ///< writes the text into the edited cell, if there is one
+    void EndEdit();
+    void MoveOn();
+    QRect CellRect(int row, int column) const;
+
+    CInPlaceEdit* editor_ = nullptr;
+    int editedRow_ = -1;
+    int editedColumn_ = -1;
+    bool allowEmpty_ = false;
+    bool editable_ = false;
+};
+
+/// The editor laid over one cell. Enter, a click elsewhere and losing the focus commit, Tab commits and moves on, Esc
+/// drops the text. It ends once, whatever comes together.
+class CInPlaceEdit : public QLineEdit {
+    Q_OBJECT
+public:
+    CInPlaceEdit(CListCtrlEx& list, const QRect& place, const QString& text);
+    ~CInPlaceEdit() override;
+
+protected:
+    bool event(QEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    enum class Ending { Commit, CommitAndMove, Drop };
+    void End(Ending ending);
+
+    CListCtrlEx& list_;
+    bool ended_ = false;
+};

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QDockWidget>
+#include <optional>
+
+#include "app/panes/RawColorLists.h"
+
+class CAutoROIImageViewer;
+class CRawColorListCtrl;
+class QPushButton;
+
+/// The identifiers by which a viewer is handed to the pane.
+enum RawColorViewer : int { RawColorViewerRaw = 104, RawColorViewerReference = 105 };
+
+/// The pane "Raw Color List": raw and reference colors picked by hand with each viewer's ROI. All commands work on the
+/// left side while the raw viewer is the selected one, else on the right.
+class CRawColorWnd : public QDockWidget {
+    Q_OBJECT
+public:
+    explicit CRawColorWnd(QWidget* parent = nullptr);
+
+    void SetViewer(CAutoROIImageViewer* viewer, int identifier);
+    void SetEnabled(bool enabled);  ///< undims or dims both lists and rules the buttons
+    void SetMode(bool relative);
+    CTivVector GetRawColors() const { return lists_.raw.GetColors(); }
+    CTivVector GetReferenceColors() const { return lists_.reference.GetColors(); }
+    void FillRawColors(const CTivVector& colors);
+    void FillReferenceColors(const CTivVector& colors);
+    /// A new image came into a viewer: clears that viewer's side, by the lopsided rule of RawColorLists.
+    void ClearSide(bool rawSide);
+    void UpdateCommandState();  ///< enables the buttons by mode, enabled flag and selected viewer
+
+    const RawColorLists& Lists() const { return lists_; }
+    CRawColorListCtrl& RawList() { return *rawList_; }
+    CRawColorListCtrl& ReferenceList() { return *referenceList_; }
+
+public slots:
+    void AddColor();
+    void ReplaceOrAdd();
+    void Remove();  ///< the selected row, or else the last
+    void RemoveLast();
+    void Clear();              ///< both sides
+    void ShowSelectedEntry();  ///< a cross in the viewer where the selected color was picked
+
+private:
+    bool IsRawSide() const;
+    RawColorSide& Side();
+    CRawColorListCtrl& SideList();
+    std::optional<RawColorEntry> PickFromRoi() const;
+    void Refresh();
+    void ApplyDimming();
+
+    RawColorLists lists_;
+    CAutoROIImageViewer* rawViewer_ = nullptr;
+    CAutoROIImageViewer* referenceViewer_ = nullptr;
+    bool enabled_ = false;
+    bool relative_ = false;
+    CRawColorListCtrl* rawList_;
+    CRawColorListCtrl* referenceList_;
+    QPushButton* replaceButton_;
+    QPushButton* removeButton_;
+    QPushButton* clearButton_;
+};

@@ -1,0 +1,186 @@
+#include "app/panes/CSpectrumValuesWnd.h"
+
+#include <QBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <algorithm>
+#include <cmath>
+
+#include "app/panes/CLoggerWnd.h"
+#include "app/toolkit/Profile.h"
+#include "app/toolkit/Prompts.h"
+#include "chart/CCSVParser.h"
+
+namespace {
+
+constexpr int kIlluminantColumn = 35;
+constexpr int kNumberColumn = 35;
+constexpr int kValueColumn = 65;
+constexpr const char* kZeroCell = "0.00000";
+constexpr const char* kFilter = "Comma Separated Values (*.csv)|*.csv||";
+constexpr const char* kProfileSection = "SpectrumValueFile";
+constexpr const char* kProfileEntry = "Name";
+
+// Shown as a whole number; what an integer cannot hold shows as 0.
+int truncated(float value) { return std::abs(value) < 2147483648.0f ? static_cast<int>(value) : 0; }
+
+QPushButton* addButton(QBoxLayout* row, const QString& text) {
+    auto* button = new QPushButton(text);
+    row->addWidget(button);
+    return button;
+}
+
+}  // namespace
+
+CIlluminantValue::CIlluminantValue(QWidget* parent) : CListCtrlEx(parent) {
+    setColumnCount(4);
+    setRowCount(1);
+    setHorizontalHeaderLabels({"", "X", "Y", "Z"});
+    setColumnWidth(0, 0);
+    for (int column = 1; column < 4; ++column) setColumnWidth(column, kIlluminantColumn);
+    horizontalHeader()->setSectionsClickable(false);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFixedHeight(horizontalHeader()->sizeHint().height() + verticalHeader()->defaultSectionSize() + 2 * frameWidth());
+    Reset();
+}
+
+void CIlluminantValue::Reset() {
+    for (int column = 1; column < 4; ++column) SetCellText(0, column, "0");
+}
+
+CSpectrumValuesListCtrl::CSpectrumValuesListCtrl(QWidget* parent) : CListCtrlEx(parent) {
+    setColumnCount(4);
+    setHorizontalHeaderLabels({"ID", "X", "Y", "Z"});
+    setColumnWidth(0, kNumberColumn);
+    for (int column = 1; column < 4; ++column) setColumnWidth(column, kValueColumn);
+    horizontalHeader()->setSectionsClickable(false);
+}
+
+void CSpectrumValuesListCtrl::Resize(int rows) {
+    const int before = rowCount();
+    setRowCount(std::max(rows, 1));
+    for (int row = before; row < rowCount(); ++row) {
+        SetCellText(row, 0, QString::number(row + 1));
+        for (int column = 1; column < 4; ++column) SetCellText(row, column, kZeroCell);
+    }
+}
+
+CSpectrumValuesWnd::CSpectrumValuesWnd(QWidget* parent) : QDockWidget("User Values", parent) {
+    setObjectName("UserValues");
+    auto* content = new QWidget(this);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(6, 6, 6, 6);
+    layout->setSpacing(4);
+    illuminantList_ = new CIlluminantValue(content);
+    spectrumList_ = new CSpectrumValuesListCtrl(content);
+    layout->addWidget(new QLabel("Illuminant Value"));
+    layout->addWidget(illuminantList_);
+    layout->addWidget(new QLabel("Spectrum Values"));
+    layout->addWidget(spectrumList_, 1);
+    auto* buttons = new QHBoxLayout;
+    connect(addButton(buttons, "Load Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::LoadValues);
+    connect(addButton(buttons, "Save Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::SaveValues);
+    connect(addButton(buttons, "Matrix Size"), &QPushButton::clicked, this, &CSpectrumValuesWnd::EditMatrixSize);
+    layout->addLayout(buttons);
+    setWidget(content);
+    ResetValues();
+    SetEnabled(false);
+}
+
+CTivVector CSpectrumValuesWnd::GetSpectrumValues() const {
+    CTivVector values(spectrumList_->rowCount(), CTivData::FormatColorFloat, nullptr, true);
+    for (int row = 0; row < spectrumList_->rowCount(); ++row) {
+        const float xyz[4] = {spectrumList_->CellNumber(row, 1), spectrumList_->CellNumber(row, 2),
+                              spectrumList_->CellNumber(row, 3), 0.0f};
+        values.SetData(row, CTivData::ColorFloat(xyz));
+    }
+    return values;
+}
+
+std::array<float, 4> CSpectrumValuesWnd::GetIlluminantValue() const {
+    return {illuminantList_->CellNumber(0, 1), illuminantList_->CellNumber(0, 2), illuminantList_->CellNumber(0, 3),
+            0.0f};
+}
+
+void CSpectrumValuesWnd::ShowSpectrumValues(const CTivVector& values) {
+    spectrumList_->Resize(values.GetSize());
+    for (int row = 0; row < values.GetSize(); ++row) {
+        const float* xyz = values.GetData(row).AsColorFloat();
+        if (!xyz) continue;
+        for (int column = 1; column < 4; ++column) {
+            spectrumList_->SetCellText(row, column, QString::asprintf("%.5f", static_cast<double>(xyz[column - 1])));
+        }
+    }
+}
+
+void CSpectrumValuesWnd::ShowIlluminantValue(const std::array<float, 4>& value) {
+    for (int column = 1; column < 4; ++column) {
+        illuminantList_->SetCellText(0, column,
+                                     QString::number(truncated(value[static_cast<std::size_t>(column - 1)])));
+    }
+}
+
+void CSpectrumValuesWnd::SetMatrixSize(int width, int height) {
+    chartSize_.Width = width;
+    chartSize_.Height = height;
+}
+
+void CSpectrumValuesWnd::SetEnabled(bool enabled) {
+    enabled_ = enabled;
+    for (CListCtrlEx* list : {static_cast<CListCtrlEx*>(illuminantList_), static_cast<CListCtrlEx*>(spectrumList_)}) {
+        list->SetEditable(enabled);
+        list->SetDimmed(!enabled);
+    }
+}
+
+void CSpectrumValuesWnd::ResetValues() {
+    illuminantList_->SetEditable(false);
+    spectrumList_->SetEditable(false);
+    illuminantList_->Reset();
+    spectrumList_->setRowCount(0);
+    spectrumList_->Resize(chartSize_.Width * chartSize_.Height);
+}
+
+bool CSpectrumValuesWnd::AskMatrixSize() {
+    int width = chartSize_.Width;
+    int height = chartSize_.Height;
+    if (!GetPrompts().EditMatrixSize(width, height)) return false;
+    SetMatrixSize(width, height);
+    emit matrixSizeChosen();
+    return true;
+}
+
+QString CSpectrumValuesWnd::StartPath() const {
+    return GetProfile().ReadString(kProfileSection, kProfileEntry, baseDir_ + "*.csv");
+}
+
+void CSpectrumValuesWnd::LoadValues() {
+    const auto choice = GetPrompts().OpenFile({StartPath(), kFilter, 1, ""});
+    if (!choice) return;
+    LoadValuesFrom(choice->path);
+    GetProfile().WriteString(kProfileSection, kProfileEntry, choice->path);
+}
+
+void CSpectrumValuesWnd::LoadValuesFrom(const QString& path) {
+    emit message("Please verify the matrix dimension of the current table before loading it's spectrum values.",
+                 LogInformation);
+    AskMatrixSize();  // on Cancel the size stays, and loading goes on
+    CTivVector values(chartSize_.Width * chartSize_.Height, CTivData::FormatColorFloat, nullptr, true);
+    if (CCSVParser().Read(path.toStdString(), values)) {
+        ShowSpectrumValues(values);
+    } else {
+        emit message(QString::fromStdString(CTivManager::GetLastErrorString()), LogError);
+    }
+}
+
+void CSpectrumValuesWnd::SaveValues() {
+    const auto choice = GetPrompts().SaveFile({StartPath(), kFilter, 1, "csv"});
+    if (!choice) return;
+    CCSVParser().Write(choice->path.toStdString(), GetSpectrumValues());
+    GetProfile().WriteString(kProfileSection, kProfileEntry, choice->path);
+}
+
+void CSpectrumValuesWnd::EditMatrixSize() {
+    if (AskMatrixSize()) spectrumList_->Resize(chartSize_.Width * chartSize_.Height);
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QDockWidget>
+#include <array>
+
+#include "app/panes/CListCtrlEx.h"
+#include "chart/PatchDetector.h"
+#include "foundation/CTivVector.h"
+
+class QLabel;
+class QPushButton;
+
+/// The one-row list of the white reference: a hidden first column, then X, Y and Z.
+class CIlluminantValue : public CListCtrlEx {
+    Q_OBJECT
+public:
+    explicit CIlluminantValue(QWidget* parent);
+    void Reset();  ///< three cells of "0"
+};
+
+/// The list of patches: a number from 1, then X, Y and Z.
+class CSpectrumValuesListCtrl : public CListCtrlEx {
+    Q_OBJECT
+public:
+    explicit CSpectrumValuesListCtrl(QWidget* parent);
+    /// Adds rows of zeros or removes rows from the end; one row always stays.
+    void Resize(int rows);
+};
+
+/// The pane "User Values": XYZ of the chart's patches and of the white reference under the user's own light. It also
+/// holds the chart's size in patches, which the detecting viewers read.
+class CSpectrumValuesWnd : public QDockWidget {
+    Q_OBJECT
+public:
+    explicit CSpectrumValuesWnd(QWidget* parent = nullptr);
+
+    /// @return FormatColorFloat, one element a row: X, Y, Z as the cells read, and 0
+    CTivVector GetSpectrumValues() const;
+    std::array<float, 4> GetIlluminantValue() const;
+    void ShowSpectrumValues(const CTivVector& values);  ///< resizes the list; "%.5f"
+    /// Shows whole numbers only, deliberately: the operator keeps the fractions.
+    void ShowIlluminantValue(const std::array<float, 4>& value);
+    ChartSize* GetChartSize() { return &chartSize_; }
+    void SetMatrixSize(int width, int height);
+    void SetEnabled(bool enabled);  ///< undims and allows editing, or the reverse
+    bool IsEnabledForEditing() const { return enabled_; }
+    void ResetValues();  ///< zeros for the matrix size, editing off
+
+    /// The directory that the file dialogs start from while the profile names none.
+    void SetBaseDir(const QString& baseDir) { baseDir_ = baseDir; }
+
+    /// Reads a file into the list after asking for the matrix size, as a drop does.
+    /// @throw as CCSVParser::Read; the list is then as it was
+    void LoadValuesFrom(const QString& path);
+
+    CIlluminantValue& IlluminantList() { return *illuminantList_; }
+    CSpectrumValuesListCtrl& SpectrumList() { return *spectrumList_; }
+
+public slots:
+    void LoadValues();
+    void SaveValues();
+    void EditMatrixSize();
+
+signals:
+    void message(const QString& text, int type);  ///< words for the log
+    void matrixSizeChosen();                      ///< the dialog ended with OK: the detection grid wants a refresh
+
+private:
+    bool AskMatrixSize();
+    QString StartPath() const;
+
+    ChartSize chartSize_;
+    bool enabled_ = false;
+    QString baseDir_;
+    CIlluminantValue* illuminantList_;
+    CSpectrumValuesListCtrl* spectrumList_;
+};

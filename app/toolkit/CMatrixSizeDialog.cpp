@@ -1,0 +1,34 @@
+#include "app/toolkit/CMatrixSizeDialog.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QSpinBox>
+
+namespace {
+
+constexpr int kMostPatches = 100;
+
+QSpinBox* patchCount(int value) {
+    auto* box = new QSpinBox;
+    box->setRange(1, kMostPatches);
+    box->setValue(value);
+    box->selectAll();
+    return box;
+}
+
+}  // namespace
+
+CMatrixSizeDialog::CMatrixSizeDialog(int width, int height, QWidget* parent)
+    : QDialog(parent), width_(patchCount(width)), height_(patchCount(height)) {
+    setWindowTitle("Matrix Size");
+    auto* form = new QFormLayout(this);
+    form->addRow("Width", width_);
+    form->addRow("Height", height_);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    form->addRow(buttons);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+int CMatrixSizeDialog::Width() const { return width_->value(); }
+int CMatrixSizeDialog::Height() const { return height_->value(); }

@@ -1,0 +1,299 @@
+#include "primitives/ctiv_ippi.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+#include "primitives/acceleration.h"
+#include "primitives/statistics_rows.h"
+#include "primitives/wide.h"
+
+namespace {
+
+constexpr std::int64_t kRowAlignment = 64;
+
+bool absentAtThisLevel() { return ctiv_GetAccelerationLevel() == 0; }
+
+template <class T>
+T* rowOf(T* image, std::int64_t pitch, int y) {
+    using Byte = std::conditional_t<std::is_const_v<T>, const char, char>;
+    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(image) + pitch * y);
+}
+
+template <class T, class Work>
+void forEachRow(T* image, std::int64_t pitch, int height, Work work) {
+    for (int y = 0; y < height; ++y) work(rowOf(image, pitch, y), y);
+}
+
+void setEvenLevels(std::int32_t* levels, int levelCount, std::int32_t lower, std::int32_t upper) {
+    const std::int64_t span = std::int64_t{upper} - lower;
+    for (int k = 0; k < levelCount; ++k) {
+        levels[k] = static_cast<std::int32_t>(lower + span * k / std::max(levelCount - 1, 1));
+    }
+}
+
+// Counts one value a bin over the whole range of T, then gathers the values of each bin by its edges.
+template <class T>
+void gatherBins(const std::vector<std::uint32_t>& perValue, std::int32_t* counts, const std::int32_t* levels,
+                int levelCount) {
+    constexpr std::int32_t kLeast = std::numeric_limits<T>::min();
+    const auto clipped = [&](std::int32_t edge) {
+        return std::clamp<std::int64_t>(std::int64_t{edge} - kLeast, 0, static_cast<std::int64_t>(perValue.size()));
+    };
+    for (int k = 0; k + 1 < levelCount; ++k) {
+        std::uint32_t count = 0;
+        for (std::int64_t v = clipped(levels[k]); v < clipped(levels[k + 1]); ++v) {
+            count += perValue[static_cast<std::size_t>(v)];
+        }
+        counts[k] = static_cast<std::int32_t>(count);
+    }
+}
+
+template <class T>
+void histogramEven(const T* source, std::int64_t pitch, int width, int height, int step, std::int32_t* counts,
+                   std::int32_t* levels, int levelCount, std::int32_t lower, std::int32_t upper) {
+    constexpr std::int32_t kLeast = std::numeric_limits<T>::min();
+    std::vector<std::uint32_t> perValue(std::size_t{1} << (8 * sizeof(T)));
+    forEachRow(source, pitch, height, [&](const T* row, int) {
+        for (int x = 0; x < width; ++x) ++perValue[static_cast<std::size_t>(row[x * step] - kLeast)];
+    });
+    setEvenLevels(levels, levelCount, lower, upper);
+    gatherBins<T>(perValue, counts, levels, levelCount);
+}
+
+template <class T>
+void meanAndDeviation(const T* source, std::int64_t pitch, int width, int height, double* mean, double* deviation) {
+    double sum = 0;
+    double squares = 0;
+    forEachRow(source, pitch, height, [&](const T* row, int) {
+        for (int x = 0; x < width; ++x) {
+            const double value = static_cast<double>(row[x]);
+            sum += value;
+            squares += value * value;
+        }
+    });
+    const double count = static_cast<double>(width) * height;
+    *mean = sum / count;
+    *deviation = std::sqrt(std::max(squares / count - *mean * *mean, 0.0));
+}
+
+template <class T>
+void leastAndMost(const T* source, std::int64_t pitch, int width, int height, T* least, T* most) {
+    *least = *most = source[0];
+    forEachRow(source, pitch, height, [&](const T* row, int) {
+        for (int x = 0; x < width; ++x) {
+            *least = std::min(*least, row[x]);
+            *most = std::max(*most, row[x]);
+        }
+    });
+}
+
+ByteSums byteSums(const std::uint8_t* source, std::int64_t pitch, int width, int height) {
+    const auto add = HasAvx2() ? AddByteRowWide : AddByteRowPlain;
+    ByteSums sums;
+    sums.least = sums.most = source[0];
+    forEachRow(source, pitch, height,
+               [&](const std::uint8_t* row, int) { add(row, static_cast<std::size_t>(width), sums); });
+    return sums;
+}
+
+bool holds(PrimitiveCompare compare, std::uint8_t value, std::uint8_t limit) {
+    switch (compare) {
+        case PrimitiveCompare::Less:
+            return value < limit;
+        case PrimitiveCompare::LessEqual:
+            return value <= limit;
+        case PrimitiveCompare::Equal:
+            return value == limit;
+        case PrimitiveCompare::GreaterEqual:
+            return value >= limit;
+        case PrimitiveCompare::Greater:
+            return value > limit;
+    }
+    return false;
+}
+
+void* allocateRows(std::int64_t rowBytes, int height, std::int64_t* pitch) {
+    *pitch = (rowBytes + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
+    if (rowBytes <= 0 || height <= 0) return nullptr;
+    return std::aligned_alloc(kRowAlignment, static_cast<std::size_t>(*pitch * height));
+}
+
+}  // namespace
+
+int ctiv_ippSetNumThreads(int) { return 0; }
+
+int ctiv_ippiHistogramEven_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int width, int height,
+                                  std::int32_t* counts, std::int32_t* levels, int levelCount, std::int32_t lower,
+                                  std::int32_t upper) {
+    ByteHistogram histogram;
+    forEachRow(source, pitch, height,
+               [&](const std::uint8_t* row, int) { histogram.Add(row, static_cast<std::size_t>(width)); });
+    std::uint32_t bins[256];
+    histogram.Finish(bins);
+    setEvenLevels(levels, levelCount, lower, upper);
+    gatherBins<std::uint8_t>({std::begin(bins), std::end(bins)}, counts, levels, levelCount);
+    return 0;
+}
+
+int ctiv_ippiHistogramEven_8u_C4R(const std::uint8_t* source, std::int64_t pitch, int width, int height,
+                                  std::int32_t* counts[3], std::int32_t* levels[3], const int levelCount[3],
+                                  const std::int32_t lower[3], const std::int32_t upper[3]) {
+    for (int c = 0; c < 3; ++c) {
+        histogramEven(source + c, pitch, width, height, 4, counts[c], levels[c], levelCount[c], lower[c], upper[c]);
+    }
+    return 0;
+}
+
+int ctiv_ippiHistogramEven_16u_C1R(const std::uint16_t* source, std::int64_t pitch, int width, int height,
+                                   std::int32_t* counts, std::int32_t* levels, int levelCount, std::int32_t lower,
+                                   std::int32_t upper) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    histogramEven(source, pitch, width, height, 1, counts, levels, levelCount, lower, upper);
+    return 0;
+}
+
+int ctiv_ippiHistogramEven_16s_C1R(const std::int16_t* source, std::int64_t pitch, int width, int height,
+                                   std::int32_t* counts, std::int32_t* levels, int levelCount, std::int32_t lower,
+                                   std::int32_t upper) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    histogramEven(source, pitch, width, height, 1, counts, levels, levelCount, lower, upper);
+    return 0;
+}
+
+int ctiv_ippiMean_StdDev_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int width, int height, double* mean,
+                                double* deviation) {
+    const ByteSums sums = byteSums(source, pitch, width, height);
+    const double count = static_cast<double>(width) * height;
+    *mean = static_cast<double>(sums.sum) / count;
+    *deviation = std::sqrt(std::max(static_cast<double>(sums.squares) / count - *mean * *mean, 0.0));
+    return 0;
+}
+
+int ctiv_ippiMean_StdDev_8s_C1R(const std::int8_t* source, std::int64_t pitch, int width, int height, double* mean,
+                                double* deviation) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    meanAndDeviation(source, pitch, width, height, mean, deviation);
+    return 0;
+}
+
+int ctiv_ippiMean_StdDev_32f_C1R(const float* source, std::int64_t pitch, int width, int height, double* mean,
+                                 double* deviation) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    meanAndDeviation(source, pitch, width, height, mean, deviation);
+    return 0;
+}
+
+int ctiv_ippiMinMax_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int width, int height, std::uint8_t* least,
+                           std::uint8_t* most) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    const ByteSums sums = byteSums(source, pitch, width, height);
+    *least = sums.least;
+    *most = sums.most;
+    return 0;
+}
+
+int ctiv_ippiMinMax_32f_C1R(const float* source, std::int64_t pitch, int width, int height, float* least, float* most) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    leastAndMost(source, pitch, width, height, least, most);
+    return 0;
+}
+
+int ctiv_ippiRShiftC_16u_C1R(const std::uint16_t* source, std::int64_t sourcePitch, std::uint32_t shift,
+                             std::uint16_t* destination, std::int64_t destinationPitch, int width, int height) {
+    forEachRow(source, sourcePitch, height, [&](const std::uint16_t* row, int y) {
+        std::uint16_t* out = rowOf(destination, destinationPitch, y);
+        for (int x = 0; x < width; ++x) out[x] = static_cast<std::uint16_t>(row[x] >> shift);
+    });
+    return 0;
+}
+
+int ctiv_ippiScale_16u8u_C1R(const std::uint16_t* source, std::int64_t sourcePitch, std::uint8_t* destination,
+                             std::int64_t destinationPitch, int width, int height, std::uint16_t lower,
+                             std::uint16_t upper) {
+    const int span = std::max(upper - lower, 1);
+    forEachRow(source, sourcePitch, height, [&](const std::uint16_t* row, int y) {
+        std::uint8_t* out = rowOf(destination, destinationPitch, y);
+        for (int x = 0; x < width; ++x) {
+            const int scaled = (std::clamp<int>(row[x], lower, upper) - lower) * 255 / span;
+            out[x] = static_cast<std::uint8_t>(scaled);
+        }
+    });
+    return 0;
+}
+
+std::uint8_t* ctiv_ippiMalloc_8u_C1(int width, int height, std::int64_t* pitch) {
+    return static_cast<std::uint8_t*>(allocateRows(width, height, pitch));
+}
+
+std::uint16_t* ctiv_ippiMalloc_16u_C1(int width, int height, std::int64_t* pitch) {
+    return static_cast<std::uint16_t*>(allocateRows(std::int64_t{width} * 2, height, pitch));
+}
+
+void ctiv_ippiFree(void* memory) { std::free(memory); }
+
+int ctiv_ippiCompareC_8u_C3R(const std::uint8_t* source, std::int64_t sourcePitch, const std::uint8_t value[3],
+                             std::uint8_t* mask, std::int64_t maskPitch, int width, int height,
+                             PrimitiveCompare compare) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    forEachRow(source, sourcePitch, height, [&](const std::uint8_t* row, int y) {
+        std::uint8_t* out = rowOf(mask, maskPitch, y);
+        for (int x = 0; x < width; ++x) {
+            const std::uint8_t* pixel = row + 3 * x;
+            const bool all = holds(compare, pixel[0], value[0]) && holds(compare, pixel[1], value[1]) &&
+                             holds(compare, pixel[2], value[2]);
+            out[x] = all ? 255 : 0;
+        }
+    });
+    return 0;
+}
+
+int ctiv_ippiAnd_8u_C1IR(const std::uint8_t* source, std::int64_t sourcePitch, std::uint8_t* mask,
+                         std::int64_t maskPitch, int width, int height) {
+    forEachRow(source, sourcePitch, height, [&](const std::uint8_t* row, int y) {
+        std::uint8_t* out = rowOf(mask, maskPitch, y);
+        for (int x = 0; x < width; ++x) out[x] &= row[x];
+    });
+    return 0;
+}
+
+int ctiv_ippiNot_8u_C1IR(std::uint8_t* mask, std::int64_t maskPitch, int width, int height) {
+    forEachRow(mask, maskPitch, height, [&](std::uint8_t* row, int) {
+        for (int x = 0; x < width; ++x) row[x] = static_cast<std::uint8_t>(~row[x]);
+    });
+    return 0;
+}
+
+int ctiv_ippiSet_8u_C1MR(std::uint8_t value, std::uint8_t* destination, std::int64_t destinationPitch, int width,
+                         int height, const std::uint8_t* mask, std::int64_t maskPitch) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    forEachRow(mask, maskPitch, height, [&](const std::uint8_t* row, int y) {
+        std::uint8_t* out = rowOf(destination, destinationPitch, y);
+        for (int x = 0; x < width; ++x) out[x] = row[x] ? value : out[x];
+    });
+    return 0;
+}
+
+int ctiv_ippiSet_8u_C3MR(const std::uint8_t value[3], std::uint8_t* destination, std::int64_t destinationPitch,
+                         int width, int height, const std::uint8_t* mask, std::int64_t maskPitch) {
+    if (absentAtThisLevel()) return kPrimitiveAbsent;
+    forEachRow(mask, maskPitch, height, [&](const std::uint8_t* row, int y) {
+        std::uint8_t* out = rowOf(destination, destinationPitch, y);
+        for (int x = 0; x < width; ++x) {
+            if (row[x]) std::copy(value, value + 3, out + 3 * x);
+        }
+    });
+    return 0;
+}
+
+int ctiv_ippiDup_8u_C1C4R(const std::uint8_t* source, std::int64_t sourcePitch, std::uint8_t* destination,
+                          std::int64_t destinationPitch, int width, int height) {
+    forEachRow(source, sourcePitch, height, [&](const std::uint8_t* row, int y) {
+        std::uint8_t* out = rowOf(destination, destinationPitch, y);
+        for (int x = 0; x < width; ++x) std::fill(out + 4 * x, out + 4 * x + 4, row[x]);
+    });
+    return 0;
+}
