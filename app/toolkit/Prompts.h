@@ -39,4 +39,5 @@ public:
 
 /// The prompts in force for the whole program; the application sets them once, a test sets its own.
 Prompts& GetPrompts();
+/// @param prompts not owned; null puts the dialogs back in force
 void SetPrompts(Prompts* prompts);

@@ -1,0 +1,88 @@
+#include "app/panes/CLoggerWnd.h"
+
+#include <QHeaderView>
+#include <QStyledItemDelegate>
+#include <QTableWidget>
+#include <algorithm>
+
+#include "app/toolkit/Clock.h"
+
+namespace {
+
+constexpr int kIconPixels = 16;
+constexpr int kCellPadding = 16;
+
+// The library's lower layer ends its texts with a line feed; a row shows one line.
+class OneLineDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QString displayText(const QVariant& value, const QLocale&) const override { return value.toString().simplified(); }
+};
+
+QString timeText(const QDateTime& now) {
+    const QTime time = now.time();
+    const QDate date = now.date();
+    return QString::asprintf("%02d:%02d:%02d:%03d  %02d/%02d/%d", time.hour(), time.minute(), time.second(),
+                             time.msec(), date.month(), date.day(), date.year());
+}
+
+}  // namespace
+
+CLoggerWnd::CLoggerWnd(const Clock& clock, QWidget* parent)
+    : QDockWidget("Logs", parent),
+      clock_(clock),
+      list_(new QTableWidget(0, ColumnCount, this)),
+      icons_{QIcon(":/icons/log-error.svg"), QIcon(":/icons/log-warning.svg"), QIcon(":/icons/log-information.svg")} {
+    list_->setHorizontalHeaderLabels({"Type", "Time", "Message"});
+    list_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list_->setItemDelegate(new OneLineDelegate(list_));
+    list_->setIconSize({kIconPixels, kIconPixels});
+    list_->setWordWrap(false);
+    list_->setFrameShape(QFrame::NoFrame);
+    list_->setTabKeyNavigation(false);
+    list_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list_->verticalHeader()->hide();
+    list_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    list_->verticalHeader()->setDefaultSectionSize(list_->fontMetrics().height() + 6);
+    list_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    list_->horizontalHeader()->setSectionsClickable(false);
+    setWidget(list_);
+    FitColumns({}, {});
+}
+
+void CLoggerWnd::AddMessage(const QString& text, int type) {
+    const int row = list_->rowCount();
+    list_->insertRow(row);
+    const bool isKnown = type >= 0 && type < static_cast<int>(icons_.size());
+    list_->setItem(
+        row, ColumnType,
+        isKnown ? new QTableWidgetItem(icons_[static_cast<std::size_t>(type)], {}) : new QTableWidgetItem("Unknown"));
+    const QString time = timeText(clock_.LocalNow());
+    list_->setItem(row, ColumnTime, new QTableWidgetItem(time));
+    list_->setItem(row, ColumnMessage, new QTableWidgetItem(text));
+    FitColumns(time, text.simplified());
+    list_->scrollToItem(list_->item(row, ColumnType));
+    show();
+    raise();
+}
+
+void CLoggerWnd::ClearLog() {
+    list_->setRowCount(0);
+    contentWidths_.fill(0);
+    FitColumns({}, {});
+}
+
+// Each column is as wide as the wider of its header and its widest row. Rows only ever come to the end, so the widest
+// one is kept and a long log costs no more than a short one.
+void CLoggerWnd::FitColumns(const QString& time, const QString& text) {
+    const QFontMetrics metrics = list_->fontMetrics();
+    const std::array<int, ColumnCount> newest{metrics.horizontalAdvance("Unknown"), metrics.horizontalAdvance(time),
+                                              metrics.horizontalAdvance(text)};
+    for (int column = 0; column < ColumnCount; ++column) {
+        int& widest = contentWidths_[static_cast<std::size_t>(column)];
+        widest = std::max(widest, newest[static_cast<std::size_t>(column)]);
+        const int header = list_->horizontalHeader()->sectionSizeHint(column);
+        list_->setColumnWidth(column, std::max(widest + kCellPadding, header));
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QDockWidget>
+#include <QIcon>
+#include <array>
+
+class Clock;
+class QTableWidget;
+
+/// What kind of message stands in the log. Any other number shows as "Unknown", without an icon.
+enum LogType : int { LogError = 0, LogWarning = 1, LogInformation = 2 };
+
+/// The pane "Logs": every word for the user ends up here, one row a message, for as long as the program runs.
+/// Main thread only.
+class CLoggerWnd : public QDockWidget {
+    Q_OBJECT
+public:
+    enum Column : int { ColumnType = 0, ColumnTime, ColumnMessage, ColumnCount };
+
+    /// @param clock tells the time of a message; must outlive the pane
+    CLoggerWnd(const Clock& clock, QWidget* parent);
+
+    /// Appends a row, scrolls to it and brings the pane into view, also when the user has closed it.
+    /// @param type a LogType
+    void AddMessage(const QString& text, int type);
+    void AddMessage(const char* text, int type) { AddMessage(QString::fromUtf8(text), type); }
+    void ClearLog();
+
+    const QTableWidget& List() const { return *list_; }
+
+private:
+    void FitColumns(const QString& time, const QString& text);
+
+    const Clock& clock_;
+    QTableWidget* list_;
+    std::array<QIcon, 3> icons_;
+    std::array<int, ColumnCount> contentWidths_{};  // of the widest row so far, pixels
+};

@@ -1,0 +1,68 @@
+#include "app/toolkit/QtPrompts.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+
+#include "app/toolkit/CMatrixSizeDialog.h"
+#include "app/toolkit/FileFilters.h"
+
+namespace {
+
+QWidget* dialogParent() { return QApplication::activeWindow(); }
+
+std::optional<FileChoice> runFileDialog(QFileDialog& dialog, const FileRequest& request) {
+    const QStringList filters = ParseFileFilters(request.filters);
+    dialog.setNameFilters(filters);
+    if (const int index = request.filterIndex - 1; index >= 0 && index < filters.size()) {
+        dialog.selectNameFilter(filters[index]);
+    }
+    const DialogStart start = ParseStartPath(request.startPath);
+    if (!start.directory.isEmpty()) dialog.setDirectory(start.directory);
+    if (!start.fileName.isEmpty()) dialog.selectFile(start.fileName);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+    return FileChoice{dialog.selectedFiles().constFirst(),
+                      static_cast<int>(filters.indexOf(dialog.selectedNameFilter())) + 1};
+}
+
+void showMessage(QMessageBox::Icon icon, const QString& caption, const QString& text) {
+    QMessageBox(icon, caption, text, QMessageBox::Ok, dialogParent()).exec();
+}
+
+}  // namespace
+
+std::optional<FileChoice> QtPrompts::OpenFile(const FileRequest& request) {
+    QFileDialog dialog(dialogParent(), "Open");
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    return runFileDialog(dialog, request);
+}
+
+std::optional<FileChoice> QtPrompts::SaveFile(const FileRequest& request) {
+    QFileDialog dialog(dialogParent(), "Save As");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);  // asks before it names an existing file
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setDefaultSuffix(request.defaultExtension);
+    return runFileDialog(dialog, request);
+}
+
+bool QtPrompts::AskYesNo(const QString& caption, const QString& text) {
+    return QMessageBox::question(dialogParent(), caption, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) ==
+           QMessageBox::Yes;
+}
+
+void QtPrompts::ShowWarning(const QString& caption, const QString& text) {
+    showMessage(QMessageBox::Warning, caption, text);
+}
+
+void QtPrompts::ShowError(const QString& caption, const QString& text) {
+    showMessage(QMessageBox::Critical, caption, text);
+}
+
+bool QtPrompts::EditMatrixSize(int& width, int& height) {
+    CMatrixSizeDialog dialog(width, height, dialogParent());
+    if (dialog.exec() != QDialog::Accepted) return false;
+    width = dialog.Width();
+    height = dialog.Height();
+    return true;
+}
