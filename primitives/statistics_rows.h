@@ -31,6 +31,6 @@ public:
     void Finish(std::uint32_t (&bins)[256]) const;
 
 private:
-    static constexpr std::size_t kTables = 4;
+    static constexpr std::size_t kTables = 8;
     std::uint32_t tables_[kTables][256] = {};
 };
