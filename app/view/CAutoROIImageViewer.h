@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/view/CImageViewerCtrl.h"
+#include "chart/PatchDetector.h"
+#include "foundation/CTivVector.h"
+
+/// The viewer that finds the patches of an upright color chart inside its ROI, shows where it measures them, and
+/// measures them.
+class CAutoROIImageViewer : public CImageViewerCtrl {
+    Q_OBJECT
+public:
+    using CImageViewerCtrl::CImageViewerCtrl;
+
+    /// @param size not owned, read afresh at each use; the viewer detects nothing without one
+    void SetChartSize(ChartSize* size) { m_chartSize = size; }
+    /// As the base's; then forgets the patches and shows the ROI, which tells of it.
+    bool SetImage(CTivImage* image, bool resetView) override;
+    /// On: the ROI becomes the displayed part less a fiftieth on each side, and the comm is told, which sets off
+    /// detection. Off: no patches are drawn, and the ROI becomes a small square to pick colors with.
+    void SetAutoDetect(bool on);
+    /// Rebuilds patch grid and overlay from the image under the ROI. Shows no message.
+    void DetectPatches();
+    /// Measures the grid. Warns once if a patch is saturated, and gives the colors all the same.
+    /// @return FormatRgb, chart width x height elements, row by row; empty without a chart size
+    CTivVector GetRawColors();
+    /// The same, ordered by the place of the brightest patch: what GetRawColors gives for 6 x 4 and 4 x 6.
+    CTivVector GetOrientedRawColors();
+    /// @param bgr receives the ROI's mean color: blue, green, red
+    /// @param centre receives the ROI's centre in image pixels
+    void GetRoiColor(unsigned char* bgr, ViewPoint* centre);
+
+protected:
+    /// Centres the ROI on the point and asks for a manual pick there.
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+private:
+    ChartRoi RoiOfChart() const;
+    CTivVector Deliver(const PatchColors& measured);
+
+    PatchDetector m_detector;
+    ChartSize* m_chartSize = nullptr;
+    bool m_autoDetect = false;  // kept, though only the frame's own flag decides
+};

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QFont>
+#include <QFrame>
+#include <QPixmap>
+
+#include "app/toolkit/RectTracker.h"
+#include "app/view/Overlay.h"
+#include "app/view/ViewGeometry.h"
+#include "foundation/CTivImage.h"
+
+class CDemoImageViewerComm;
+class ViewerHost;
+
+/// Shows one image with zoom, scrolling by dragging, a movable rectangle of interest (ROI) and an overlay in image
+/// coordinates. The wheel zooms around the pointer, faster with Ctrl held; dragging scrolls an image that is larger
+/// than the window; dragging the ROI moves or resizes it, Escape takes that back.
+///
+/// Client coordinates count from the corner of the area inside the sunken edge (contentsRect) in logical pixels.
+class CImageViewerCtrl : public QFrame {
+    Q_OBJECT
+public:
+    explicit CImageViewerCtrl(QWidget* parent = nullptr);
+
+    /// Shows a copy of the image, whose own region becomes the whole image, and puts the ROI back to its start.
+    /// @param resetView also ResetView
+    /// @return false, and nothing is shown, for null or an image without pixels
+    virtual bool SetImage(CTivImage* image, bool resetView);
+    /// Zoom 1.0, no scroll, no tracker rectangle, empty overlays. The ROI and the image stay.
+    void ResetView();
+    void ClearOverlays();
+
+    /// Whom the viewer tells of pixels, ROI and zoom, and the window that holds it. Not owned, null allowed.
+    void SetComm(CDemoImageViewerComm* comm) { comm_ = comm; }
+    void SetHost(ViewerHost* host) { host_ = host; }
+    void SetSelected(int selected);
+    int IsSelected() const { return selected_; }
+
+    // Each of these repaints and tells the zoom. The fits want an image.
+    void SetZoom(float zoom);  ///< limited to 0.01 to 10
+    float GetZoom() const { return geometry_.GetZoom(); }
+    void ResetScale();
+    void FitHeight();
+    void FitWidth();
+    void FitToWindow();
+
+    /// Shows or hides the ROI; one that was never shown becomes the displayed part less a fiftieth on each side.
+    void EnableRoi(bool on);
+    bool IsRoiEnabled() const { return roiEnabled_; }
+    const ViewRect& GetRoi() const { return roi_; }  ///< image pixels
+
+    bool ClientToImage(ViewPoint in, ViewPoint* out) const { return geometry_.ClientToImage(in, out); }
+    bool ImageToClient(ViewPoint in, ViewPoint* out) const { return geometry_.ImageToClient(in, out); }
+
+    /// The image on display. Who changes its pixels calls update(); who gives it another size, ImageChanged().
+    CTivImage& Image() { return image_; }
+    const CTivImage& Image() const { return image_; }
+    /// To be called after Image() was written to directly: takes its size and repaints.
+    void ImageChanged();
+    Overlay& ImageOverlay() { return imageOverlay_; }  ///< drawn over the image; call update() after a change
+    const Overlay& ImageOverlay() const { return imageOverlay_; }
+    const ViewGeometry& Geometry() const { return geometry_; }
+    const RectTracker& Tracker() const { return tracker_; }
+
+    QSize sizeHint() const override;
+
+protected:
+    /// Replaces the ROI without telling anyone.
+    void SetRoi(const ViewRect& roi) { roi_ = roi; }
+    /// Puts the tracker to its start and the ROI under it, without telling anyone.
+    void ResetTracker();
+    void NotifyRoi();
+    ViewPoint ClientPoint(QPointF position) const;  ///< from the widget's coordinates
+    ViewerHost* Host() const { return host_; }
+
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void ZoomChanged();
+    void UpdateCursor(ViewPoint point);
+    void EndTracking();
+    void PaintBackground(QPainter& painter);
+    void PaintTracker(QPainter& painter);
+    void PaintEdge(QPainter& painter);
+
+    ViewGeometry geometry_;
+    RectTracker tracker_;
+    ViewRect roi_;  // image pixels
+    bool roiEnabled_ = false;
+    int selected_ = 0;
+    CDemoImageViewerComm* comm_ = nullptr;
+    ViewerHost* host_ = nullptr;
+    CTivImage image_;
+    Overlay imageOverlay_;
+    QFont font_;  // the system's menu font, as it was at construction
+    QPixmap background_;
+};

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "app/toolkit/ViewRect.h"
+
+/// How an image lies in a window: zoom, the part of the image on display (source) and where it stands in the client
+/// area (destination), and the two mappings between them. No widget and no pixel takes part. The rectangles follow
+/// every change of zoom, client size and image size at once.
+class ViewGeometry {
+public:
+    static constexpr float kMinimumZoom = 0.01f;
+    static constexpr float kMaximumZoom = 10.0f;
+
+    /// Zoom 1.0, both rectangles empty, no anchor, not dragging. The sizes stay; Layout fills the rectangles again.
+    void Reset();
+    void SetClientSize(int width, int height);
+    /// Takes the size of a new image (0 and 0: none) and computes the rectangles from it.
+    void SetImageSize(int width, int height);
+
+    float GetZoom() const { return zoom_; }
+    void SetZoom(float zoom);  ///< limited to 0.01 to 10
+    void ResetScale();         ///< zoom 1.0
+    void FitHeight();          ///< the image's height fills the client area's; limited as by SetZoom
+    void FitWidth();
+    void FitToWindow();  ///< the lesser of both
+
+    const ViewRect& GetSource() const { return source_; }            ///< image pixels
+    const ViewRect& GetDestination() const { return destination_; }  ///< client pixels
+
+    /// Truncates, and never leaves the image: a point on the right or lower edge gives the last column or row.
+    /// @return false, `out` untouched, for a point outside the destination or without an image
+    bool ClientToImage(ViewPoint in, ViewPoint* out) const;
+    /// Rounds, unlike ClientToImage, deliberately.
+    /// @return false, `out` untouched, for a point outside the source grown by one pixel on all sides
+    bool ImageToClient(ViewPoint in, ViewPoint* out) const;
+
+    /// One step of the wheel over a client point, which becomes the anchor: the image point there stays under it.
+    /// @return false, nothing changed, where the point is outside the destination
+    bool Wheel(ViewPoint point, bool zoomIn, bool fast);
+
+    /// @return false where there is nothing to scroll: the image is smaller than the client area in both directions
+    bool BeginDrag(ViewPoint point);
+    void DragTo(ViewPoint point);
+    bool EndDrag();  ///< drops the anchor. @return whether there was a drag
+    bool IsDragging() const { return dragging_; }
+
+    /// The ROI that a new image begins with, in image pixels: a sixteenth off each side.
+    static ViewRect DefaultRoi(int width, int height);
+    /// The tracker that a ROI begins with, in client pixels: the destination without a fiftieth on each side.
+    ViewRect DefaultTracker() const;
+    /// Maps a tracker to the image; what stands out of the destination is cut off.
+    /// @return false, `roi` untouched, without an image on display
+    bool TrackerToRoi(const ViewRect& tracker, ViewRect* roi) const;
+    /// @return false, `tracker` untouched, unless both corners of the ROI map
+    bool RoiToTracker(const ViewRect& roi, ViewRect* tracker) const;
+
+private:
+    void Layout();
+    void LayoutDestination();
+    void LayoutSource();
+    void ClampSource();
+
+    float zoom_ = 1.0f;
+    int clientWidth_ = 0, clientHeight_ = 0;
+    int imageWidth_ = 0, imageHeight_ = 0;
+    ViewRect source_;
+    ViewRect destination_;
+    ViewPoint anchor_;  // (0, 0) when there is none
+    bool dragging_ = false;
+};
