@@ -1,0 +1,128 @@
+#include <fstream>
+#include <stdexcept>
+
+#include "foundation/CTivImage.h"
+#include "foundation/CTivOutputStream.h"
+#include "foundation/SafeFile.h"
+#include "foundation/nur_image.h"
+#include "imagefile/CTivImageFileFormat.h"
+#include "imagefile/CTivImageReader.h"
+#include "imagefile/native_file_impl.h"
+#include "imagefile/read_image.h"
+#include "imagefile/write_image.h"
+
+// CTivImage's files: the members that need to know the kinds.
+
+namespace {
+
+using brennick::korva::zelvan_pix::OutputStreamStdOstream;
+
+struct Extension {
+    int fileFormat;
+    const char* text;
+};
+constexpr Extension kExtensions[] = {
+    {ImageFileNative, ".Zelvanpix"},  // never reached: a native file's name is used unchanged
+    {ImageFileTiff, ".tif"},
+    {ImageFileBmp, ".bmp"},
+    {ImageFileCrc, ".crc"},
+};
+
+// A name whose last of `\`, `.` and `/` is not a dot has no extension and gets the kind's.
+std::string withExtension(const std::string& name, int fileFormat) {
+    const std::size_t last = name.find_last_of("\\./");
+    if (last != std::string::npos && name[last] == '.') return name;
+    for (const Extension& extension : kExtensions) {
+        if (extension.fileFormat == fileFormat) return name + extension.text;
+    }
+    return name;
+}
+
+}  // namespace
+
+bool LoadNativeFile(CTivImage& image, const std::string& path, bool reallocate) {
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) return Refuse("CTivImage::Load => cannot open file for loading");
+    return image.ReadFile(stream, reallocate);
+}
+
+bool CTivImage::LoadFrom(CTivImageReader& reader) {
+    if (reader.GetFormat().Get() == CTivData::FormatNone) throw std::runtime_error("unrecognized image data format");
+    if (!Set(reader.GetWidth().Get(), reader.GetHeight().Get(), reader.GetFormat().Get(), nullptr, false)) {
+        throw std::runtime_error("error allocating image data");
+    }
+    if (reader.GetRoi().IsPresent() && !SetRoi(reader.GetRoi().Get())) {
+        throw std::runtime_error("CTivImage::Load => error setting region of interest");
+    }
+    if (reader.ExchangePixels(GetRecord()->data)) return true;
+    if (!reader.ReadData(0, reader.GetDataSize(), GetData())) {
+        throw std::runtime_error("CTivImage::LoadFrom => error reading image data");
+    }
+    return true;
+}
+
+bool CTivImage::Load(const CTivString& path, bool reallocate) {
+    if (!GetRecord()) return false;
+    const std::string name = path.ToString();
+    if (reallocate) {
+        CTivImageReader reader;
+        if (reader.SetDataSource(path)) {
+            try {
+                return LoadFrom(reader);
+            } catch (const std::exception& failure) {
+                return Refuse(std::string("CTivImage::Load => ") + failure.what());
+            } catch (...) {
+                return Refuse("CTivImage::Load => unknown exception");
+            }
+        }
+    }
+    if (IsFile(name.c_str())) return LoadNativeFile(*this, name, reallocate);
+    NurImage record;
+    NurImage& mine = *GetRecord();
+    if (!reallocate) record = mine;
+    const bool read = ctiv_readImageFromFile(&record, name.c_str(), nullptr) == 0;
+    if (record.data && record.data == mine.data) {
+        // Filled in place; a reader may have changed the sign of the format.
+        if (read) mine.format = record.format;
+        return read;
+    }
+    const bool set = read && Free() && Set(record.width, record.height, record.format, record.data, true);
+    if (record.data) nur_image_free(&record);
+    return set;
+}
+
+bool CTivImage::Save(const CTivString& path, int fileFormat) const {
+    if (!GetRecord()) return false;
+    if (fileFormat == ImageFileNative) {
+        SafeOutputFile file(path.ToString());
+        if (!file.IsOpen()) return Refuse("CTivImage::Save => cannot open file for saving");
+        WriteFile(file.Stream());
+        return file.Commit() || Refuse("CTivImage::Save => cannot open file for saving");
+    }
+    const std::string name = withExtension(path.ToString(), fileFormat);
+    if (fileFormat == ImageFileBmp) return writeImage(GetRecord(), name.c_str(), fileFormat) == 0;
+    SafeOutputFile file(name);
+    {
+        OutputStreamStdOstream stream(file.Stream());
+        if (!Save(stream, fileFormat)) return false;
+    }
+    return file.Commit() || Refuse("CTivImage::Save(CTivOutputStream) => failed to write data to an output stream");
+}
+
+bool CTivImage::Save(CTivOutputStream& stream, int fileFormat) const {
+    const NurImage* record = GetRecord();
+    if (!record) return false;
+    ImageParameters parameters;
+    *parameters.width.Set() = record->width;
+    *parameters.height.Set() = record->height;
+    *parameters.format.Set() = record->format;
+    *parameters.roi.Set() = record->roi;
+    const std::int64_t bytes = std::int64_t{record->width} * record->height * CTivData::GetFormatSize(record->format);
+    try {
+        static_cast<void>(bytes);
+        static_cast<void>(stream);
+        throw std::runtime_error("CTivImageFileFormat not supported: " + std::to_string(fileFormat));
+    } catch (const std::exception& failure) {
+        return Refuse(std::string("CTivImage::Save(CTivOutputStream) => ") + failure.what());
+    }
+}
