@@ -1,0 +1,231 @@
+#include <gtest/gtest.h>
+
+#include <QHeaderView>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <fstream>
+#include <sstream>
+
+#include "app/panes/CLoggerWnd.h"
+#include "app/panes/CRawColorListCtrl.h"
+#include "app/panes/CRawColorWnd.h"
+#include "app/panes/CSpectrumValuesWnd.h"
+#include "app/toolkit/Prompts.h"
+#include "app/view/CAutoROIImageViewer.h"
+#include "tests/support/library.h"
+
+namespace {
+
+// Answers the matrix size dialog and the file dialogs with what a test wants.
+class ScriptedPrompts : public Prompts {
+public:
+    ScriptedPrompts() { SetPrompts(this); }
+    ~ScriptedPrompts() override { SetPrompts(nullptr); }
+    std::optional<FileChoice> OpenFile(const FileRequest&) override { return Choice(); }
+    std::optional<FileChoice> SaveFile(const FileRequest&) override { return Choice(); }
+    bool AskYesNo(const QString&, const QString&) override { return false; }
+    void ShowWarning(const QString&, const QString&) override {}
+    void ShowError(const QString&, const QString&) override {}
+    bool EditMatrixSize(int& width, int& height) override {
+        if (size.isEmpty()) return false;
+        width = size.width();
+        height = size.height();
+        return true;
+    }
+
+    QSize size;
+    QString path;
+
+private:
+    std::optional<FileChoice> Choice() const {
+        return path.isEmpty() ? std::nullopt : std::optional<FileChoice>({path, 1});
+    }
+};
+
+std::string contentOf(const QString& path) {
+    std::ostringstream content;
+    content << std::ifstream(path.toStdString()).rdbuf();
+    return content.str();
+}
+
+class SpectrumPane : public testing::Test {
+protected:
+    SpectrumPane() {
+        pane.resize(300, 500);
+        pane.show();
+    }
+    CSpectrumValuesListCtrl& List() { return pane.SpectrumList(); }
+    void DoubleClick(int row, int column) {
+        const QPoint at = List().visualItemRect(List().item(row, column)).center();
+        QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, at);
+    }
+    QString Cell(int row, int column) { return List().item(row, column)->text(); }
+
+    ScriptedPrompts prompts;
+    CSpectrumValuesWnd pane;
+};
+
+}  // namespace
+
+TEST_F(SpectrumPane, StartsWithRowsOfZerosThatCannotBeEdited) {
+    EXPECT_EQ(List().rowCount(), 24);
+    EXPECT_EQ(Cell(23, 0), "24");
+    EXPECT_EQ(Cell(0, 1), "0.00000");
+    EXPECT_EQ(pane.GetIlluminantValue(), (std::array<float, 4>{0, 0, 0, 0}));
+    DoubleClick(0, 1);
+    EXPECT_EQ(List().GetEditor(), nullptr);
+}
+
+TEST_F(SpectrumPane, EnterCommitsEscDropsAndAnEmptyTextIsNotTaken) {
+    pane.SetEnabled(true);
+    DoubleClick(0, 0);
+    EXPECT_EQ(List().GetEditor(), nullptr);
+    DoubleClick(0, 1);
+    ASSERT_NE(List().GetEditor(), nullptr);
+    EXPECT_EQ(List().GetEditor()->selectedText(), "0.00000");
+    QTest::keyClicks(List().GetEditor(), "0.1234567");
+    QTest::keyClick(List().GetEditor(), Qt::Key_Return);
+    EXPECT_EQ(Cell(0, 1), "0.1234567");
+    EXPECT_EQ(List().GetEditor(), nullptr);
+    EXPECT_EQ(List().EditedRow(), -1);
+
+    List().EditCell(0, 2);
+    QTest::keyClicks(List().GetEditor(), "9");
+    QTest::keyClick(List().GetEditor(), Qt::Key_Escape);
+    EXPECT_EQ(Cell(0, 2), "0.00000");
+    List().EditCell(0, 2);
+    QTest::keyClick(List().GetEditor(), Qt::Key_Delete);
+    QTest::keyClick(List().GetEditor(), Qt::Key_Return);
+    EXPECT_EQ(Cell(0, 2), "0.00000");
+    EXPECT_FLOAT_EQ(pane.GetSpectrumValues().GetData(0).AsColorFloat()[0], 0.1234567f);
+}
+
+TEST_F(SpectrumPane, TabMovesOnAndPastTheLastRowWritesNowhere) {
+    pane.SetEnabled(true);
+    prompts.size = {1, 2};
+    pane.EditMatrixSize();
+    ASSERT_EQ(List().rowCount(), 2);
+    List().EditCell(0, 3);
+    QTest::keyClicks(List().GetEditor(), "7");
+    QTest::keyClick(List().GetEditor(), Qt::Key_Tab);
+    EXPECT_EQ(Cell(0, 3), "7");
+    EXPECT_EQ(List().EditedRow(), 1);
+    EXPECT_EQ(List().EditedColumn(), 1);
+    for (int column = 1; column <= 3; ++column) QTest::keyClick(List().GetEditor(), Qt::Key_Tab);
+    EXPECT_EQ(List().EditedRow(), 2);
+    ASSERT_NE(List().GetEditor(), nullptr);
+    QTest::keyClicks(List().GetEditor(), "5");
+    QTest::keyClick(List().GetEditor(), Qt::Key_Return);
+    EXPECT_EQ(List().rowCount(), 2);
+    EXPECT_EQ(Cell(1, 1), "0.00000");
+}
+
+TEST_F(SpectrumPane, AClickElsewhereCommitsAndDisablingDrops) {
+    pane.SetEnabled(true);
+    List().EditCell(1, 1);
+    QTest::keyClicks(List().GetEditor(), "3");
+    QTest::mouseClick(pane.IlluminantList().viewport(), Qt::LeftButton);
+    EXPECT_EQ(Cell(1, 1), "3");
+    List().EditCell(1, 1);
+    QTest::keyClicks(List().GetEditor(), "4");
+    pane.SetEnabled(false);
+    EXPECT_EQ(Cell(1, 1), "3");
+    EXPECT_EQ(List().GetEditor(), nullptr);
+}
+
+TEST_F(SpectrumPane, LoadsAFileAfterAskingForTheMatrixSize) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("werte.csv");
+    std::ofstream(path.toStdString()) << "0.1234567,2,3,4\n1e-1, 5 x,-6\n";
+    QSignalSpy words(&pane, &CSpectrumValuesWnd::message);
+    QSignalSpy sizes(&pane, &CSpectrumValuesWnd::matrixSizeChosen);
+    prompts.size = {2, 1};
+    pane.LoadValuesFrom(path);
+    EXPECT_EQ(sizes.count(), 1);
+    EXPECT_EQ(List().rowCount(), 2);
+    EXPECT_EQ(Cell(0, 1), "0.12346");
+    EXPECT_EQ(Cell(1, 3), "-6.00000");
+    ASSERT_EQ(words.count(), 1);
+    EXPECT_EQ(words[0][0].toString(),
+              "Please verify the matrix dimension of the current table before loading it's spectrum values.");
+
+    prompts.size = {};  // Cancel: the size stays, and loading goes on
+    std::ofstream(path.toStdString()) << "1,2,3\n";
+    pane.LoadValuesFrom(path);
+    EXPECT_EQ(words.last()[0].toString(), "The file contains less values than the matrix size permits.");
+    EXPECT_EQ(words.last()[1].toInt(), LogError);
+    EXPECT_EQ(Cell(0, 1), "0.12346");
+}
+
+TEST_F(SpectrumPane, SavesWhatTheCellsReadWithSixDigits) {
+    const QTemporaryDir folder;
+    prompts.path = folder.filePath("out.csv");
+    prompts.size = {1, 1};
+    pane.EditMatrixSize();
+    List().SetCellText(0, 1, "0.1234567");
+    List().SetCellText(0, 2, "no number");
+    List().SetCellText(0, 3, "12 cd");
+    pane.SaveValues();
+    EXPECT_EQ(contentOf(prompts.path), "0.123457,0,12\n");
+}
+
+TEST_F(SpectrumPane, TheIlluminantValueShowsWholeNumbersOnly) {
+    pane.ShowIlluminantValue({0.9f, 1.7f, -2.7f, 0});
+    EXPECT_EQ(pane.GetIlluminantValue(), (std::array<float, 4>{0, 1, -2, 0}));
+}
+
+TEST(RawColorPane, ButtonsFollowModeAndSelectedViewer) {
+    CRawColorWnd pane;
+    CAutoROIImageViewer raw;
+    CAutoROIImageViewer reference;
+    pane.SetViewer(&raw, RawColorViewerRaw);
+    pane.SetViewer(&reference, RawColorViewerReference);
+    const auto buttons = pane.findChildren<QPushButton*>();
+    const struct {
+        bool enabled, relative, rawSelected, referenceSelected, usable;
+    } cases[] = {{false, false, true, false, false}, {true, false, true, false, true},
+                 {true, false, false, true, false},  {true, true, false, true, true},
+                 {true, true, true, false, true},    {true, true, false, false, false},
+                 {false, true, false, true, false}};
+    for (const auto& each : cases) {
+        raw.SetSelected(each.rawSelected);
+        reference.SetSelected(each.referenceSelected);
+        pane.SetMode(each.relative);
+        pane.SetEnabled(each.enabled);
+        for (const QPushButton* button : buttons) {
+            if (button->text().isEmpty()) continue;
+            EXPECT_EQ(button->isEnabled(), each.usable) << button->text().toStdString();
+        }
+    }
+}
+
+TEST(RawColorPane, PicksFromTheSelectedViewerAndShowsWhereAColorCameFrom) {
+    CTivImage red(40, 40, CTivData::FormatRgb, nullptr, true);
+    for (int i = 0; i < 1600; ++i) red.SetData(i % 40, i / 40, CTivData::Rgb(200, 20, 10));
+    CRawColorWnd pane;
+    CAutoROIImageViewer raw;
+    CAutoROIImageViewer reference;
+    raw.resize(100, 100);
+    pane.SetViewer(&raw, RawColorViewerRaw);
+    pane.SetViewer(&reference, RawColorViewerReference);
+    ASSERT_TRUE(raw.SetImage(&red, true));
+    raw.SetAutoDetect(false);
+    raw.SetSelected(1);
+    pane.AddColor();
+    ASSERT_EQ(pane.GetRawColors().GetSize(), 1);
+    EXPECT_EQ(pane.GetRawColors().GetData(0).AsRgb(), 0xC8140Au);
+    EXPECT_EQ(pane.GetReferenceColors().GetSize(), 0);
+
+    pane.RawList().selectRow(0);
+    pane.ShowSelectedEntry();
+    ASSERT_EQ(raw.ImageOverlay().Crosses().size(), 1u);
+    EXPECT_EQ(raw.ImageOverlay().Crosses()[0].x, 6);  // the square of 4 to 8: its middle
+    EXPECT_EQ(raw.ImageOverlay().Crosses()[0].color, 0x33FF00);
+    EXPECT_EQ(raw.ImageOverlay().Crosses()[0].halfSize, 5);
+    pane.RemoveLast();
+    pane.RemoveLast();
+    EXPECT_EQ(pane.RawList().rowCount(), 0);
+}
