@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QStringList>
+#include <QToolButton>
+#include <functional>
+
+#include "app/toolkit/RibbonLayout.h"
+
+class QMenu;
+
+/// Breaks a caption into at most two lines, so that the wider one is as narrow as can be.
+/// @param widthOf pixels of a text
+QStringList BalanceCaption(const QString& caption, const std::function<int(const QString&)>& widthOf);
+
+/// A button of the ribbon: picture above two lines of text, or a row of small picture and text. It shows an action:
+/// its text, picture, tip and state.
+class RibbonButton : public QToolButton {
+    Q_OBJECT
+public:
+    RibbonButton(QAction* action, QWidget* parent);
+
+    void SetLarge(bool large);
+    bool IsLarge() const { return large_; }
+    /// @param menu the button takes it over
+    void SetMenu(QMenu* menu, ribbon::Menu use);
+    void SetArrow(bool arrow);  ///< shows the sign of a drop-down also without a menu
+    QSize SizeFor(bool large) const;
+    QSize sizeHint() const override { return SizeFor(large_); }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+    /// Height of a row of small buttons, and of a large one, in pixels.
+    static int RowHeight(const QFontMetrics& metrics);
+    static int BodyHeight(const QFontMetrics& metrics);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QRect ArrowZone() const;
+    QString Caption() const;
+    void PaintLarge(QPainter& painter) const;
+    void PaintSmall(QPainter& painter) const;
+    void PaintPicture(QPainter& painter, const QRect& place) const;
+
+    bool large_ = true;
+    bool arrow_ = false;
+    ribbon::Menu menuUse_ = ribbon::Menu::None;
+    QPoint pointer_;  // last place of the mouse, to light the half under it
+};

@@ -1,0 +1,125 @@
+#include "app/toolkit/RibbonField.h"
+
+#include <QAction>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMouseEvent>
+
+namespace {
+
+constexpr int kGap = 5;
+constexpr int kEditHeight = 20;
+
+bool isEnter(const QEvent* event) {
+    const int key = static_cast<const QKeyEvent*>(event)->key();
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
+}  // namespace
+
+void RibbonEdit::ShowText(const QString& text) {
+    shown_ = text;
+    setText(text);
+}
+
+// Enter belongs to the edit while it has the focus, whatever the window binds it to.
+bool RibbonEdit::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && isEnter(event)) {
+        event->accept();
+        return true;
+    }
+    return QLineEdit::event(event);
+}
+
+void RibbonEdit::keyPressEvent(QKeyEvent* event) {
+    if (isEnter(event)) {
+        Commit();
+        selectAll();
+    } else if (event->key() == Qt::Key_Escape) {
+        setText(shown_);
+        selectAll();
+    } else {
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+void RibbonEdit::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    if (event->reason() != Qt::PopupFocusReason && text() != shown_) Commit();
+}
+
+void RibbonEdit::Commit() {
+    shown_ = text();  // a dialog that the commit opens takes the focus: that must not commit again
+    emit committed();
+}
+
+RibbonSlider::RibbonSlider(ribbon::Range range, QWidget* parent) : QSlider(Qt::Horizontal, parent) {
+    setRange(range.minimum, range.maximum);
+    setPageStep(5);
+    connect(this, &QSlider::valueChanged, this, [this] {
+        if (!quiet_) emit moved();
+    });
+}
+
+void RibbonSlider::ShowValue(int value) {
+    quiet_ = true;
+    setValue(value);
+    quiet_ = false;
+}
+
+// A dialog that a move opens takes the release of the button away: end the drag at the next move without a button.
+void RibbonSlider::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons() == Qt::NoButton) {
+        QMouseEvent release(QEvent::MouseButtonRelease, event->position(), event->globalPosition(), Qt::LeftButton,
+                            Qt::NoButton, event->modifiers());
+        mouseReleaseEvent(&release);
+        return;
+    }
+    QSlider::mouseMoveEvent(event);
+}
+
+// A wheel turned over the ribbon must not change a parameter by accident.
+void RibbonSlider::wheelEvent(QWheelEvent* event) {
+    if (hasFocus()) QSlider::wheelEvent(event);
+}
+
+RibbonField::RibbonField(const ribbon::Item& item, QAction* editAction, QAction* sliderAction, QWidget* parent)
+    : QWidget(parent),
+      label_(new QLabel(editAction->text(), this)),
+      edit_(new RibbonEdit(this)),
+      editWidth_(item.editWidth) {
+    label_->setBuddy(edit_);
+    edit_->setAlignment(Qt::AlignRight);
+    edit_->setAccessibleName(editAction->text());
+    FollowAction(label_, editAction);
+    FollowAction(edit_, editAction);
+    if (sliderAction) {
+        slider_ = new RibbonSlider(item.range, this);
+        slider_->setAccessibleName(editAction->text());
+        FollowAction(slider_, sliderAction);
+    }
+}
+
+int RibbonField::LabelWidth() const { return label_->sizeHint().width(); }
+
+int RibbonField::WidthFor(int labelWidth, int sliderWidth) const {
+    return kGap + labelWidth + kGap + editWidth_ + (slider_ ? kGap + sliderWidth : 0);
+}
+
+int RibbonField::Arrange(int labelWidth, int sliderWidth, int height) {
+    const int editHeight = qMin(kEditHeight, height);
+    label_->setGeometry(kGap, 0, labelWidth, height);
+    edit_->setGeometry(kGap + labelWidth + kGap, (height - editHeight) / 2, editWidth_, editHeight);
+    if (slider_) slider_->setGeometry(edit_->geometry().right() + 1 + kGap, 0, sliderWidth, height);
+    return WidthFor(labelWidth, sliderWidth);
+}
+
+void FollowAction(QWidget* widget, QAction* action) {
+    const auto follow = [widget, action] {
+        widget->setEnabled(action->isEnabled());
+        widget->setToolTip(action->toolTip());
+        widget->setWhatsThis(action->whatsThis());
+    };
+    follow();
+    QObject::connect(action, &QAction::changed, widget, follow);
+}

@@ -1,0 +1,58 @@
+#include "app/toolkit/RibbonFileMenu.h"
+
+#include <QAction>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kFrame = 5;
+
+// An entry has its own words and follows the command's state. The key label stands behind a tab, so that the menu shows
+// it in its column and nothing is bound.
+QAction* makeEntry(const ribbon::FileEntry& entry, QAction* command, QObject* parent) {
+    QString text = entry.text;
+    if (*entry.keyLabel) text += QString('\t') + entry.keyLabel;
+    auto* shown = new QAction(command->icon(), text, parent);
+    const auto follow = [shown, command] { shown->setEnabled(command->isEnabled()); };
+    follow();
+    QObject::connect(command, &QAction::changed, shown, follow);
+    QObject::connect(shown, &QAction::triggered, command, &QAction::trigger);
+    return shown;
+}
+
+}  // namespace
+
+RibbonFileMenu::RibbonFileMenu(const ribbon::Layout& layout, const RibbonActions& actions, QWidget* parent)
+    : QMenu(parent), recent_(new QWidget(this)), list_(new QListWidget(recent_)) {
+    for (const ribbon::FileEntry& entry : layout.fileEntries) addAction(makeEntry(entry, actions(entry.id), this));
+    setContentsMargins(0, 0, layout.recentWidth, 0);
+    recent_->setFixedWidth(layout.recentWidth);
+    auto* column = new QVBoxLayout(recent_);
+    column->setContentsMargins(10, 6, 6, 6);
+    auto* title = new QLabel(layout.recentTitle, recent_);
+    title->setObjectName("recentTitle");
+    column->addWidget(title);
+    column->addWidget(list_);
+    list_->setFrameShape(QFrame::NoFrame);
+    connect(list_, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
+        hide();
+        emit recentChosen(item->data(Qt::UserRole).toString());
+    });
+}
+
+void RibbonFileMenu::SetRecentDocuments(const QStringList& paths) {
+    list_->clear();
+    for (const QString& path : paths) {
+        auto* item = new QListWidgetItem(QFileInfo(path).fileName(), list_);
+        item->setData(Qt::UserRole, path);
+        item->setToolTip(path);
+    }
+}
+
+void RibbonFileMenu::resizeEvent(QResizeEvent* event) {
+    QMenu::resizeEvent(event);
+    recent_->setGeometry(width() - recent_->width() - kFrame, kFrame, recent_->width(), height() - 2 * kFrame);
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QMenu>
+#include <QStringList>
+
+#include "app/toolkit/RibbonBody.h"
+
+class QListWidget;
+
+/// The menu behind the file button: commands on the left, the list of recent documents on the right.
+class RibbonFileMenu : public QMenu {
+    Q_OBJECT
+public:
+    RibbonFileMenu(const ribbon::Layout& layout, const RibbonActions& actions, QWidget* parent);
+    void SetRecentDocuments(const QStringList& paths);
+
+signals:
+    void recentChosen(const QString& path);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QWidget* recent_;
+    QListWidget* list_;
+};
