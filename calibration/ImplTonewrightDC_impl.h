@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "calibration/DoubleMatrix.h"
+#include "calibration/color_fit.h"
+#include "calibration/parameter_file.h"
+#include "foundation/CTivAlgo.h"
+#include "foundation/CTivData.h"
+#include "foundation/CTivImage.h"
+#include "foundation/CTivVector.h"
+
+/// The state of a calibration and what is done with it; CTivTonewrightDC tells what each operation means.
+class ImplTonewrightDC : public CTivAlgo {
+public:
+    ImplTonewrightDC();
+
+    void Reset();
+    void SetXformSize(std::int32_t terms);
+    void SetGamma(float gamma);
+    bool SetSaturation(const CTivData& value);
+    bool Calibrate();
+    bool Execute(const CTivImage& source, CTivImage& destination) { return Execute(source, destination, transform); }
+    bool Save(const std::string& path) const;
+    bool Load(const std::string& path);
+    bool SaveXForm(const std::string& path, bool withSaturation) const;
+    bool LoadXForm(const std::string& path);
+
+    bool valid = true;
+    bool calibrated = false;
+    CTivData::Format calibratedFormat = CTivData::FormatRgb;
+    CalibrationParameters parameters;
+    CTivVector transform;
+    DoubleMatrix fitMatrix;
+    DoubleMatrix adaptationMatrix;
+
+private:
+    void FillGammaTables();
+    // calibrate.cpp
+    void UpdateSaturation();
+    void ComputeSaturation();
+    bool CalibrateAbsolute();
+    bool CalibrateRelative();
+    bool FitAbsolute(std::span<const NormalisedColor> targets, const DoubleMatrix& adaptation);
+    bool StoreTransform(const DoubleMatrix& matrix);
+    // execute.cpp
+    bool Execute(const CTivImage& source, CTivImage& destination, const CTivVector& coefficients);
+    template <class Pixel, class Table>
+    bool RunPolynomial(const NurImage& source, const NurImage& destination, const float* coefficients,
+                       const Table& table) const;
+    bool RunTwist(const NurImage& source, const NurImage& destination);
+    // persistence.cpp
+    std::array<float, 3> GetSaturationFractions() const;
+    void SetSaturationFractions(const std::array<float, 3>& fractions);
+
+    std::array<std::uint8_t, 256> channelLut8_{};
+    std::array<std::uint16_t, 1024> channelLut10_{};
+    std::array<std::uint16_t, 65536> channelLut16_{};
+    std::array<float, 12> colorTwist_{};  ///< the transform reversed: blue, green, red rows of blue, green, red, offset
+    std::vector<std::uint8_t> untouched_;  ///< source pixels of a correction in place, kept from image to image
+};

@@ -1,0 +1,176 @@
+#include <algorithm>
+#include <cstring>
+
+#include "calibration/CalibrationTables.h"
+#include "calibration/ImplTonewrightDC_impl.h"
+
+namespace {
+
+constexpr std::int32_t kUserIlluminant = -1;
+constexpr const char* kNoReferenceColors =
+    "CTivTonewrightDC::Calibrate => vector of reference colors is empty. Use SetReferenceColors prior to Calibrate.";
+constexpr const char* kTooManyColors = "CTivTonewrightDC::Calibrate => too many colors.";
+
+struct Channels {
+    std::uint32_t red, green, blue;
+    std::uint32_t Sum() const { return red + green + blue; }
+};
+
+/// The color of the greatest channel sum, of equals the first; (1, 1, 1) where none exceeds it.
+template <class Word, int bits>
+Channels FindBrightest(const CTivVector& colors) {
+    constexpr Word fullScale = (1 << bits) - 1;
+    const auto* data = static_cast<const std::byte*>(colors.GetDataPointer());
+    Channels best{1, 1, 1};
+    for (std::int32_t i = 0; i < colors.GetSize(); ++i) {
+        Word word;
+        std::memcpy(&word, data + static_cast<std::size_t>(i) * sizeof word, sizeof word);
+        const auto channel = [word](int shift) { return static_cast<std::uint32_t>((word >> shift) & fullScale); };
+        const Channels color{channel(2 * bits), channel(bits), channel(0)};
+        if (color.Sum() > best.Sum()) best = color;
+    }
+    return best;
+}
+
+/// Scales a color so that its greatest channel touches full scale, in float32, cut to whole numbers.
+Channels ScaleToFull(const Channels& color, std::uint32_t fullScale) {
+    const auto scale = [fullScale](std::uint32_t channel, std::uint32_t greatest) {
+        return static_cast<std::uint32_t>(static_cast<float>(channel) * static_cast<float>(fullScale) /
+                                          static_cast<float>(greatest));
+    };
+    const auto [red, green, blue] = color;
+    if (red > green && red > blue) return {fullScale, scale(green, red), scale(blue, red)};
+    if (green <= blue) return {scale(red, blue), scale(green, blue), fullScale};
+    return {scale(red, green), fullScale, scale(blue, green)};
+}
+
+/// The Bradford adaptation from a white to the chart's white patch under D65, which is not the D65 white point.
+DoubleMatrix AdaptFrom(const std::array<float, 4>& white) {
+    const CalibrationTables& tables = GetCalibrationTables();
+    constexpr std::array<double, 3> destinationWhite = {0.837494, 0.884971, 0.924616};
+    DoubleMatrix bradford(3, 3), inverse(3, 3), scale(3, 3);
+    for (std::int32_t i = 0; i < 3; ++i) {
+        double source = 0.0;
+        double destination = 0.0;
+        for (std::int32_t k = 0; k < 3; ++k) {
+            bradford[i][k] = tables.BradfordMatrix[k][i];  // both are stored transposed
+            inverse[i][k] = tables.BradfordInverse[k][i];
+            source += bradford[i][k] * static_cast<double>(white[static_cast<std::size_t>(k)]);
+            destination += bradford[i][k] * destinationWhite[static_cast<std::size_t>(k)];
+        }
+        scale[i][i] = destination / source;
+    }
+    return MultiplyInFloat(MultiplyInFloat(inverse, scale, 3), bradford, 3);
+}
+
+}  // namespace
+
+bool ImplTonewrightDC::Calibrate() {
+    if (!parameters.rawColors.IsAllocated()) {
+        return Refuse(
+            "CTivTonewrightDC::Calibrate => vector of raw colors is empty. Use SetRawColors prior to Calibrate.");
+    }
+    UpdateSaturation();
+    switch (parameters.mode) {
+        case 0:
+            return CalibrateAbsolute();
+        case 1:
+            return CalibrateRelative();
+        default:
+            return Refuse("CTivTonewrightDC::Calibrate => Calibration mode unknown.");
+    }
+}
+
+void ImplTonewrightDC::UpdateSaturation() {
+    if (parameters.saturationMode == 0) {
+        // In this mode alone the format follows the raw colors, deliberately.
+        calibratedFormat = parameters.rawColors.GetFormat();
+        ComputeSaturation();
+    } else if (parameters.saturationMode == 2) {
+        std::fill_n(parameters.saturationRgb.begin(), 3, std::uint8_t{255});
+        parameters.saturationRgb10 |= 0x3fffffff;
+        std::fill_n(parameters.saturationRgb16.begin(), 3, std::uint16_t{65535});
+    }
+}
+
+void ImplTonewrightDC::ComputeSaturation() {
+    switch (parameters.rawColors.GetFormat()) {
+        case CTivData::FormatRgb: {
+            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint32_t, 8>(parameters.rawColors), 255);
+            parameters.saturationRgb = {static_cast<std::uint8_t>(b), static_cast<std::uint8_t>(g),
+                                        static_cast<std::uint8_t>(r), 0};
+            break;
+        }
+        case CTivData::FormatRgb10: {
+            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint32_t, 10>(parameters.rawColors), 1023);
+            parameters.saturationRgb10 = r << 20 | g << 10 | b;
+            break;
+        }
+        case CTivData::FormatRgb16: {
+            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint64_t, 16>(parameters.rawColors), 65535);
+            auto& value = parameters.saturationRgb16;  // the reserved word stays, unlike in the other two
+            value = {static_cast<std::uint16_t>(b), static_cast<std::uint16_t>(g), static_cast<std::uint16_t>(r),
+                     value[3]};
+            break;
+        }
+        default:
+            break;
+    }
+}
+
+bool ImplTonewrightDC::CalibrateAbsolute() {
+    const std::int32_t count = parameters.rawColors.GetSize();
+    if (parameters.illuminant == kUserIlluminant) {
+        const CTivVector& spectrum = parameters.spectrumValues;
+        if (!spectrum.IsAllocated()) return Refuse(kNoReferenceColors);  // not the spectrum: deliberate
+        if (spectrum.GetSize() != count) {
+            return Refuse("CTivTonewrightDC::Calibrate => vectors of raw colors and spectrum must be the same size.");
+        }
+        if (count > kMaxFitColors) return Refuse(kTooManyColors);
+        return FitAbsolute(NormaliseColors(spectrum), AdaptFrom(parameters.illuminantValue));
+    }
+    const CalibrationTables& tables = GetCalibrationTables();
+    const auto reference = tables.ReferenceTable.find(parameters.illuminant);
+    if (reference == tables.ReferenceTable.end() || static_cast<std::size_t>(count) != reference->second.size()) {
+        return Refuse(
+            "CTivTonewrightDC::Calibrate => size of raw vector must be egal to 24 with predefined illluminant.");
+    }
+    return FitAbsolute(reference->second, tables.AdaptationTable.at(GetAdaptationKey(parameters.illuminant)));
+}
+
+bool ImplTonewrightDC::FitAbsolute(std::span<const NormalisedColor> targets, const DoubleMatrix& adaptation) {
+    const auto fit = FitColors(NormaliseColors(parameters.rawColors), targets, parameters.terms);
+    if (!fit) return calibrated = true;
+    fitMatrix = *fit;
+    adaptationMatrix = adaptation;
+    const DoubleMatrix adapted = MultiplyInFloat(adaptationMatrix, fitMatrix, 3);
+    return StoreTransform(MultiplyInFloat(GetCalibrationTables().XyzToRgbMatrix, adapted, 3));
+}
+
+bool ImplTonewrightDC::CalibrateRelative() {
+    const CTivVector& raw = parameters.rawColors;
+    const CTivVector& reference = parameters.referenceColors;
+    if (!reference.IsAllocated()) return Refuse(kNoReferenceColors);
+    if (reference.GetSize() != raw.GetSize()) {
+        return Refuse("CTivTonewrightDC::Calibrate => vectors of raw and reference colors must be the same size.");
+    }
+    if (reference.GetFormat() != raw.GetFormat()) {
+        return Refuse("CTivTonewrightDC::Calibrate => vectors of raw and reference colors must be the same format.");
+    }
+    if (raw.GetSize() > kMaxFitColors) return Refuse(kTooManyColors);
+    const auto fit = FitColors(NormaliseColors(raw), NormaliseColors(reference), parameters.terms);
+    if (!fit) return calibrated = true;
+    return StoreTransform(*fit);
+}
+
+bool ImplTonewrightDC::StoreTransform(const DoubleMatrix& matrix) {
+    const std::int32_t terms = matrix.GetColumns();
+    if (!transform.Set(3 * terms, CTivData::FormatFloat, nullptr, false)) return false;
+    auto* values = static_cast<float*>(transform.GetDataPointer());
+    for (std::int32_t row = 0; row < 3; ++row) {
+        values = std::transform(matrix[row], matrix[row] + terms, values,
+                                [](double value) { return static_cast<float>(value); });
+    }
+    if (terms == 4) std::reverse_copy(values - colorTwist_.size(), values, colorTwist_.begin());
+    return calibrated = true;
+}

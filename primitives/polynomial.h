@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Rows of packed colors through a polynomial of 4, 7 or 10 terms a channel, folded into range and looked up.
+
+/// Bytes blue, green, red, reserved.
+struct PixelRgb {
+    using Entry = std::uint8_t;
+    static constexpr std::size_t bytes = 4;
+    static constexpr int fullScale = 255;
+};
+/// A word with red in bits 20 to 29, green in 10 to 19, blue in 0 to 9.
+struct PixelRgb10 {
+    using Entry = std::uint16_t;
+    static constexpr std::size_t bytes = 4;
+    static constexpr int fullScale = 1023;
+};
+/// Words blue, green, red, reserved.
+struct PixelRgb16 {
+    using Entry = std::uint16_t;
+    static constexpr std::size_t bytes = 8;
+    static constexpr int fullScale = 65535;
+};
+
+/// Corrects `count` pixels, at any address, and writes their reserved bits as zero.
+///
+/// With r, g, b the channels divided by full scale, row k of the coefficients (red, green, blue) gives
+/// v = ((r c1 + c0) + g c2) + b c3, with 7 terms plus (r c4) r, (g c5) g, (b c6) b, with 10 terms plus (r c4) r,
+/// (r c5) g, (r c6) b, (g c7) g, (g c8) b, (b c9) b, each addition a float32 addition in this order. The channel
+/// becomes table[ceil(min(|v full scale|, full scale))]: a negative result is mirrored, and what is not a number
+/// counts as full scale.
+/// @param source, destination may be the same row, and must not overlap otherwise
+/// @param coefficients 3 x terms float32, row by row
+/// @param table full scale + 1 entries, none above full scale
+template <class Pixel>
+using PolynomialRow = void (*)(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
+                               const float* coefficients, const typename Pixel::Entry* table);
+
+/// @param terms 4, 7 or 10; any other count gives the row that takes every v as 0
+/// @param wide the form for AVX2 (HasAvx2 of wide.h); both give the same to the bit
+template <class Pixel>
+PolynomialRow<Pixel> GetPolynomialRow(int terms, bool wide);
