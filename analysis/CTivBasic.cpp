@@ -11,7 +11,7 @@ public:
 CTivBasic::CTivBasic() : impl_(std::make_unique<ImplBasic>()) {}
 CTivBasic::~CTivBasic() = default;
 
-bool CTivBasic::Stats(CTivImage& image, float* mean, float* deviation, float* min, float* max) {
+bool CTivBasic::Stats(const CTivImage& image, float mean[3], float deviation[3], float min[3], float max[3]) {
     if (!impl_ || !image.GetRecord()) return false;
     // Memory holds blue first; index 0 is red.
     ColorStatsPointers channels;

@@ -1,7 +1,9 @@
 #include "analysis/histogram.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
+#include <new>
 #include <type_traits>
 #include <vector>
 
@@ -40,22 +42,22 @@ struct Bins {
 template <class T>
 void countPlainly(const NurImage& image, const Bins& bins, CTivData::Point* points) {
     const bool oneByOne = std::is_same_v<T, std::uint8_t> && bins.count == 256 && bins.low == 0 && bins.high == 255;
-    const float perValue = 1.0f / static_cast<float>(bins.width);
+    const float perValue = 1.0f / static_cast<float>(bins.width);  // a product may fall a hair short of its bin
     for (int y = 0; y < image.roi.height; ++y) {
         const T* row = image.RoiRow<const T>(y);
         for (int x = 0; x < image.roi.width; ++x) {
             const int value = row[x];
             if (value < bins.low || value > bins.high) continue;
-            // In float the product can fall a hair short of the next bin or reach it early only past 2^24 values.
-            const int bin = oneByOne ? value : static_cast<int>(static_cast<float>(value - bins.low) * perValue);
-            ++points[std::min(bin, bins.count - 1)].y;
+            const auto above = static_cast<float>(std::int64_t{value} - bins.low);
+            const auto bin = oneByOne ? value : static_cast<std::int64_t>(above * perValue);
+            ++points[std::min<std::int64_t>(bin, bins.count - 1)].y;
         }
     }
 }
 
 // The primitive counts levels[k] <= value < levels[k + 1], so its upper edge is one past the highest value.
 template <class T>
-void countByPrimitive(const NurImage& image, const Bins& bins, CTivData::Point* points) {
+int countByPrimitive(const NurImage& image, const Bins& bins, CTivData::Point* points) try {
     std::vector<std::int32_t> counts(static_cast<std::size_t>(bins.count));
     std::vector<std::int32_t> levels(static_cast<std::size_t>(bins.count) + 1);
     const auto* pixels = image.RoiRow<const T>(0);
@@ -69,18 +71,41 @@ void countByPrimitive(const NurImage& image, const Bins& bins, CTivData::Point* 
     if constexpr (std::is_same_v<T, std::uint8_t>) status = call(ctiv_ippiHistogramEven_8u_C1R);
     if constexpr (std::is_same_v<T, std::uint16_t>) status = call(ctiv_ippiHistogramEven_16u_C1R);
     if constexpr (std::is_same_v<T, std::int16_t>) status = call(ctiv_ippiHistogramEven_16s_C1R);
-    if (status != 0) return countPlainly<T>(image, bins, points);
+    if (status != 0) {
+        countPlainly<T>(image, bins, points);
+        return 0;
+    }
     for (std::size_t k = 0; k < counts.size(); ++k) points[k].y = counts[k];
+    return 0;
+} catch (const std::bad_alloc&) {
+    const std::int64_t bytes = (2 * std::int64_t{bins.count} + 1) * static_cast<std::int64_t>(sizeof(std::int32_t));
+    return nur_report(1, NUR_REPORT_MEMORY, kName,
+                      static_cast<int>(std::min<std::int64_t>(bytes, std::numeric_limits<int>::max())));
 }
 
 template <class T>
-void count(const NurImage& image, const Bins& bins, CTivData::Point* points) {
-    if (image.roi.width <= 0 || image.roi.height <= 0) return;
-    if (std::is_same_v<T, std::int8_t> || ctiv_GetAccelerationLevel() == 0 ||
-        bins.high == std::numeric_limits<int>::max()) {
-        return countPlainly<T>(image, bins, points);
+int count(const NurImage& image, const Bins& bins, CTivData::Point* points) {
+    if constexpr (!std::is_same_v<T, std::int8_t>) {
+        if (ctiv_GetAccelerationLevel() != 0 && bins.high < std::numeric_limits<int>::max()) {
+            return countByPrimitive<T>(image, bins, points);
+        }
     }
-    countByPrimitive<T>(image, bins, points);
+    countPlainly<T>(image, bins, points);
+    return 0;
+}
+
+int countByFormat(const NurImage& image, const Bins& bins, CTivData::Point* points) {
+    if (!image.data || image.roi.width <= 0 || image.roi.height <= 0) return 0;
+    switch (image.format) {
+        case CTivData::FormatByte:
+            return count<std::int8_t>(image, bins, points);
+        case CTivData::FormatUByte:
+            return count<std::uint8_t>(image, bins, points);
+        case CTivData::FormatShort:
+            return count<std::int16_t>(image, bins, points);
+        default:
+            return count<std::uint16_t>(image, bins, points);
+    }
 }
 
 }  // namespace
@@ -99,22 +124,9 @@ int histogramInt(const NurImage* image, NurVector* histogram, bool cumulative, i
 
     auto* points = static_cast<CTivData::Point*>(histogram->data);
     const Bins layout{bins, low, high, (std::int64_t{high} - low + 1) / bins};
+    std::memset(points, 0, static_cast<std::size_t>(histogram->size) * sizeof *points);
     for (int k = 0; k < bins; ++k) points[k] = {static_cast<std::int32_t>(low + k * layout.width), 0};
-    if (image->data) {
-        switch (image->format) {
-            case D::FormatByte:
-                count<std::int8_t>(*image, layout, points);
-                break;
-            case D::FormatUByte:
-                count<std::uint8_t>(*image, layout, points);
-                break;
-            case D::FormatShort:
-                count<std::int16_t>(*image, layout, points);
-                break;
-            default:
-                count<std::uint16_t>(*image, layout, points);
-        }
-    }
+    if (const int refused = countByFormat(*image, layout, points)) return refused;
     if (cumulative) {
         for (int k = 1; k < bins; ++k) points[k].y += points[k - 1].y;
     }

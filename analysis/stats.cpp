@@ -1,7 +1,6 @@
 #include "analysis/stats.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "foundation/nur_report.h"
 #include "foundation/nur_types.h"
@@ -20,39 +19,60 @@ struct Rows {
     int width;
     int height;
 
-    double Count() const { return static_cast<double>(width) * height; }
-    template <class T>
-    const T* Row(int y) const {
-        return reinterpret_cast<const T*>(data + y * pitch);
-    }
+    std::uint64_t Count() const { return static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height); }
 };
 
-struct Moments {
-    double sum = 0;
-    double squares = 0;
-    double least = 0;
-    double most = 0;
+// The formats that whole-number sums serve, exact at any size.
+struct SummedFormat {
+    D::Format format;
+    PixelKind kind;
+    int channels;
+};
+constexpr SummedFormat kSummed[] = {
+    {D::FormatUByte, PixelKind::Byte, 1},       {D::FormatByte, PixelKind::SignedByte, 1},
+    {D::FormatChar, PixelKind::SignedByte, 1},  {D::FormatUShort, PixelKind::Word, 1},
+    {D::FormatShort, PixelKind::SignedWord, 1}, {D::FormatRgb, PixelKind::Color8, 3},
+    {D::FormatHsv, PixelKind::Color8, 3},       {D::FormatYuv, PixelKind::Color8, 3},
+    {D::FormatLab, PixelKind::Color8, 3},       {D::FormatRgb10, PixelKind::Color10, 3},
+    {D::FormatRgb16, PixelKind::Color16, 3},
 };
 
-void deliver(const StatsPointers& out, const Moments& moments, double count) {
-    const double mean = moments.sum / count;
-    if (out.mean) *out.mean = static_cast<float>(mean);
-    if (out.deviation) {
-        *out.deviation = static_cast<float>(std::sqrt(std::max(moments.squares / count - mean * mean, 0.0)));
-    }
+const SummedFormat* findSummed(D::Format format) {
+    const auto* found =
+        std::find_if(std::begin(kSummed), std::end(kSummed), [&](const auto& row) { return row.format == format; });
+    return found == std::end(kSummed) ? nullptr : found;
+}
+
+bool isColor(D::Format format) {
+    const SummedFormat* summed = findSummed(format);
+    return summed && summed->channels > 1;
+}
+
+bool isMonoImage(D::Format format) { return format == D::FormatFloat || (findSummed(format) && !isColor(format)); }
+
+bool isMonoVector(D::Format format) {
+    return isMonoImage(format) ||
+           nur_is_type(format, {D::FormatInt, D::FormatUInt, D::FormatDouble, D::FormatPoint, D::FormatFPoint});
+}
+
+void deliver(const StatsPointers& out, const Moments& moments, std::uint64_t count) {
+    const auto number = static_cast<double>(count);
+    if (out.mean) *out.mean = static_cast<float>(moments.Mean(number));
+    if (out.deviation) *out.deviation = static_cast<float>(moments.Deviation(number));
     if (out.min) *out.min = static_cast<float>(moments.least);
     if (out.max) *out.max = static_cast<float>(moments.most);
 }
 
-// The plain loop: `channel` takes one number out of element x of a row.
-template <class Element, class Channel>
-Moments measure(const Rows& rows, Channel channel) {
+// The plain loop of the other formats, in float64.
+template <class Element, class Value>
+Moments measure(const Rows& rows, Value Element::*member) {
+    const auto row = [&](int y) { return reinterpret_cast<const Element*>(rows.data + y * rows.pitch); };
     Moments moments;
-    moments.least = moments.most = static_cast<double>(channel(rows.Row<Element>(0)[0]));
+    moments.least = moments.most = static_cast<double>(row(0)[0].*member);
     for (int y = 0; y < rows.height; ++y) {
-        const Element* row = rows.Row<Element>(y);
+        const Element* elements = row(y);
         for (int x = 0; x < rows.width; ++x) {
-            const auto value = static_cast<double>(channel(row[x]));
+            const auto value = static_cast<double>(elements[x].*member);
             moments.sum += value;
             moments.squares += value * value;
             moments.least = std::min(moments.least, value);
@@ -62,133 +82,79 @@ Moments measure(const Rows& rows, Channel channel) {
     return moments;
 }
 
-template <class Element>
+template <class T>
 Moments measureNumbers(const Rows& rows) {
-    return measure<Element>(rows, [](Element value) { return value; });
+    struct Number {
+        T value;
+    };
+    return measure(rows, &Number::value);
 }
 
-Moments fromByteSums(const ByteSums& sums) {
-    return {static_cast<double>(sums.sum), static_cast<double>(sums.squares), static_cast<double>(sums.least),
-            static_cast<double>(sums.most)};
-}
-
-// Whole-number sums, exact at any size.
-Moments measureBytes(const Rows& rows) {
-    const auto add = HasAvx2() ? AddByteRowWide : AddByteRowPlain;
-    ByteSums sums;
-    sums.least = sums.most = rows.data[0];
-    for (int y = 0; y < rows.height; ++y) {
-        add(rows.Row<std::uint8_t>(y), static_cast<std::size_t>(rows.width), sums);
-    }
-    return fromByteSums(sums);
-}
-
-struct Rgb16Pixel {
-    std::uint16_t words[4];
-};
-
-bool isByteColor(D::Format format) {
-    return nur_is_type(format, {D::FormatRgb, D::FormatHsv, D::FormatYuv, D::FormatLab});
-}
-
-void measureColor(const Rows& rows, const ColorStatsPointers& color) {
-    Moments moments[3];
-    if (isByteColor(rows.format)) {
-        const auto add = HasAvx2() ? AddColorRowWide : AddColorRowPlain;
-        ByteSums sums[3];
-        for (int c = 0; c < 3; ++c) sums[c].least = sums[c].most = rows.data[c];
-        for (int y = 0; y < rows.height; ++y) {
-            add(rows.Row<std::uint8_t>(y), static_cast<std::size_t>(rows.width), sums);
-        }
-        for (int c = 0; c < 3; ++c) moments[c] = fromByteSums(sums[c]);
-    } else {
-        for (int c = 0; c < 3; ++c) {
-            moments[c] =
-                rows.format == D::FormatRgb10
-                    ? measure<std::uint32_t>(rows, [c](std::uint32_t word) { return word >> (10 * c) & 0x3FF; })
-                    : measure<Rgb16Pixel>(rows, [c](const Rgb16Pixel& pixel) { return pixel.words[c]; });
-        }
-    }
-    for (std::size_t c = 0; c < 3; ++c) deliver(color[c], moments[c], rows.Count());
-}
-
-Moments measureMono(const Rows& rows) {
+Moments measureOther(const Rows& rows) {
     switch (rows.format) {
-        case D::FormatUByte:
-            return measureBytes(rows);
-        case D::FormatChar:
-        case D::FormatByte:
-            return measureNumbers<std::int8_t>(rows);
-        case D::FormatUShort:
-            return measureNumbers<std::uint16_t>(rows);
-        case D::FormatShort:
-            return measureNumbers<std::int16_t>(rows);
         case D::FormatInt:
-        case D::FormatPoint:
             return measureNumbers<std::int32_t>(rows);
         case D::FormatUInt:
             return measureNumbers<std::uint32_t>(rows);
         case D::FormatDouble:
             return measureNumbers<double>(rows);
+        case D::FormatPoint:
+            return measure(rows, &D::Point::y);
+        case D::FormatFPoint:
+            return measure(rows, &D::FPoint::y);
         default:
             return measureNumbers<float>(rows);
     }
 }
 
-bool isColor(D::Format format) { return isByteColor(format) || nur_is_type(format, {D::FormatRgb10, D::FormatRgb16}); }
+// Of an object that passed the checks and holds at least one element.
+int run(const Rows& rows, const StatsPointers& mono, const ColorStatsPointers& color) {
+    const SummedFormat* summed = findSummed(rows.format);
+    if (!summed) {
+        deliver(mono, measureOther(rows), rows.Count());
+        return 0;
+    }
+    const SumsRow add = GetSumsRow(summed->kind, RunsWide());
+    ChannelSums sums[3];
+    for (int y = 0; y < rows.height; ++y) add(rows.data + y * rows.pitch, static_cast<std::size_t>(rows.width), sums);
+    for (std::size_t c = 0; c < static_cast<std::size_t>(summed->channels); ++c) {
+        const StatsPointers& out = summed->channels == 1 ? mono : color[c];
+        deliver(out, MomentsOf(sums[c], summed->kind, rows.Count()), rows.Count());
+    }
+    return 0;
+}
 
-// The checks that images and vectors share; `measured` tells whether the caller goes on.
-int check(D::Format format, bool isMono, const StatsPointers& mono, const ColorStatsPointers& color, bool& measured) {
-    const bool wantsColor = std::any_of(color.begin(), color.end(), [](const StatsPointers& out) { return out.Any(); });
-    measured = false;
-    if (isMono && wantsColor) {
+bool anyOf(const ColorStatsPointers& color) {
+    return std::any_of(color.begin(), color.end(), [](const StatsPointers& out) { return out.Any(); });
+}
+
+// The checks that images and vectors share.
+int check(D::Format format, bool isMono, const StatsPointers& mono, const ColorStatsPointers& color) {
+    if (isMono && anyOf(color)) {
         return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot get color stats on monochrome input\n");
     }
     if (isColor(format) && mono.Any()) {
         return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot get monochrome stats on color input\n");
     }
-    if (!isMono && !isColor(format)) return nur_report(1, NUR_REPORT_TYPE, "stats", nur_display_name(format));
-    measured = mono.Any() || wantsColor;
-    return 0;
-}
-
-int run(const Rows& rows, const StatsPointers& mono, const ColorStatsPointers& color) {
-    if (isColor(rows.format)) {
-        measureColor(rows, color);
-    } else {
-        deliver(mono, measureMono(rows), rows.Count());
-    }
-    return 0;
-}
-
-bool isMonoImage(D::Format format) {
-    return nur_is_type(format,
-                       {D::FormatChar, D::FormatUByte, D::FormatByte, D::FormatUShort, D::FormatShort, D::FormatFloat});
+    return isMono || isColor(format) ? 0 : nur_report(1, NUR_REPORT_TYPE, "stats", nur_display_name(format));
 }
 
 }  // namespace
 
 int stats(const NurImage* image, const StatsPointers& mono, const ColorStatsPointers& color) {
-    bool measured = false;
-    const int refused = check(image->format, isMonoImage(image->format), mono, color, measured);
-    if (refused || !measured) return refused;
-    if (!image->data || image->roi.width <= 0 || image->roi.height <= 0) return 0;
+    if (const int refused = check(image->format, isMonoImage(image->format), mono, color)) return refused;
+    if (!mono.Any() && !anyOf(color)) return 0;
+    if (!image->data || image->roi.width <= 0 || image->roi.height <= 0) {
+        return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot process empty image\n");
+    }
     return run({image->format, image->RoiRow(0), image->Pitch(), image->roi.width, image->roi.height}, mono, color);
 }
 
 int stats(const NurVector* vector, const StatsPointers& mono, const ColorStatsPointers& color) {
-    const bool isMono =
-        isMonoImage(vector->format) ||
-        nur_is_type(vector->format, {D::FormatInt, D::FormatUInt, D::FormatDouble, D::FormatPoint, D::FormatFPoint});
-    bool measured = false;
-    const int refused = check(vector->format, isMono, mono, color, measured);
-    if (refused) return refused;
+    if (const int refused = check(vector->format, isMonoVector(vector->format), mono, color)) return refused;
     if (!vector->data || vector->size <= 0) {
         return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot process empty vector\n");
     }
-    if (!measured) return 0;
-    const bool pairs = vector->format == D::FormatPoint || vector->format == D::FormatFPoint;
-    return run(
-        {vector->format, static_cast<const std::uint8_t*>(vector->data), 0, pairs ? 2 * vector->size : vector->size, 1},
-        mono, color);
+    if (!mono.Any() && !anyOf(color)) return 0;
+    return run({vector->format, static_cast<const std::uint8_t*>(vector->data), 0, vector->size, 1}, mono, color);
 }

@@ -65,22 +65,6 @@ void histogramEven(const T* source, std::int64_t pitch, int width, int height, i
 }
 
 template <class T>
-void meanAndDeviation(const T* source, std::int64_t pitch, int width, int height, double* mean, double* deviation) {
-    double sum = 0;
-    double squares = 0;
-    forEachRow(source, pitch, height, [&](const T* row, int) {
-        for (int x = 0; x < width; ++x) {
-            const double value = static_cast<double>(row[x]);
-            sum += value;
-            squares += value * value;
-        }
-    });
-    const double count = static_cast<double>(width) * height;
-    *mean = sum / count;
-    *deviation = std::sqrt(std::max(squares / count - *mean * *mean, 0.0));
-}
-
-template <class T>
 void leastAndMost(const T* source, std::int64_t pitch, int width, int height, T* least, T* most) {
     *least = *most = source[0];
     forEachRow(source, pitch, height, [&](const T* row, int) {
@@ -91,13 +75,18 @@ void leastAndMost(const T* source, std::int64_t pitch, int width, int height, T*
     });
 }
 
-ByteSums byteSums(const std::uint8_t* source, std::int64_t pitch, int width, int height) {
-    const auto add = HasAvx2() ? AddByteRowWide : AddByteRowPlain;
-    ByteSums sums;
-    sums.least = sums.most = source[0];
-    forEachRow(source, pitch, height,
-               [&](const std::uint8_t* row, int) { add(row, static_cast<std::size_t>(width), sums); });
-    return sums;
+Moments byteMoments(PixelKind kind, const void* source, std::int64_t pitch, int width, int height) {
+    const SumsRow add = GetSumsRow(kind, RunsWide());
+    ChannelSums sums;
+    forEachRow(static_cast<const std::uint8_t*>(source), pitch, height,
+               [&](const std::uint8_t* row, int) { add(row, static_cast<std::size_t>(width), &sums); });
+    return MomentsOf(sums, kind, static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height));
+}
+
+void deliver(const Moments& moments, int width, int height, double* mean, double* deviation) {
+    const double count = static_cast<double>(width) * height;
+    *mean = moments.Mean(count);
+    *deviation = moments.Deviation(count);
 }
 
 bool holds(PrimitiveCompare compare, std::uint8_t value, std::uint8_t limit) {
@@ -129,7 +118,7 @@ int ctiv_ippSetNumThreads(int) { return 0; }
 int ctiv_ippiHistogramEven_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int width, int height,
                                   std::int32_t* counts, std::int32_t* levels, int levelCount, std::int32_t lower,
                                   std::int32_t upper) {
-    ByteHistogram histogram;
+    ByteHistogram histogram(static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height));
     forEachRow(source, pitch, height,
                [&](const std::uint8_t* row, int) { histogram.Add(row, static_cast<std::size_t>(width)); });
     std::uint32_t bins[256];
@@ -166,33 +155,38 @@ int ctiv_ippiHistogramEven_16s_C1R(const std::int16_t* source, std::int64_t pitc
 
 int ctiv_ippiMean_StdDev_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int width, int height, double* mean,
                                 double* deviation) {
-    const ByteSums sums = byteSums(source, pitch, width, height);
-    const double count = static_cast<double>(width) * height;
-    *mean = static_cast<double>(sums.sum) / count;
-    *deviation = std::sqrt(std::max(static_cast<double>(sums.squares) / count - *mean * *mean, 0.0));
+    deliver(byteMoments(PixelKind::Byte, source, pitch, width, height), width, height, mean, deviation);
     return 0;
 }
 
 int ctiv_ippiMean_StdDev_8s_C1R(const std::int8_t* source, std::int64_t pitch, int width, int height, double* mean,
                                 double* deviation) {
     if (absentAtThisLevel()) return kPrimitiveAbsent;
-    meanAndDeviation(source, pitch, width, height, mean, deviation);
+    deliver(byteMoments(PixelKind::SignedByte, source, pitch, width, height), width, height, mean, deviation);
     return 0;
 }
 
 int ctiv_ippiMean_StdDev_32f_C1R(const float* source, std::int64_t pitch, int width, int height, double* mean,
                                  double* deviation) {
     if (absentAtThisLevel()) return kPrimitiveAbsent;
-    meanAndDeviation(source, pitch, width, height, mean, deviation);
+    Moments moments;
+    forEachRow(source, pitch, height, [&](const float* row, int) {
+        for (int x = 0; x < width; ++x) {
+            const double value = row[x];
+            moments.sum += value;
+            moments.squares += value * value;
+        }
+    });
+    deliver(moments, width, height, mean, deviation);
     return 0;
 }
 
 int ctiv_ippiMinMax_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int width, int height, std::uint8_t* least,
                            std::uint8_t* most) {
     if (absentAtThisLevel()) return kPrimitiveAbsent;
-    const ByteSums sums = byteSums(source, pitch, width, height);
-    *least = sums.least;
-    *most = sums.most;
+    const Moments moments = byteMoments(PixelKind::Byte, source, pitch, width, height);
+    *least = static_cast<std::uint8_t>(moments.least);
+    *most = static_cast<std::uint8_t>(moments.most);
     return 0;
 }
 
@@ -206,7 +200,7 @@ int ctiv_ippiRShiftC_16u_C1R(const std::uint16_t* source, std::int64_t sourcePit
                              std::uint16_t* destination, std::int64_t destinationPitch, int width, int height) {
     forEachRow(source, sourcePitch, height, [&](const std::uint16_t* row, int y) {
         std::uint16_t* out = rowOf(destination, destinationPitch, y);
-        for (int x = 0; x < width; ++x) out[x] = static_cast<std::uint16_t>(row[x] >> shift);
+        for (int x = 0; x < width; ++x) out[x] = static_cast<std::uint16_t>(row[x] >> std::min(shift, 16u));
     });
     return 0;
 }
@@ -214,12 +208,13 @@ int ctiv_ippiRShiftC_16u_C1R(const std::uint16_t* source, std::int64_t sourcePit
 int ctiv_ippiScale_16u8u_C1R(const std::uint16_t* source, std::int64_t sourcePitch, std::uint8_t* destination,
                              std::int64_t destinationPitch, int width, int height, std::uint16_t lower,
                              std::uint16_t upper) {
-    const int span = std::max(upper - lower, 1);
+    // The product stays below 2^24, so float32 holds it, and no quotient below a whole number rounds up to it.
+    const float span = static_cast<float>(std::max(upper - lower, 1));
     forEachRow(source, sourcePitch, height, [&](const std::uint16_t* row, int y) {
         std::uint8_t* out = rowOf(destination, destinationPitch, y);
         for (int x = 0; x < width; ++x) {
-            const int scaled = (std::clamp<int>(row[x], lower, upper) - lower) * 255 / span;
-            out[x] = static_cast<std::uint8_t>(scaled);
+            const int above = (std::clamp<int>(row[x], lower, upper) - lower) * 255;
+            out[x] = static_cast<std::uint8_t>(static_cast<float>(above) / span);
         }
     });
     return 0;
