@@ -49,17 +49,15 @@ public:
     bool IsRoiEnabled() const { return roiEnabled_; }
     const ViewRect& GetRoi() const { return roi_; }  ///< image pixels
 
-    bool ClientToImage(ViewPoint in, ViewPoint* out) const { return geometry_.ClientToImage(in, out); }
-    bool ImageToClient(ViewPoint in, ViewPoint* out) const { return geometry_.ImageToClient(in, out); }
+    bool ClientToImage(ViewPoint in, ViewPoint* out) const { return View().ClientToImage(in, out); }
+    bool ImageToClient(ViewPoint in, ViewPoint* out) const { return View().ImageToClient(in, out); }
 
-    /// The image on display. Who changes its pixels calls update(); who gives it another size, ImageChanged().
+    /// The image on display. Who writes to it, also with another size, calls update() afterwards.
     CTivImage& Image() { return image_; }
     const CTivImage& Image() const { return image_; }
-    /// To be called after Image() was written to directly: takes its size and repaints.
-    void ImageChanged();
     Overlay& ImageOverlay() { return imageOverlay_; }  ///< drawn over the image; call update() after a change
     const Overlay& ImageOverlay() const { return imageOverlay_; }
-    const ViewGeometry& Geometry() const { return geometry_; }
+    const ViewGeometry& Geometry() const { return View(); }
     const RectTracker& Tracker() const { return tracker_; }
 
     QSize sizeHint() const override;
@@ -74,7 +72,6 @@ protected:
     ViewerHost* Host() const { return host_; }
 
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -83,14 +80,15 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    ViewGeometry& View() const;  // brought up to date with the sizes of window and image
     void ZoomChanged();
+    void SyncTracker();
     void UpdateCursor(ViewPoint point);
-    void EndTracking();
+    void PaintEdge(QPainter& painter) const;
     void PaintBackground(QPainter& painter);
-    void PaintTracker(QPainter& painter);
-    void PaintEdge(QPainter& painter);
+    void PaintTracker(QPainter& painter) const;
 
-    ViewGeometry geometry_;
+    mutable ViewGeometry geometry_;
     RectTracker tracker_;
     ViewRect roi_;  // image pixels
     bool roiEnabled_ = false;

@@ -35,7 +35,7 @@ public:
         int halfSize;
     };
     struct Polyline {
-        CTivVector points;  ///< FormatPoint or FormatFPoint
+        CTivVector points;  ///< FormatPoint
         std::int32_t color;
     };
     struct Line {
@@ -69,7 +69,7 @@ public:
                       std::int32_t fill = kHollow);
     /// The text's upper left corner comes to (x, y), whatever the alignment code says.
     void AddText(const QString& text, int x, int y, std::int32_t color = kDefaultColor, std::int32_t fill = kHollow);
-    void Clear();  ///< empties all lists; color, fill and font stay
+    void Clear();  ///< empties all lists; color and font stay
     bool IsEmpty() const;
 
     void SetFont(const QFont& font) { font_ = font; }
@@ -87,6 +87,9 @@ public:
     const std::vector<Text>& Texts() const { return texts_; }
 
 private:
+    void UsePen(QPainter& painter, std::int32_t color, std::int32_t fill) const;
+    void DrawMatrices(QPainter& painter, ViewPoint offset, float scale) const;
+
     std::vector<Matrix> matrices_;
     std::vector<Mark> marks_;
     std::vector<Cross> crosses_;
@@ -96,6 +99,5 @@ private:
     std::vector<Rectangle> rectangles_;
     std::vector<Text> texts_;
     std::int32_t defaultColor_ = 0xFF0000;  // blue
-    std::int32_t defaultFill_ = kHollow;
     QFont font_;
 };

@@ -3,18 +3,20 @@
 #include "app/toolkit/ViewRect.h"
 
 /// How an image lies in a window: zoom, the part of the image on display (source) and where it stands in the client
-/// area (destination), and the two mappings between them. No widget and no pixel takes part. The rectangles follow
-/// every change of zoom, client size and image size at once.
+/// area (destination), and the two mappings between them. No widget and no pixel takes part.
+///
+/// The rectangles follow each change of zoom or of a size at once, from the rectangles before it, so that the image
+/// point under the anchor stays there. Nothing else moves them: computing them afresh at each paint would let rounding
+/// creep, and an image that was dragged under an edge would jump back.
 class ViewGeometry {
 public:
     static constexpr float kMinimumZoom = 0.01f;
     static constexpr float kMaximumZoom = 10.0f;
 
-    /// Zoom 1.0, both rectangles empty, no anchor, not dragging. The sizes stay; Layout fills the rectangles again.
+    /// Zoom 1.0, both rectangles empty, no anchor, not dragging. The next Adapt or zoom fills the rectangles.
     void Reset();
-    void SetClientSize(int width, int height);
-    /// Takes the size of a new image (0 and 0: none) and computes the rectangles from it.
-    void SetImageSize(int width, int height);
+    /// Takes the sizes of window and image in pixels; without an image, 0 or less.
+    void Adapt(int clientWidth, int clientHeight, int imageWidth, int imageHeight);
 
     float GetZoom() const { return zoom_; }
     void SetZoom(float zoom);  ///< limited to 0.01 to 10
@@ -55,8 +57,6 @@ public:
 
 private:
     void Layout();
-    void LayoutDestination();
-    void LayoutSource();
     void ClampSource();
 
     float zoom_ = 1.0f;
@@ -65,5 +65,6 @@ private:
     ViewRect source_;
     ViewRect destination_;
     ViewPoint anchor_;  // (0, 0) when there is none
+    bool laidOut_ = false;
     bool dragging_ = false;
 };

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QImage>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "app/toolkit/ViewRect.h"
+#include "foundation/CTivImage.h"
+
+/// The head of a device independent bitmap, 40 bytes.
+struct DibHeader {
+    std::uint32_t size = 40;
+    std::int32_t width = 0;   ///< pixels, rounded up so that a row ends on 32 bits
+    std::int32_t height = 0;  ///< minus the image's height: rows run from the top
+    std::uint16_t planes = 1;
+    std::uint16_t bitCount = 0;  ///< bits a pixel
+    std::uint32_t compression = 0;
+    std::uint32_t imageSize = 0;
+    std::int32_t xPixelsPerMeter = 0;
+    std::int32_t yPixelsPerMeter = 0;
+    std::uint32_t colorsUsed = 0;
+    std::uint32_t colorsImportant = 0;
+};
+static_assert(sizeof(DibHeader) == 40);
+
+/// One image as a device independent bitmap of 8 bits with a gray table (FormatUByte, FormatUShort), 1 bit
+/// (FormatBinary) or 32 bits (FormatRgb). FormatUByte and FormatRgb images whose rows need no padding are not copied:
+/// the image must then outlive the bitmap. Of other formats there is a header without bits and no data.
+class CDemoDIB : public CTivManager {
+public:
+    /// @param area the part to convert, in image pixels; its right and bottom are cut to the image. Outside of it owned
+    ///        pixels are not set. Null: the whole image
+    /// @param significantBits the bits that a FormatUShort image holds, of which the upper 8 are kept; -1 finds out
+    CDemoDIB(CTivImage* image, const ViewRect* area, int significantBits);
+
+    const DibHeader& Header() const { return header_; }
+    /// 0x00RRGGBB, header.colorsUsed entries.
+    std::span<const std::uint32_t> Table() const { return {table_.data(), header_.colorsUsed}; }
+    const std::uint8_t* Data() const { return data_; }  ///< null without memory
+    bool IsOwned() const { return owned_ != nullptr; }
+    std::int64_t RowBytes() const { return std::int64_t{header_.width} * header_.bitCount / 8; }
+
+    /// The bitmap for a painter, as wide as the image and without a copy; valid while this object lives.
+    QImage View() const;
+
+    /// @return the position of the highest bit that a FormatUShort image uses in the area, 0 if all of it is black
+    static int FindSignificantBits(const CTivImage& image, const ViewRect& area);
+
+private:
+    void CreateData(const CTivImage& image, const ViewRect& area, int significantBits);
+    static void ShiftWordsToBytes(const CTivImage& image, const ViewRect& area, int significantBits, std::uint8_t* out,
+                                  std::int64_t rowBytes);
+
+    DibHeader header_;
+    std::array<std::uint32_t, 256> table_{};
+    std::unique_ptr<std::uint8_t[]> owned_;
+    std::uint8_t* data_ = nullptr;
+    int imageWidth_ = 0;
+};

@@ -1,0 +1,289 @@
+#include "app/view/CImageViewerCtrl.h"
+
+#include <qdrawutil.h>
+
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPainter>
+#include <cmath>
+#include <cstring>
+
+#include "app/view/CDemoImageViewerComm.h"
+#include "app/view/CDemoUtil.h"
+#include "app/view/ViewerHost.h"
+#include "app/view/overlay_mapping.h"
+
+namespace {
+
+constexpr int kEdgeWidth = 2;
+constexpr QSize kFirstSize(800, 600);  // also what a viewer in a pane that was never shown fits images to
+constexpr int kOverlayFontPoints = 10;
+constexpr int kTrackerStyle = RectTracker::DottedLine | RectTracker::ResizeInside;
+
+/// The pattern behind the image: cells of 4 by 4 pixels, drawn row by row. A cell is light when both toggles are false.
+/// The column toggle deliberately goes on from one row to the next, so that this is no checkerboard.
+QImage backgroundPattern(QSize size) {
+    constexpr int kCell = 4;
+    constexpr QRgb kLight = 0xFF282828, kDark = 0xFF141414;
+    QImage pattern(size, QImage::Format_RGB32);
+    bool columnToggle = true, rowToggle = false;
+    for (int y = 0; y < size.height(); y += kCell) {
+        auto* row = reinterpret_cast<QRgb*>(pattern.scanLine(y));
+        for (int x = 0; x < size.width(); x += kCell) {
+            std::fill(row + x, row + std::min(x + kCell, size.width()), columnToggle || rowToggle ? kDark : kLight);
+            columnToggle = !columnToggle;
+        }
+        for (int line = y + 1; line < std::min(y + kCell, size.height()); ++line) {
+            std::memcpy(pattern.scanLine(line), row, static_cast<std::size_t>(size.width()) * sizeof(QRgb));
+        }
+        rowToggle = !rowToggle;
+    }
+    return pattern;
+}
+
+QRect toQRect(const ViewRect& rect) { return {rect.left, rect.top, rect.Width(), rect.Height()}; }
+
+Qt::CursorShape shapeOf(RectTracker::Cursor cursor) {
+    switch (cursor) {
+        case RectTracker::Cursor::Move:
+            return Qt::SizeAllCursor;
+        case RectTracker::Cursor::Horizontal:
+            return Qt::SizeHorCursor;
+        case RectTracker::Cursor::Vertical:
+            return Qt::SizeVerCursor;
+        case RectTracker::Cursor::FallingDiagonal:
+            return Qt::SizeFDiagCursor;
+        case RectTracker::Cursor::RisingDiagonal:
+            return Qt::SizeBDiagCursor;
+        default:
+            return Qt::ArrowCursor;
+    }
+}
+
+}  // namespace
+
+CImageViewerCtrl::CImageViewerCtrl(QWidget* parent) : QFrame(parent), font_(QApplication::font("QMenu")) {
+    font_.setPointSize(kOverlayFontPoints);
+    setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    setLineWidth(kEdgeWidth);
+    setAttribute(Qt::WA_OpaquePaintEvent);  // nothing is erased before a paint, which covers everything
+    setMouseTracking(true);
+    setCursor(Qt::CrossCursor);
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    resize(kFirstSize);
+    ResetView();
+}
+
+QSize CImageViewerCtrl::sizeHint() const { return kFirstSize; }
+
+ViewGeometry& CImageViewerCtrl::View() const {
+    const QSize client = contentsRect().size();
+    const bool shows = image_.IsAllocated();
+    geometry_.Adapt(client.width(), client.height(), shows ? image_.GetWidth() : 0, shows ? image_.GetHeight() : 0);
+    return geometry_;
+}
+
+bool CImageViewerCtrl::SetImage(CTivImage* image, bool resetView) {
+    if (resetView) ResetView();
+    if (!image) return false;
+    image_ = *image;
+    update();
+    if (!image_.IsAllocated()) return false;
+    image_.SetRoi({});
+    roi_ = ViewGeometry::DefaultRoi(image_.GetWidth(), image_.GetHeight());
+    tracker_.SetStyle(kTrackerStyle);
+    ZoomChanged();
+    return true;
+}
+
+void CImageViewerCtrl::ResetView() {
+    geometry_.Reset();
+    tracker_.Cancel();
+    tracker_.SetRect({});
+    ClearOverlays();
+}
+
+void CImageViewerCtrl::ClearOverlays() {
+    imageOverlay_.Clear();
+    update();
+}
+
+void CImageViewerCtrl::SetSelected(int selected) {
+    selected_ = selected;
+    update();
+}
+
+void CImageViewerCtrl::ZoomChanged() {
+    update();
+    if (comm_) comm_->OnZoomChanged(geometry_.GetZoom());
+}
+
+void CImageViewerCtrl::SetZoom(float zoom) {
+    View().SetZoom(zoom);
+    ZoomChanged();
+}
+void CImageViewerCtrl::ResetScale() {
+    View().ResetScale();
+    ZoomChanged();
+}
+void CImageViewerCtrl::FitHeight() {
+    View().FitHeight();
+    ZoomChanged();
+}
+void CImageViewerCtrl::FitWidth() {
+    View().FitWidth();
+    ZoomChanged();
+}
+void CImageViewerCtrl::FitToWindow() {
+    View().FitToWindow();
+    ZoomChanged();
+}
+
+void CImageViewerCtrl::ResetTracker() {
+    tracker_.SetRect(View().DefaultTracker());
+    View().TrackerToRoi(tracker_.GetRect(), &roi_);
+}
+
+void CImageViewerCtrl::EnableRoi(bool on) {
+    roiEnabled_ = on;
+    tracker_.SetStyle(on ? kTrackerStyle : RectTracker::NoStyle);
+    if (on && tracker_.GetRect().IsEmpty()) ResetTracker();
+    NotifyRoi();
+    update();
+}
+
+void CImageViewerCtrl::NotifyRoi() {
+    if (roiEnabled_ && comm_) comm_->OnRoiChanged(roi_);
+}
+
+/// Puts the tracker over the ROI. Where a corner is not on display the tracker stays where it was.
+void CImageViewerCtrl::SyncTracker() {
+    ViewRect rect;
+    if (roiEnabled_ && !tracker_.IsFollowing() && View().RoiToTracker(roi_, &rect)) tracker_.SetRect(rect);
+}
+
+ViewPoint CImageViewerCtrl::ClientPoint(QPointF position) const {
+    const QPoint corner = contentsRect().topLeft();
+    return {static_cast<int>(std::floor(position.x())) - corner.x(),
+            static_cast<int>(std::floor(position.y())) - corner.y()};
+}
+
+void CImageViewerCtrl::UpdateCursor(ViewPoint point) {
+    const ViewGeometry& view = View();
+    if (!view.GetDestination().Covers(point)) return setCursor(Qt::ArrowCursor);
+    SyncTracker();
+    const auto hit = roiEnabled_ ? tracker_.HitTest(point) : RectTracker::Hit::Nothing;
+    if (hit != RectTracker::Hit::Nothing) return setCursor(shapeOf(RectTracker::CursorFor(hit)));
+    setCursor(view.IsDragging() ? Qt::SizeAllCursor : Qt::CrossCursor);
+}
+
+void CImageViewerCtrl::wheelEvent(QWheelEvent* event) {
+    event->accept();
+    const int turn = event->angleDelta().y();
+    if (turn == 0) return;
+    const bool fast = event->modifiers() & Qt::ControlModifier;
+    if (View().Wheel(ClientPoint(event->position()), turn > 0, fast)) ZoomChanged();
+}
+
+void CImageViewerCtrl::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    setFocus(Qt::MouseFocusReason);
+    if (host_) host_->DeselectAllViewers();
+    SetSelected(1);
+    const ViewPoint point = ClientPoint(event->position());
+    SyncTracker();
+    if (roiEnabled_ && tracker_.Begin(point)) return;
+    if (View().BeginDrag(point)) UpdateCursor(point);
+}
+
+void CImageViewerCtrl::mouseMoveEvent(QMouseEvent* event) {
+    const ViewPoint point = ClientPoint(event->position());
+    if (tracker_.IsFollowing()) {
+        tracker_.Follow(point, View().GetDestination());
+        update();
+        return;
+    }
+    ViewPoint pixel;
+    if (View().IsDragging()) {
+        View().DragTo(point);
+        update();
+    } else if (comm_ && View().ClientToImage(point, &pixel)) {
+        comm_->OnPixel(pixel.x, pixel.y, image_.GetData(pixel.x, pixel.y));
+    }
+    UpdateCursor(point);
+}
+
+void CImageViewerCtrl::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    if (tracker_.End()) {
+        View().TrackerToRoi(tracker_.GetRect(), &roi_);
+        NotifyRoi();
+        update();
+    }
+    if (View().EndDrag()) UpdateCursor(ClientPoint(event->position()));
+}
+
+// Not a second press: a double click alone neither drags nor selects.
+void CImageViewerCtrl::mouseDoubleClickEvent(QMouseEvent*) {}
+
+void CImageViewerCtrl::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Escape || !tracker_.IsFollowing()) return QFrame::keyPressEvent(event);
+    tracker_.Cancel();
+    update();
+}
+
+void CImageViewerCtrl::paintEvent(QPaintEvent*) {
+    // The window system's backing store is the off-screen bitmap: what is drawn here comes to the screen in one copy.
+    QPainter painter(this);
+    PaintEdge(painter);
+    const QRect client = contentsRect();
+    painter.translate(client.topLeft());
+    painter.setClipRect(QRect(QPoint(0, 0), client.size()));
+    PaintBackground(painter);
+    const ViewGeometry& view = View();
+    if (image_.IsAllocated()) {
+        CDemoUtil::DisplayImage(&image_, &painter, &view.GetSource(), &view.GetDestination(), -1);
+    }
+    Overlay overlay = MapToClient(imageOverlay_, view);
+    overlay.SetFont(font_);
+    overlay.Draw(painter, {0, 0}, 1.0f);
+    if (roiEnabled_) {
+        SyncTracker();
+        PaintTracker(painter);
+    }
+}
+
+/// A sunken edge, whose inner line shines while the viewer is the selected one.
+void CImageViewerCtrl::PaintEdge(QPainter& painter) const {
+    qDrawShadePanel(&painter, rect(), palette(), true, 1);
+    painter.setPen(selected_ ? palette().color(QPalette::Highlight) : QColor(Qt::black));
+    painter.drawRect(rect().adjusted(1, 1, -2, -2));
+}
+
+void CImageViewerCtrl::PaintBackground(QPainter& painter) {
+    const QSize client = contentsRect().size();
+    if (background_.size() != client) background_ = QPixmap::fromImage(backgroundPattern(client));
+    painter.drawPixmap(0, 0, background_);
+}
+
+void CImageViewerCtrl::PaintTracker(QPainter& painter) const {
+    const ViewRect& rect = tracker_.GetRect();
+    if (rect.IsEmpty()) return;
+    if (tracker_.GetStyle() & RectTracker::DottedLine) {
+        const QRect outline = toQRect(rect).adjusted(0, 0, -1, -1);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(Qt::black, 1));  // under the dots, so that they show on any picture
+        painter.drawRect(outline);
+        painter.setPen(QPen(Qt::white, 1, Qt::DotLine));
+        painter.drawRect(outline);
+    }
+    if (tracker_.GetStyle() & RectTracker::ResizeInside) {
+        painter.setPen(QPen(Qt::black, 1));
+        painter.setBrush(Qt::white);
+        for (int i = 0; i < RectTracker::kHandleCount; ++i) {
+            painter.drawRect(toQRect(tracker_.HandleRect(static_cast<RectTracker::Hit>(i))).adjusted(0, 0, -1, -1));
+        }
+    }
+}
