@@ -1,0 +1,34 @@
+#pragma once
+
+#include <vector>
+
+class CTivTonewrightDC;
+
+/// One measure of color difference over the patches of a chart.
+struct DifferenceSummary {
+    double mean = 0;
+    double median = 0;  ///< of an even count the mean of the middle two
+    double max = 0;
+    std::vector<double> patches;  ///< in the order of the raw colors
+};
+
+struct ChartDifferences {
+    DifferenceSummary deltaE00;  ///< CIEDE2000
+    DifferenceSummary deltaE76;  ///< CIE 1976
+};
+
+struct FitQuality {
+    ChartDifferences fitted;  ///< with the transform in force
+    ChartDifferences before;  ///< the raw colors read as linear RGB, uncalibrated
+};
+
+/// Judges the operator's last fit patch by patch, in double precision.
+///
+/// Absolute mode compares the transformed raw colors, taken to XYZ by the inverse of XyzToRgbMatrix, with the
+/// reference XYZ adapted to D65; relative mode compares them with the reference colors, both read as linear RGB.
+/// @param calibrated an operator whose Calibrate succeeded with the colors and settings that it holds now
+/// @return without patches where the transform, the raw colors and the targets do not belong together
+FitQuality JudgeFit(const CTivTonewrightDC& calibrated);
+
+/// @param patches in any order; none gives zeros
+DifferenceSummary Summarize(std::vector<double> patches);
