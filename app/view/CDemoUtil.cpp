@@ -148,7 +148,7 @@ bool CDemoUtil::DisplayImage(CTivImage* image, QPainter* painter, const ViewRect
                 std::min(source->bottom, part.bottom)};
     }
     if (!painter || !painter->isActive()) {
-        ReportError("CDemoUtil::DisplayImage => Error blitting bitmap to device");
+        CTivManager::ReportError("CDemoUtil::DisplayImage => Error blitting bitmap to device");
         return true;
     }
     const Target target = targetOf(*painter, destination ? *destination : defaultDestination(*painter, part));

@@ -95,8 +95,9 @@ void Overlay::Draw(QPainter& painter, ViewPoint offset, float scale) const {
     for (const Rectangle& rectangle : rectangles_) {
         UsePen(painter, rectangle.color, rectangle.fill);
         // The outline belongs to the rectangle: width x height pixels with it.
-        painter.drawRect(QRectF(placing.At(rectangle.x, rectangle.y),
-                                QSizeF(rectangle.width / scale - 1, rectangle.height / scale - 1)));
+        painter.drawRect(
+            QRectF(placing.At(rectangle.x, rectangle.y),
+                   placing.At(rectangle.x + rectangle.width, rectangle.y + rectangle.height) - QPointF(1, 1)));
     }
     for (const Text& text : texts_) {
         UsePen(painter, text.color, kHollow);
