@@ -58,6 +58,8 @@ class Parameter : public CTivParameter<T> {
 public:
     T* Get() override { return &value_; }
     T* Set() override { return &value_; }
+    const T& Value() const { return value_; }
+    const T& Value() const { return value_; }
 
 private:
     T value_{};
