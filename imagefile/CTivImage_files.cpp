@@ -7,6 +7,7 @@
 #include "foundation/nur_image.h"
 #include "imagefile/CTivImageFileFormat.h"
 #include "imagefile/CTivImageReader.h"
+#include "imagefile/crc.h"
 #include "imagefile/native_file_impl.h"
 #include "imagefile/read_image.h"
 #include "imagefile/write_image.h"
@@ -119,8 +120,17 @@ bool CTivImage::Save(CTivOutputStream& stream, int fileFormat) const {
     *parameters.roi.Set() = record->roi;
     const std::int64_t bytes = std::int64_t{record->width} * record->height * CTivData::GetFormatSize(record->format);
     try {
-        static_cast<void>(bytes);
-        static_cast<void>(stream);
+        if (fileFormat == ImageFileTiff) {
+            const int length = static_cast<int>(bytes);
+            if (writeImageToStream(parameters, record->data, length, fileFormat, &stream) != 0) {
+                throw std::runtime_error("failed to write TIFF data to stream");
+            }
+            return true;
+        }
+        if (fileFormat == ImageFileCrc) {
+            writeCrc(parameters, record->data, static_cast<int>(bytes), &stream);
+            return true;
+        }
         throw std::runtime_error("CTivImageFileFormat not supported: " + std::to_string(fileFormat));
     } catch (const std::exception& failure) {
         return Refuse(std::string("CTivImage::Save(CTivOutputStream) => ") + failure.what());

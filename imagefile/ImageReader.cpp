@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "imagefile/CrcImageReader.h"
+#include "imagefile/PngImageReader.h"
 #include "imagefile/record_readers.h"
 
 namespace ctiv {
@@ -20,6 +22,8 @@ struct Kind {
 
 // In the order of trying.
 constexpr Kind kKinds[] = {
+    {"CRC", make<CrcImageReader>},
+    {"PNG", make<PngImageReader>},
     {"Tiff", make<TiffImageReader>},
     {"CTivImage", make<CTivImageBasedImageReader>},
 };

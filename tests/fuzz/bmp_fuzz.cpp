@@ -1,0 +1,19 @@
+#include "foundation/nur_image.h"
+#include "imagefile/bmp.h"
+#include "tests/fuzz/fuzz_file.h"
+
+// Whatever a bitmap says, it is read or refused, into fresh memory and into memory of the caller's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool started = startLibrary();
+    static_cast<void>(started);
+    const FuzzFile file(data, size);
+    NurImage fresh;
+    if (readBMP(file.Path().c_str(), &fresh) == 0) nur_image_free(&fresh);
+    for (const CTivData::Format format : {CTivData::FormatRgb, CTivData::FormatUByte, CTivData::FormatBinary}) {
+        NurImage own;
+        nur_image_alloc(&own, format, 8, 3);
+        readBMP(file.Path().c_str(), &own);
+        nur_image_free(&own);
+    }
+    return 0;
+}
