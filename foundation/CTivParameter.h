@@ -59,7 +59,6 @@ public:
     T* Get() override { return &value_; }
     T* Set() override { return &value_; }
     const T& Value() const { return value_; }
-    const T& Value() const { return value_; }
 
 private:
     T value_{};
