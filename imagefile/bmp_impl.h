@@ -35,7 +35,3 @@ inline constexpr BmpMasks kBmpTenBitMasks{0x3FF00000, 0xFFC00, 0x3FF};
 
 /// Bytes of a row in the file: rows are padded to four.
 inline std::int64_t bmpRowBytes(std::int64_t width, int bits) { return (width * bits + 31) / 32 * 4; }
-
-inline std::uint8_t reversedBits(std::uint8_t byte) {
-    return static_cast<std::uint8_t>(((byte * 0x0802u & 0x22110u) | (byte * 0x8020u & 0x88440u)) * 0x10101u >> 16);
-}

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "foundation/nur_report.h"
+#include "imagefile/bit_order_impl.h"
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
 #include "imagefile/bmp_rle_impl.h"

@@ -7,6 +7,7 @@
 #include "foundation/cast_image.h"
 #include "foundation/nur_report.h"
 #include "foundation/nur_types.h"
+#include "imagefile/bit_order_impl.h"
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
 

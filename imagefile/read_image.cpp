@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "imagefile/bmp.h"
+#include "imagefile/tiff.h"
 
 int ctiv_readImageFromFile(NurImage* record, const char* path, ImageParameters* metadata) {
     if (!std::ifstream(path, std::ios::binary)) return 100;
@@ -10,6 +11,8 @@ int ctiv_readImageFromFile(NurImage* record, const char* path, ImageParameters* 
     int answer = 1;
     if (isBMP(path)) {
         answer = readBMP(path, record);
+    } else if (isTIFF(path)) {
+        answer = readTIFFFile(path, record, metadata);
     }
     if (answer != 0) return 1;
     if (metadata) {

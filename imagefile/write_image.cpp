@@ -1,9 +1,11 @@
 #include "imagefile/write_image.h"
 
+#include "foundation/SafeFile.h"
 #include "foundation/nur_report.h"
 #include "foundation/nur_types.h"
 #include "imagefile/CTivImageFileFormat.h"
 #include "imagefile/bmp.h"
+#include "imagefile/tiff.h"
 
 namespace {
 
@@ -33,8 +35,34 @@ int writeImage(const NurImage* record, const char* path, int fileFormat) {
     int answer = 0;
     if (fileFormat == ImageFileBmp) {
         answer = writeBMP(path, record);
+    } else if (fileFormat == ImageFileTiff) {
+        // Tries the path first, and drops what that made.
+        if (!SafeOutputFile(path).IsOpen()) {
+            return nur_report(1, NUR_REPORT_FORMAT, "writeImage: cannot write to file %s\n", path);
+        }
+        answer = writeTIFFFile(path, record);
     } else {
         return nur_report(1, NUR_REPORT_FORMAT, "writeImage: Unknown image file format %d", fileFormat);
     }
     return answer == 0 ? 0 : nur_report(1, NUR_REPORT_FORMAT, "writeImage: failed\n");
+}
+
+int writeImageToStream(const ImageParameters& parameters, const void* data, int bytes, int fileFormat,
+                       CTivOutputStream* stream) {
+    NurImage record;
+    record.format = parameters.format.Value();
+    record.width = parameters.width.Value();
+    record.height = parameters.height.Value();
+    record.roi = parameters.roi.IsPresent() ? parameters.roi.Value() : CTivRect{0, 0, record.width, record.height};
+    record.data = const_cast<void*>(data);  // read only
+    if (fileFormat != ImageFileTiff) {
+        return nur_report(1, NUR_REPORT_FORMAT, "writeImageToStream: file format not supported\n");
+    }
+    const CTivRect& roi = record.roi;
+    const bool isInside = roi.x >= 0 && roi.y >= 0 && roi.width >= 0 && roi.height >= 0 &&
+                          roi.width <= record.width - roi.x && roi.height <= record.height - roi.y;
+    if (!isInside || record.Pitch() * record.height > bytes) {
+        return nur_report(1, NUR_REPORT_FORMAT, "writeImageToStream: image data does not fit its parameters\n");
+    }
+    return WriteTiffToStream(&record, &parameters, stream);
 }
