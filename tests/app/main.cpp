@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include "app/toolkit/Prompts.h"
+
+namespace {
+
+/// Cancels whatever is asked, so that no test waits for a person.
+class CancellingPrompts : public Prompts {
+public:
+    std::optional<FileChoice> OpenFile(const FileRequest&) override { return std::nullopt; }
+    std::optional<FileChoice> SaveFile(const FileRequest&) override { return std::nullopt; }
+    bool AskYesNo(const QString&, const QString&) override { return false; }
+    void ShowWarning(const QString&, const QString&) override {}
+    void ShowError(const QString&, const QString&) override {}
+    bool EditMatrixSize(int&, int&) override { return false; }
+};
+
+/// Puts these prompts in force before each test; one that sets its own leaves nothing to the next.
+class CancelByDefault : public testing::EmptyTestEventListener {
+    void OnTestStart(const testing::TestInfo&) override { SetPrompts(&prompts_); }
+    CancellingPrompts prompts_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir settings;  // the profile of whoever runs the tests stays as it is
+    for (const auto scope : {QSettings::UserScope, QSettings::SystemScope}) {
+        for (const auto format : {QSettings::NativeFormat, QSettings::IniFormat}) {
+            QSettings::setPath(format, scope, settings.path());
+        }
+    }
+    QApplication application(argc, argv);
+    testing::UnitTest::GetInstance()->listeners().Append(new CancelByDefault);
+    return RUN_ALL_TESTS();
+}
