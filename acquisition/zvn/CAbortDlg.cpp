@@ -1,0 +1,18 @@
+#include "acquisition/zvn/CAbortDlg.h"
+
+#include <utility>
+
+namespace {
+CAbortDlg::WaitFor waitForInForce;
+}
+
+void CAbortDlg::SetWaitFor(WaitFor waitFor) { waitForInForce = std::move(waitFor); }
+
+CAbortDlg::CAbortDlg(void* parentWindow, ZvnTransfer& transfer, int timeoutMs)
+    : parentWindow_(parentWindow), transfer_(transfer), timeoutMs_(timeoutMs) {}
+
+int CAbortDlg::DoModal() {
+    const bool ended =
+        waitForInForce ? waitForInForce(parentWindow_, transfer_, timeoutMs_) : transfer_.Wait(timeoutMs_);
+    return ended ? kZvnDialogOk : kZvnDialogCancel;
+}

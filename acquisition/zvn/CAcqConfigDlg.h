@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "acquisition/zvn/ZvnLocation.h"
+
+/// Answers of the modal dialogs.
+enum ZvnDialogAnswer : int { kZvnDialogOk = 1, kZvnDialogCancel = 2 };
+
+/// The modal dialog in which the user picks a server and a configuration file. What it looks like is the program's
+/// affair: a window, a command line or a test sets what is asked.
+class CAcqConfigDlg {
+public:
+    struct Choice {
+        ZvnLocation location;
+        std::string configFile;  ///< UTF-8, empty for none
+    };
+    /// @return nothing on cancel
+    using Ask = std::function<std::optional<Choice>(void* parentWindow)>;
+    /// Sets what DoModal asks from now on; unset, it answers cancel.
+    static void SetAsk(Ask ask);
+
+    explicit CAcqConfigDlg(void* parentWindow, int reserved = 0);
+    int DoModal();  ///< a ZvnDialogAnswer
+    const ZvnLocation& GetLocation() const { return choice_.location; }
+    /// @param category 1 a frame grabber's configuration, 2 a camera's @return empty for another category
+    std::string GetConfigFile(int category) const;
+
+private:
+    void* parentWindow_;
+    Choice choice_;
+};

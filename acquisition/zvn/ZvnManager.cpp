@@ -1,0 +1,70 @@
+#include "acquisition/zvn/ZvnManager.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <optional>
+
+#include "acquisition/zvn/backend_impl.h"
+
+namespace {
+
+int displayStatusMode = 0;
+
+std::vector<ZvnServer> listServers() {
+    ZvnBackend* backend = FindZvnBackend();
+    return backend ? backend->ListServers() : std::vector<ZvnServer>();
+}
+
+std::optional<ZvnServer> findServer(int index) {
+    const auto servers = listServers();
+    if (index < 0 || static_cast<std::size_t>(index) >= servers.size()) return std::nullopt;
+    return servers[static_cast<std::size_t>(index)];
+}
+
+std::optional<ZvnServer> findServer(const ZvnLocation& location) {
+    const auto servers = listServers();
+    const auto found = std::ranges::find(servers, location.GetServerName(), &ZvnServer::name);
+    return found == servers.end() ? std::nullopt : std::optional(*found);
+}
+
+int countResources(const std::optional<ZvnServer>& server, int type) {
+    if (!server) return 0;
+    return type == kZvnAcquisition ? server->acquisitions : type == kZvnAcqDevice ? server->acqDevices : 0;
+}
+
+bool writeName(const std::optional<ZvnServer>& server, char* buffer, int size) {
+    if (size < 1) return false;
+    const std::string name = server ? server->name : std::string();
+    const std::size_t length = std::min(name.size(), static_cast<std::size_t>(size) - 1);
+    *std::copy_n(name.data(), length, buffer) = '\0';
+    return server.has_value();
+}
+
+}  // namespace
+
+ZvnBackend* FindZvnBackend() {
+    const char* simulation = std::getenv("ZVN_SIMULATION");
+    return simulation && *simulation ? &GetSimulatedBackend() : GetCameraBackend();
+}
+
+void TellZvnStatus(const std::string& text) {
+    if (displayStatusMode == 0) std::cerr << "acquisition: " + text + '\n';
+}
+
+int ZvnManager::GetServerCount() { return static_cast<int>(listServers().size()); }
+
+int ZvnManager::GetResourceCount(int server, int type) { return countResources(findServer(server), type); }
+int ZvnManager::GetResourceCount(const ZvnLocation& location, int type) {
+    return countResources(findServer(location), type);
+}
+
+bool ZvnManager::GetServerName(int server, char* buffer, int size) {
+    return writeName(findServer(server), buffer, size);
+}
+bool ZvnManager::GetServerName(const ZvnLocation& location, char* buffer, int size) {
+    return writeName(findServer(location), buffer, size);
+}
+
+int ZvnManager::GetDisplayStatusMode() { return displayStatusMode; }
+void ZvnManager::SetDisplayStatusMode(int mode, int, int) { displayStatusMode = mode; }
