@@ -1,0 +1,220 @@
+#include "chart/PatchDetector.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <utility>
+
+#include "analysis/CTivBasic.h"
+#include "analysis/CTivBlob.h"
+
+namespace {
+
+constexpr std::uint32_t kPenColor = 0x33FF00;  // red 0, green 255, blue 51
+constexpr int kBlobCapacity = 1024;
+
+// The color words: a channel's range and how three channels become an element.
+struct Word8 {
+    static constexpr CTivData::Format kFormat = CTivData::FormatRgb;
+    static constexpr std::uint32_t kFullScale = 0xFF;
+    static CTivData Pack(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
+        return CTivData::Rgb(static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green),
+                             static_cast<std::uint8_t>(blue));
+    }
+};
+struct Word10 {
+    static constexpr CTivData::Format kFormat = CTivData::FormatRgb10;
+    static constexpr std::uint32_t kFullScale = 0x3FF;
+    static CTivData Pack(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
+        return CTivData::Rgb10(red, green, blue);
+    }
+};
+struct Word16 {
+    static constexpr CTivData::Format kFormat = CTivData::FormatRgb16;
+    static constexpr std::uint32_t kFullScale = 0xFFFF;
+    static CTivData Pack(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
+        return CTivData::Rgb16(static_cast<std::uint16_t>(red), static_cast<std::uint16_t>(green),
+                               static_cast<std::uint16_t>(blue));
+    }
+};
+
+/// A mean cut to an integer; what is no number (the mean of no pixels) counts as 0.
+std::uint32_t truncated(float mean) { return mean > 0 ? static_cast<std::uint32_t>(mean) : 0; }
+
+/// Gathers sorted centres into groups, where a step of `gap` pixels or more opens the next one, and stores the mean of
+/// each of the first `limit` groups.
+/// @return how many groups were stored
+template <class Center, class Store>
+int groupCenters(int count, int gap, int limit, Center center, Store store) {
+    int group = 0;
+    int members = 1;
+    float previous = center(0);
+    float sum = previous;
+    for (int i = 1; i < count; ++i) {
+        const float value = center(i);
+        if (std::abs(static_cast<int>(value - previous)) < gap) {
+            sum += value;
+            ++members;
+        } else if (group < limit) {
+            store(group++, sum / static_cast<float>(members));
+            sum = value;
+            members = 1;
+        }
+        previous = value;
+    }
+    if (group < limit) store(group++, sum / static_cast<float>(members));
+    return group;
+}
+
+}  // namespace
+
+bool PatchDetector::DetectPatches(CTivImage& image, const ChartRoi& roi, const ChartSize& chart) {
+    if (!image.IsAllocated()) return false;
+    m_blobCount = m_foundRows = m_foundColumns = 0;
+    m_overlay.clear();
+    m_patchGrid.clear();
+    const std::int64_t width = std::int64_t{roi.right} - roi.left;
+    const std::int64_t height = std::int64_t{roi.bottom} - roi.top;
+    if (width < 1 || height < 1 || chart.Width < 1 || chart.Height < 1) return false;
+    if (chart.Width > width || chart.Height > height) return false;
+    m_patchGrid.assign(static_cast<std::size_t>(chart.Height),
+                       std::vector<PatchCell>(static_cast<std::size_t>(chart.Width)));
+    CTivImage gray;
+    if (!TakeGray(image, roi, gray) || !FindGrid(gray, chart)) return false;
+    DrawOverlay(roi);
+    return true;
+}
+
+bool PatchDetector::TakeGray(CTivImage& image, const ChartRoi& roi, CTivImage& gray) const {
+    const int width = roi.right - roi.left;
+    const int height = roi.bottom - roi.top;
+    const CTivRect earlier = image.GetRoi();
+    // The region is looked at first: a ROI outside the image shall not cost memory of its size.
+    if (!image.SetRoi({roi.left, roi.top, width, height})) return false;
+    const bool isRgb = image.GetFormat() == CTivData::FormatRgb;
+    const CTivData::Format format = isRgb ? CTivData::FormatUByte : CTivData::FormatUShort;
+    const bool done = gray.Set(width, height, format, nullptr, false) && gray.ConvertFormat(image, 0);
+    image.SetRoi(earlier);
+    return done;
+}
+
+bool PatchDetector::FindGrid(CTivImage& gray, const ChartSize& chart) {
+    const int cellWidth = gray.GetWidth() / chart.Width;
+    const int cellHeight = gray.GetHeight() / chart.Height;
+    CTivBlob blob(kBlobCapacity, kBlobCapacity);
+    blob.SetMinWidth(cellWidth / 4);
+    blob.SetMinHeight(cellHeight / 4);
+    blob.SetMaxWidth(cellWidth);
+    blob.SetMaxHeight(cellHeight);
+    if (!blob.Execute(gray)) return false;
+    const int count = blob.GetNumBlobs();
+    if (count < 1) return false;
+
+    std::int64_t widths = 0, heights = 0;
+    for (int i = 0; i < count; ++i) {
+        widths += blob.GetBlobWidth(i);
+        heights += blob.GetBlobHeight(i);
+    }
+    m_blobCount = count;
+    m_patchWidth = static_cast<std::int32_t>(widths / (2 * std::int64_t{count}));
+    m_patchHeight = static_cast<std::int32_t>(heights / (2 * std::int64_t{count}));
+
+    blob.SortByFeature(BlobCenterY, kBlobAscending);
+    m_foundRows = groupCenters(
+        count, m_patchHeight, chart.Height, [&](int i) { return blob.GetCenterY(i); },
+        [&](int row, float y) {
+            for (PatchCell& cell : m_patchGrid[static_cast<std::size_t>(row)]) cell.y = y;
+        });
+    blob.SortByFeature(BlobCenterX, kBlobAscending);
+    m_foundColumns = groupCenters(
+        count, m_patchWidth, chart.Width, [&](int i) { return blob.GetCenterX(i); },
+        [&](int column, float x) {
+            for (auto& row : m_patchGrid) row[static_cast<std::size_t>(column)].x = x;
+        });
+    return true;
+}
+
+void PatchDetector::DrawOverlay(const ChartRoi& roi) {
+    for (const auto& row : m_patchGrid) {
+        for (const PatchCell& cell : row) {
+            m_overlay.push_back({static_cast<int>(cell.x) - m_patchWidth / 2 + roi.left,
+                                 static_cast<int>(cell.y) - m_patchHeight / 2 + roi.top, m_patchWidth, m_patchHeight,
+                                 kPenColor});
+        }
+    }
+}
+
+template <class Word>
+PatchColors PatchDetector::Measure(CTivImage& image, const ChartRoi& roi, const ChartSize& chart) {
+    PatchColors result;
+    const std::int64_t count = std::int64_t{std::max(chart.Width, 0)} * std::max(chart.Height, 0);
+    if (count < 1 || count > std::numeric_limits<int>::max()) return result;
+    if (!result.colors.Set(static_cast<int>(count), Word::kFormat, nullptr, true)) return result;
+    result.measured = true;
+
+    CTivBasic basic;
+    float mean[3] = {};
+    float best = 0.0f;
+    image.SetRoi({});
+    const int rows = std::min(chart.Height, static_cast<int>(m_patchGrid.size()));
+    for (int r = 0; r < rows; ++r) {
+        auto& cells = m_patchGrid[static_cast<std::size_t>(r)];
+        const int columns = std::min(chart.Width, static_cast<int>(cells.size()));
+        for (int c = 0; c < columns; ++c) {
+            PatchCell& cell = cells[static_cast<std::size_t>(c)];
+            image.SetRoi({roi.left - m_patchWidth / 2 + static_cast<int>(cell.x),
+                          roi.top - m_patchHeight / 2 + static_cast<int>(cell.y), m_patchWidth, m_patchHeight});
+            result.measured &= basic.Stats(image, mean, nullptr, nullptr, nullptr);
+            std::uint32_t color[3];
+            for (int i = 0; i < 3; ++i) color[i] = truncated(mean[i]) & Word::kFullScale;
+            const int index = chart.Width * r + c;
+            result.colors.SetData(index, Word::Pack(color[0], color[1], color[2]));
+            if (std::find(color, color + 3, Word::kFullScale) != color + 3) cell.saturated = result.saturated = true;
+            const float sum = mean[0] + mean[1] + mean[2];
+            if (sum > best) {
+                best = sum;
+                result.brightest = index;
+            }
+        }
+    }
+    return result;
+}
+
+PatchColors PatchDetector::MeasureAt(PatchDepth depth, CTivImage& image, const ChartRoi& roi, const ChartSize& chart) {
+    const CTivData::Format format = depth == PatchDepth::AsImage ? image.GetFormat() : CTivData::FormatRgb;
+    if (format == CTivData::FormatRgb10) return Measure<Word10>(image, roi, chart);
+    if (format == CTivData::FormatRgb16) return Measure<Word16>(image, roi, chart);
+    return Measure<Word8>(image, roi, chart);
+}
+
+PatchColors PatchDetector::GetRawColors(CTivImage& image, const ChartRoi& roi, const ChartSize& chart,
+                                        PatchDepth depth) {
+    const bool isOriented = (chart.Width == 6 && chart.Height == 4) || (chart.Width == 4 && chart.Height == 6);
+    return isOriented ? GetOrientedRawColors(image, roi, chart, depth) : MeasureAt(depth, image, roi, chart);
+}
+
+PatchColors PatchDetector::GetOrientedRawColors(CTivImage& image, const ChartRoi& roi, const ChartSize& chart,
+                                                PatchDepth depth) {
+    const PatchColors found = MeasureAt(depth, image, roi, chart);
+    PatchColors ordered = found;
+    // Deliberately these three indices for both chart shapes, although 5 is no corner of a 4 x 6 chart.
+    const bool rowsReversed = found.brightest == 0 || found.brightest == 5;
+    const bool columnsReversed = found.brightest == 5 || found.brightest == 23;
+    for (int r = 0; r < chart.Height; ++r) {
+        for (int c = 0; c < chart.Width; ++c) {
+            const int row = rowsReversed ? chart.Height - 1 - r : r;
+            const int column = columnsReversed ? chart.Width - 1 - c : c;
+            ordered.colors.SetData(chart.Width * r + c, found.colors.GetData(chart.Width * row + column));
+        }
+    }
+    return ordered;
+}
+
+void PatchDetector::GetRoiColor(CTivImage& image, const ChartRoi& roi, unsigned char* bgr, CTivData::Point* centre) {
+    image.SetRoi({roi.left, roi.top, roi.right - roi.left + 1, roi.bottom - roi.top + 1});
+    *centre = {roi.left + (roi.right - roi.left) / 2, roi.top + (roi.bottom - roi.top) / 2};
+    CTivBasic basic;
+    float mean[3] = {};
+    basic.Stats(image, mean, nullptr, nullptr, nullptr);
+    for (int i = 0; i < 3; ++i) bgr[i] = static_cast<unsigned char>(truncated(mean[2 - i]) & 0xFF);
+}

@@ -1,0 +1,190 @@
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <set>
+
+#include "cli/arguments.h"
+#include "cli/command.h"
+#include "cli/engine.h"
+#include "cli/files.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct ApplyOptions {
+    std::vector<std::string> inputs;
+    std::string parameters;
+    std::string coefficients;
+    std::optional<float> gamma;
+    std::string output;
+    std::optional<std::string> extension;  ///< with its dot; none: .bmp for a folder, the name's own for a file
+};
+
+struct Job {
+    std::string input;
+    std::string output;
+    std::string problem;  ///< why it must not be done, empty if nothing speaks against it
+};
+
+std::optional<std::string> parseType(const std::string& type) {
+    for (const char* known : {"bmp", "tif", "zvk"}) {
+        if (type == known) return "." + type;
+    }
+    return std::nullopt;
+}
+
+bool isFolder(const ApplyOptions& options) {
+    std::error_code error;
+    return options.inputs.size() > 1 || options.output.ends_with('/') || fs::is_directory(options.output, error);
+}
+
+/// @throw UsageFailure for a file name of no kind that images are corrected into
+void checkOutput(const ApplyOptions& options) {
+    std::error_code error;
+    const int fileFormat = FindFileFormat(options.output);
+    if (isFolder(options)) {
+        if (fileFormat >= 0 && !options.output.ends_with('/') && !fs::is_directory(options.output, error)) {
+            throw UsageFailure("--output: several images go into a folder, not into " + options.output);
+        }
+        return;
+    }
+    if (!IsCorrectedFormat(fileFormat)) {
+        throw UsageFailure("--output: '" + options.output + "' is no folder and does not end in .bmp, .tif or .zvk");
+    }
+    if (options.extension && FindFileFormat(*options.extension) != fileFormat) {
+        throw UsageFailure("--type " + options.extension->substr(1) + " does not fit --output " + options.output);
+    }
+}
+
+/// Where each image goes. In a folder no input is written over, and no two images take the same name.
+std::vector<Job> planJobs(const ApplyOptions& options) {
+    if (!isFolder(options)) return {{options.inputs.front(), options.output, {}}};
+    std::error_code error;
+    std::set<fs::path> inputs, outputs;
+    for (const std::string& input : options.inputs) inputs.insert(fs::weakly_canonical(input, error));
+    std::vector<Job> jobs;
+    for (const std::string& input : options.inputs) {
+        const std::string name = fs::path(input).stem().native() + options.extension.value_or(".bmp");
+        Job job{input, (fs::path(options.output) / name).native(), {}};
+        const fs::path place = fs::weakly_canonical(job.output, error);
+        if (inputs.contains(place)) {
+            job.problem = job.output + " is one of the images to correct";
+        } else if (!outputs.insert(place).second) {
+            job.problem = job.output + " is the name of another image's output already";
+        }
+        jobs.push_back(std::move(job));
+    }
+    return jobs;
+}
+
+void correct(CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job) {
+    if (!job.problem.empty()) throw WorkFailure(job.problem);
+    CTivImage image = LoadImage(job.input);
+    const bool isDeep = image.GetFormat() == CTivData::FormatRgb10 || image.GetFormat() == CTivData::FormatRgb16;
+    if (isDeep && !options.coefficients.empty()) {
+        throw WorkFailure(job.input +
+                          ": a coefficient file does not say which depth it was made for, so it serves "
+                          "FormatRgb images only; use the parameter file");
+    }
+    CTivImage corrected;
+    Require([&] { return engine.Execute(image, corrected); }, job.input, "the correction failed");
+    SaveImage(corrected, job.output, FindFileFormat(job.output));
+}
+
+/// How far the work is, on one line of a terminal that the next one writes over.
+class Progress {
+public:
+    explicit Progress(std::size_t count) : count_(count), isShown_(count > 1 && ::isatty(STDERR_FILENO)) {}
+    void Show(std::size_t done, const std::string& name) const {
+        if (isShown_) std::cerr << "\r\033[K" << done << " of " << count_ << "  " << name << std::flush;
+    }
+    void Clear() const {
+        if (isShown_) std::cerr << "\r\033[K" << std::flush;
+    }
+
+private:
+    std::size_t count_;
+    bool isShown_;
+};
+
+std::string tryToCorrect(CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job) {
+    try {
+        correct(engine, options, job);
+        return {};
+    } catch (const std::bad_alloc&) {
+        return job.input + ": not enough memory";
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+Outcome applyTo(const ApplyOptions& options) {
+    checkOutput(options);
+    CTivTonewrightDC engine;
+    if (options.coefficients.empty()) {
+        LoadParameters(engine, options.parameters);
+    } else {
+        if (options.gamma) engine.SetGamma(*options.gamma);
+        LoadCoefficients(engine, options.coefficients);
+    }
+    if (isFolder(options)) {
+        std::error_code error;
+        fs::create_directories(options.output, error);
+        if (!fs::is_directory(options.output, error)) throw WorkFailure(options.output + ": cannot make the folder");
+    }
+    Outcome outcome{Json::array()};
+    const std::vector<Job> jobs = planJobs(options);
+    const Progress progress(jobs.size());
+    for (const Job& job : jobs) {
+        progress.Show(outcome.document.size(), job.input);
+        const std::string problem = tryToCorrect(engine, options, job);
+        const bool isDone = problem.empty();
+        if (!isDone) {
+            progress.Clear();
+            Tell(problem);
+            outcome.status = kWorkFailed;
+        }
+        outcome.document.push_back(
+            {{"input", job.input}, {"output", job.output}, {"ok", isDone}, {"error", isDone ? Json() : Json(problem)}});
+    }
+    progress.Clear();
+    return outcome;
+}
+
+void check(const ApplyOptions& options) {
+    if (options.parameters.empty() == options.coefficients.empty()) {
+        throw UsageFailure("--parameters or --coefficients is needed, one of them");
+    }
+    if (options.gamma && options.coefficients.empty()) {
+        throw UsageFailure("--gamma is for --coefficients; a parameter file has its own");
+    }
+}
+
+}  // namespace
+
+void AddApplyCommand(CLI::App& tool, Work& work) {
+    CLI::App* command = AddCommand(tool, "apply", "Corrects images with a calibration.");
+    const auto options = std::make_shared<ApplyOptions>();
+    command->add_option("INPUT", options->inputs, "The images to correct")->required();
+    command->add_option("--parameters", options->parameters, "The calibration, for images of any depth")
+        ->type_name("FILE.twkp");
+    command->add_option("--coefficients", options->coefficients, "A transform of 7 or 10 terms, for 8-bit images")
+        ->type_name("FILE.ccor");
+    AddParsed(*command, "--gamma", options->gamma, ParseGamma, "a decimal above 0",
+              "Gamma of the output with --coefficients (default: 0.45)")
+        ->type_name("G");
+    command->add_option("--output", options->output, "The file to write (.bmp, .tif, .zvk), or a folder")
+        ->required()
+        ->type_name("FILE|FOLDER");
+    AddParsed(*command, "--type", options->extension, parseType, "bmp, tif or zvk",
+              "What kind of files goes into a folder (default: bmp)")
+        ->type_name("bmp|tif|zvk");
+    command->callback([options, &work] {
+        check(*options);
+        work = [options] { return applyTo(*options); };
+    });
+}

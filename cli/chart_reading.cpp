@@ -1,0 +1,110 @@
+#include "cli/chart_reading.h"
+
+#include <CLI/CLI.hpp>
+
+#include "cli/arguments.h"
+#include "cli/files.h"
+#include "cli/json_values.h"
+
+namespace {
+
+ChartRoi defaultRoi(const CTivImage& image) {
+    const int marginX = image.GetWidth() / 50;
+    const int marginY = image.GetHeight() / 50;
+    return {marginX, marginY, image.GetWidth() - marginX, image.GetHeight() - marginY};
+}
+
+std::string toText(const ChartRoi& roi) {
+    return std::to_string(roi.left) + "," + std::to_string(roi.top) + "," + std::to_string(roi.right) + "," +
+           std::to_string(roi.bottom);
+}
+
+/// Takes an image's region over, as the detection will. @throw WorkFailure for an empty one and one outside the image
+void requireRoi(CTivImage& image, const std::string& path, const ChartRoi& roi) {
+    const std::int64_t width = std::int64_t{roi.right} - roi.left;
+    const std::int64_t height = std::int64_t{roi.bottom} - roi.top;
+    if (width < 1 || height < 1) throw WorkFailure(path + ": the ROI " + toText(roi) + " is empty");
+    const bool isInside =
+        roi.left >= 0 && roi.top >= 0 && roi.right <= image.GetWidth() && roi.bottom <= image.GetHeight();
+    if (isInside) return;
+    throw WorkFailure("CTivImage::SetRoi => ROI rectangle out of range\n" + path + ": the ROI " + toText(roi) +
+                      " leaves the image of " + std::to_string(image.GetWidth()) + " x " +
+                      std::to_string(image.GetHeight()) + " pixels");
+}
+
+const char* orientationName(const ChartSize& chart, int brightest) {
+    const bool isOriented = (chart.Width == 6 && chart.Height == 4) || (chart.Width == 4 && chart.Height == 6);
+    if (!isOriented) return "none";
+    switch (brightest) {
+        case 0:
+            return "rows reversed";
+        case 5:
+            return "turned";
+        case 23:
+            return "columns reversed";
+        default:
+            return "normal";
+    }
+}
+
+}  // namespace
+
+void AddChartOptions(CLI::App& command, ChartOptions& options) {
+    command.add_option("IMAGE", options.image, "The picture of the chart")->required();
+    AddParsed(command, "--roi", options.roi, ParseRoi, "four integers L,T,R,B",
+              "Left, top, right, bottom of the chart in pixels, right and bottom exclusive (default: the image less a "
+              "fiftieth at each side)")
+        ->type_name("L,T,R,B");
+    AddParsed(command, "--chart", options.chart, ParseChartSize, "columns x rows, each at least 1",
+              "Patch columns and rows of the chart (default: 6x4)")
+        ->type_name("WxH");
+}
+
+ChartReading ReadChart(const std::string& path, const std::optional<ChartRoi>& roi, const ChartSize& chart) {
+    return ReadChart(LoadImage(path), path, roi, chart);
+}
+
+ChartReading ReadChart(CTivImage image, const std::string& path, const std::optional<ChartRoi>& roi,
+                       const ChartSize& chart) {
+    ChartReading reading;
+    reading.image = std::move(image);
+    reading.roi = roi.value_or(defaultRoi(reading.image));
+    requireRoi(reading.image, path, reading.roi);
+    Require([&] { return reading.detector.DetectPatches(reading.image, reading.roi, chart); }, path,
+            "no patch of a chart found");
+    Require(
+        [&] {
+            reading.colors = reading.detector.GetRawColors(reading.image, reading.roi, chart, PatchDepth::AsImage);
+            return reading.colors.measured;
+        },
+        path, "cannot measure the colors");
+    if (reading.colors.saturated) Tell(std::string(kSaturatedTitle) + ": " + path + ": " + kSaturatedText);
+    reading.image.SetRoi({});
+    return reading;
+}
+
+Json DescribeReading(const ChartOptions& options, const ChartReading& reading) {
+    const PatchDetector& detector = reading.detector;
+    Json rows = Json::array(), columns = Json::array(), colors = Json::array();
+    for (const auto& row : detector.GetGrid()) rows.push_back(ToNumber(row.front().y));
+    for (const PatchCell& cell : detector.GetGrid().front()) columns.push_back(ToNumber(cell.x));
+    for (int i = 0; i < reading.colors.colors.GetSize(); ++i)
+        colors.push_back(ToJson(reading.colors.colors.GetData(i)));
+
+    const ChartRoi& roi = reading.roi;
+    const ChartSize& chart = options.chart;
+    return {{"image", options.image},
+            {"width", reading.image.GetWidth()},
+            {"height", reading.image.GetHeight()},
+            {"format", CTivData::GetFormatName(reading.image.GetFormat())},
+            {"roi", {roi.left, roi.top, roi.right, roi.bottom}},
+            {"chart", {chart.Width, chart.Height}},
+            {"blobs", detector.GetBlobCount()},
+            {"patch", {detector.GetPatchWidth(), detector.GetPatchHeight()}},
+            {"rows", rows},
+            {"columns", columns},
+            {"complete", detector.GetFoundRows() == chart.Height && detector.GetFoundColumns() == chart.Width},
+            {"colors", colors},
+            {"orientation", orientationName(chart, reading.colors.brightest)},
+            {"saturated", reading.colors.saturated}};
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "calibration/CTivTonewrightDC.h"
+#include "cli/command.h"
+
+/// Calibrates, and makes the operator work at its raw colors' depth. By itself it takes their format over in automatic
+/// saturation mode only, and then corrects no deep image in the other modes; so those run once more, automatically.
+bool Calibrate(CTivTonewrightDC& engine);
+
+/// The saturation in force for the raw colors' format.
+CTivData GetSaturation(const CTivTonewrightDC& engine);
+
+/// Loads a parameter file, which reruns its calibration. @throw WorkFailure
+void LoadParameters(CTivTonewrightDC& engine, const std::string& path);
+
+/// Loads the transform of a coefficient file for FormatRgb images.
+/// @throw WorkFailure also for a transform of 4 terms, which the file's color twist would have to come with
+void LoadCoefficients(CTivTonewrightDC& engine, const std::string& path);
+
+/// Three rows of numbers.
+Json TransformRows(const CTivVector& transform, int terms);
+
+/// @return nothing for what is not a decimal above 0
+std::optional<float> ParseGamma(std::string_view text);
+
+/// Whether corrected images are written in this file format: .bmp, .tif and .zvk files.
+bool IsCorrectedFormat(int fileFormat);

@@ -1,0 +1,99 @@
+#include "cli/files.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstring>
+#include <fstream>
+#include <string_view>
+
+#include "cli/command.h"
+#include "cli/whole_files.h"
+#include "imagefile/CTivImageFileFormat.h"
+
+namespace {
+
+struct Signature {
+    FileKind kind;
+    std::string_view bytes;
+    bool isName;  ///< a zero-filled name of 32 bytes, of which what lies behind the first zero doesn't count
+};
+
+constexpr std::size_t kNameBytes = 32;
+constexpr Signature kSignatures[] = {
+    {FileKind::Crc, "CRC\x1a", false},
+    {FileKind::Png, "\x89PNG\r\n\x1a\n", false},
+    {FileKind::Bmp, "BM", false},
+    {FileKind::Tiff, "II", false},
+    {FileKind::Tiff, "MM", false},
+    {FileKind::NativeImage, "CTivImage", true},
+    {FileKind::NativeVector, "CTivVector", true},
+    {FileKind::Parameters, "CTivTonewrightDC", true},
+    {FileKind::Coefficients, "CTivTonewrightDC_XForm", true},
+};
+
+constexpr const char* kKindNames[] = {
+    "unknown", "bmp", "tiff", "png", "crc", "native image", "native vector", "parameters", "coefficients",
+};
+
+constexpr std::pair<const char*, int> kExtensions[] = {
+    {".zvk", ImageFileNative}, {".tif", ImageFileTiff}, {".bmp", ImageFileBmp}, {".crc", ImageFileCrc}};
+
+/// Exchanges the two bytes of every word of an image of 16-bit words.
+void swapBytes(CTivImage& image) {
+    auto* words = static_cast<std::uint16_t*>(image.GetData());
+    const auto bytes = CTivImage::GetImageBytes(image.GetWidth(), image.GetHeight(), image.GetFormat());
+    std::transform(words, words + bytes / 2, words,
+                   [](std::uint16_t word) { return static_cast<std::uint16_t>(word << 8 | word >> 8); });
+}
+
+}  // namespace
+
+const char* GetKindName(FileKind kind) { return kKindNames[static_cast<int>(kind)]; }
+
+FileKind FindKind(const std::string& path) {
+    std::array<char, kNameBytes + 1> head{};
+    std::ifstream file(path, std::ios::binary);
+    file.read(head.data(), kNameBytes);
+    const std::string_view bytes(head.data(), static_cast<std::size_t>(file.gcount()));
+    for (const Signature& signature : kSignatures) {
+        const bool matches = signature.isName ? signature.bytes == head.data() : bytes.starts_with(signature.bytes);
+        if (matches) return signature.kind;
+    }
+    return FileKind::Unknown;
+}
+
+CTivImage LoadImage(const std::string& path) {
+    const FileKind kind = FindKind(path);
+    if (kind == FileKind::NativeImage) RequireWholeImage(path);
+    CTivImage image;
+    Require([&] { return image.Load(path, true); }, path, "cannot read the image");
+    const bool isDeep = image.GetFormat() == CTivData::FormatUShort || image.GetFormat() == CTivData::FormatRgb16;
+    if (kind == FileKind::Png && isDeep) swapBytes(image);
+    image.SetRoi({});
+    return image;
+}
+
+int FindFileFormat(const std::string& path) {
+    const std::size_t dot = path.find_last_of("./");
+    if (dot == std::string::npos) return -1;
+    std::string extension = path.substr(dot);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    for (const auto& [known, format] : kExtensions) {
+        if (extension == known) return format;
+    }
+    return -1;
+}
+
+void SaveImage(const CTivImage& image, const std::string& path, int fileFormat) {
+    Require([&] { return image.Save(path, fileFormat); }, path, "cannot write the image");
+}
+
+void ForgetLibraryText() { CTivManager::ReportError("%s", ""); }
+
+void FailWithLibraryText(const std::string& subject, const std::string& otherwise) {
+    std::string text = CTivManager::GetLastErrorString();
+    if (text.empty()) text = otherwise;
+    throw WorkFailure(text.find(subject) == std::string::npos ? subject + ": " + text : text);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+#include "foundation/CTivImage.h"
+
+/// What a file is, by its first bytes.
+enum class FileKind { Unknown, Bmp, Tiff, Png, Crc, NativeImage, NativeVector, Parameters, Coefficients };
+
+/// @return the kind's name in the documents of `info`, "unknown" for Unknown
+const char* GetKindName(FileKind kind);
+
+/// @return Unknown also for a file that cannot be read
+FileKind FindKind(const std::string& path);
+
+/// Loads an image of any kind, whole: a smaller region in a native file is widened, and the words of a 16-bit PNG,
+/// which the library leaves in the file's order, are put into the machine's.
+/// @throw WorkFailure with the library's message, and for a native record that is shorter than its head says
+CTivImage LoadImage(const std::string& path);
+
+/// @return the file format number for CTivImage::Save by the name's extension (.bmp, .tif, .zvk, .crc, in any case),
+///         -1 for another one
+int FindFileFormat(const std::string& path);
+
+/// Saves an image. @throw WorkFailure with the library's message
+void SaveImage(const CTivImage& image, const std::string& path, int fileFormat);
+
+/// Runs a call of the library that answers bool.
+/// @param subject the file or option that the call is about
+/// @throw WorkFailure where it answers false, with the subject and the text that the library reported, or `otherwise`
+///        if it reported none
+template <class Call>
+void Require(Call&& call, const std::string& subject, const std::string& otherwise);
+
+void ForgetLibraryText();
+[[noreturn]] void FailWithLibraryText(const std::string& subject, const std::string& otherwise);
+
+template <class Call>
+void Require(Call&& call, const std::string& subject, const std::string& otherwise) {
+    ForgetLibraryText();
+    if (!call()) FailWithLibraryText(subject, otherwise);
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "cli/command.h"
+#include "foundation/CTivVector.h"
+
+/// The number with the fewest digits that reads back as the same float; null for what is no number.
+Json ToNumber(float value);
+
+/// The numbers of a value: [first, second, third] of a color of any depth (red, green, blue or X, Y, Z), pairs of
+/// points, single numbers; null for a format without numbers and for what is no number.
+Json ToJson(const CTivData& value);
+
+/// {"format", "size", "values"} of a vector.
+Json ToJson(const CTivVector& vector);
+
+/// A format's name, null for FormatNone.
+Json FormatName(CTivData::Format format);

@@ -1,0 +1,64 @@
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include "cli/command.h"
+#include "foundation/CTivManager.h"
+
+namespace {
+
+// A line a file of commands, in the order of the help.
+constexpr void (*kCommands[])(CLI::App&, Work&) = {
+    AddDetectCommand, AddCalibrateCommand, AddApplyCommand, AddInfoCommand, AddConvertCommand,
+};
+
+int fail(int status, const std::string& text) {
+    Tell(text);
+    return status;
+}
+
+/// Runs the work and prints its document. The last fence: whatever a file makes the library throw ends here.
+int run(const Work& work) {
+    try {
+        const Outcome outcome = work();
+        // File names may hold bytes that are no UTF-8; they must not stop the printing.
+        std::cout << outcome.document.dump(2, ' ', false, Json::error_handler_t::replace) << std::endl;
+        if (!std::cout) return fail(kWorkFailed, "cannot write to standard output");
+        return outcome.status;
+    } catch (const UsageFailure& failure) {
+        return fail(kWrongUsage, failure.what());
+    } catch (const std::bad_alloc&) {
+        return fail(kWorkFailed, "not enough memory");
+    } catch (const std::exception& failure) {
+        return fail(kWorkFailed, failure.what());
+    } catch (const char* text) {  // the fit throws plain text
+        return fail(kWorkFailed, text);
+    } catch (...) {
+        return fail(kWorkFailed, "unknown error");
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CTivManager::Initialize();
+    CTivManager::SetErrorMode(ErrorModeNone);
+
+    CLI::App tool("Calibrates the colors of cameras from pictures of a color chart.", "tonewright");
+    tool.set_version_flag("--version", "tonewright " TONEWRIGHT_VERSION);
+    tool.require_subcommand(1);
+    Work work;
+    for (const auto add : kCommands) add(tool, work);
+    try {
+        tool.parse(argc, argv);
+    } catch (const CLI::Success& success) {  // help and version
+        return tool.exit(success);
+    } catch (const CLI::ParseError& error) {
+        return fail(kWrongUsage, std::string(error.what()) + "\nRun with --help for more information.");
+    } catch (const UsageFailure& failure) {
+        return fail(kWrongUsage, failure.what());
+    }
+    return run(work);
+}

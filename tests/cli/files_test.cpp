@@ -1,0 +1,177 @@
+#include <png.h>
+
+#include "tests/cli/tool_test.h"
+#include "tests/support/drawn_chart.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr int kZvk = 0, kTiff = 4, kBmp = 5, kCrc = 6;
+
+class Files : public ToolTest {
+protected:
+    /// Writes a picture as a PNG of 16 bits a channel.
+    std::string WritePng16(const std::string& name, const CTivImage& image) const {
+        std::vector<std::uint16_t> samples;
+        for (int y = 0; y < image.GetHeight(); ++y) {
+            for (int x = 0; x < image.GetWidth(); ++x) {
+                const std::uint64_t word = image.GetData(x, y).AsRgb16();
+                for (const int shift : {32, 16, 0}) samples.push_back(static_cast<std::uint16_t>(word >> shift));
+            }
+        }
+        png_image png{};
+        png.version = PNG_IMAGE_VERSION;
+        png.width = static_cast<png_uint_32>(image.GetWidth());
+        png.height = static_cast<png_uint_32>(image.GetHeight());
+        png.format = PNG_FORMAT_LINEAR_RGB;
+        EXPECT_TRUE(png_image_write_to_file(&png, Path(name).c_str(), 0, samples.data(), 0, nullptr)) << png.message;
+        return Path(name);
+    }
+
+    static json InfoOf(const std::string& path) { return RunTool({"info", path}).Document().at(0); }
+};
+
+TEST_F(Files, InfoTellsTheKindsOfImagesByTheirContent) {
+    CTivImage image(8, 4, CTivData::FormatUShort, nullptr, true);
+    ASSERT_TRUE(image.SetRoi({1, 1, 3, 2}));
+    const struct {
+        std::string path;
+        const char* kind;
+        json size, roi;
+        const char* format;
+    } cases[] = {
+        // BMP and TIFF hold the region alone, the others the image with its region.
+        {WriteImage("a.bmp", image, kBmp), "bmp", {3, 2}, {0, 0, 3, 2}, "FormatUByte"},
+        {WriteImage("a.tif", image, kTiff), "tiff", {3, 2}, {0, 0, 3, 2}, "FormatUShort"},
+        {WriteImage("a.zvk", image, kZvk), "native image", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
+        {WriteImage("a.crc", image, kCrc), "crc", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
+        {TONEWRIGHT_TEST_DATA "/charts/shelf.png", "png", {400, 300}, {0, 0, 400, 300}, "FormatRgb"},
+    };
+    for (const auto& [path, kind, size, roi, format] : cases) {
+        const json info = InfoOf(path);
+        EXPECT_EQ(info["file"], path);
+        EXPECT_EQ(info["kind"], kind) << path;
+        EXPECT_EQ((json{info["width"], info["height"]}), size) << path;
+        EXPECT_EQ(info["roi"], roi) << path;
+        EXPECT_EQ(info["format"], format) << path;
+        EXPECT_TRUE(info["metadata"].is_object()) << path;
+    }
+    const json metadata = InfoOf(Path("a.crc"))["metadata"];
+    EXPECT_EQ(metadata["scaleX"], 1.0);
+    EXPECT_FALSE(metadata.contains("invalidZ"));
+    EXPECT_EQ(metadata["unitName"], "");
+}
+
+TEST_F(Files, InfoTellsWhatCalibrationFilesHold) {
+    DrawnChart chart;
+    const std::string picture = WriteImage("chart.bmp", chart.Draw(), kBmp);
+    ASSERT_EQ(RunTool({"calibrate", picture, "--illuminant", "F2", "--terms", "7", "--gamma", "0.5", "--saturation",
+                       "250,251,252", "--parameters", Path("p.twkp"), "--coefficients", Path("c.ccor")})
+                  .status,
+              0);
+    const json parameters = InfoOf(Path("p.twkp"));
+    EXPECT_EQ(parameters["kind"], "parameters");
+    EXPECT_EQ(parameters["version"], 7600);
+    EXPECT_EQ(parameters["mode"], 0);
+    EXPECT_EQ(parameters["saturationMode"], 1);
+    EXPECT_EQ(parameters["illuminant"], 6);
+    EXPECT_EQ(parameters["terms"], 7);
+    EXPECT_EQ(parameters["gamma"], 0.5);
+    EXPECT_EQ(parameters["saturationRgb"], (json{250, 251, 252}));
+    EXPECT_EQ(parameters["saturationRgb16"], (json{0, 0, 0}));
+    EXPECT_EQ(parameters["rawColors"]["size"], 24);
+    EXPECT_EQ(parameters["rawColors"]["format"], "FormatRgb");
+    EXPECT_EQ(parameters["rawColors"]["values"][18], (json{240, 241, 242}));
+    EXPECT_EQ(parameters["referenceColors"]["size"], 0);
+
+    const json coefficients = InfoOf(Path("c.ccor"));
+    EXPECT_EQ(coefficients["kind"], "coefficients");
+    EXPECT_EQ(coefficients["version"], 7300);
+    EXPECT_EQ(coefficients["terms"], 7);
+    ASSERT_EQ(coefficients["transform"].size(), 3u);
+    EXPECT_EQ(coefficients["transform"][2].size(), 7u);
+    EXPECT_EQ(coefficients["saturation"], nullptr);
+
+    // An old parameter file lacks the saturation of deep images, and a file with saturation has it behind the record.
+    std::string old = WithU32(ReadBytes(Path("p.twkp")), 32, 6100);
+    old.erase(76, 12);
+    const json oldParameters = InfoOf(Write("old.twkp", old));
+    EXPECT_EQ(oldParameters["saturationRgb10"], nullptr);
+    EXPECT_EQ(oldParameters["saturationRgb16"], nullptr);
+    EXPECT_EQ(oldParameters["rawColors"]["size"], 24);
+    std::string saturated = WithU32(ReadBytes(Path("c.ccor")), 32, 7301);
+    saturated += std::string("\0\0\x80\x3f\0\0\0\x3f\0\0\0\0", 12);
+    EXPECT_EQ(InfoOf(Write("s.ccor", saturated))["saturation"], (json{1.0, 0.5, 0.0}));
+}
+
+TEST_F(Files, InfoReadsNativeVectors) {
+    std::string bytes(32, '\0');
+    bytes.replace(0, 10, "CTivVector");
+    for (const std::uint32_t field : {100u, 3u, 7u}) bytes += WithU32("    ", 0, field);
+    const json info = InfoOf(Write("v.zvk", bytes + std::string("\x01\0\xff\xff\0\x80", 6)));
+    EXPECT_EQ(info["kind"], "native vector");
+    EXPECT_EQ(info["format"], "FormatShort");
+    EXPECT_EQ(info["size"], 3);
+    EXPECT_EQ(info["values"], (json{1, -1, -32768}));
+}
+
+TEST_F(Files, InfoGoesOnBehindAFileThatFails) {
+    const std::string text = Write("text", "no such kind");
+    const ToolRun run = RunTool({"info", text, Path("missing"), kSample});
+    EXPECT_EQ(run.status, 1);
+    const json document = run.Document();
+    ASSERT_EQ(document.size(), 3u);
+    EXPECT_TRUE(document[0].contains("error") && document[1].contains("error"));
+    EXPECT_EQ(document[2]["width"], 922);
+}
+
+TEST_F(Files, ConvertSavesByExtensionAndChangesTheFormat) {
+    DrawnChart chart;
+    CTivImage image = chart.Draw();
+    ASSERT_TRUE(image.SetRoi({10, 10, 20, 20}));  // is widened: every image is taken whole
+    const std::string source = WriteImage("chart.zvk", image, kZvk);
+    const struct {
+        std::vector<std::string> arguments;
+        const char* kind;
+        const char* format;
+    } cases[] = {
+        {{Path("a.BMP")}, "bmp", "FormatRgb"},
+        {{Path("a.tif"), "--format", "FormatRgb16", "--mode", "2"}, "tiff", "FormatRgb16"},
+        {{Path("a.bmp"), "--format", "FormatRgb10"}, "bmp", "FormatRgb10"},
+        {{Path("a.zvk"), "--format", "FormatUByte"}, "native image", "FormatUByte"},
+        {{Path("a.crc"), "--format", "FormatUByte"}, "crc", "FormatUByte"},
+    };
+    for (const auto& [arguments, kind, format] : cases) {
+        std::vector<std::string> line = {"convert", source};
+        line.insert(line.end(), arguments.begin(), arguments.end());
+        const ToolRun run = RunTool(line);
+        ASSERT_EQ(run.status, 0) << run.err;
+        const json info = InfoOf(arguments[0]);
+        EXPECT_EQ(info["kind"], kind) << arguments[0];
+        EXPECT_EQ(info["format"], format) << arguments[0];
+        EXPECT_EQ(info["width"], chart.Width()) << arguments[0];
+    }
+    CTivImage deep;
+    ASSERT_TRUE(deep.Load(Path("a.tif"), true));
+    EXPECT_EQ(deep.GetData(chart.Left(0), chart.Top(3)).AsRgb16(), 240ull << 40 | 241ull << 24 | 242ull << 8);
+
+    const ToolRun refused = RunTool({"convert", source, Path("b.zvk"), "--format", "FormatDouble"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.err, HasSubstr("Destination image format not supported for the specified conversion"));
+    EXPECT_FALSE(std::filesystem::exists(Path("b.zvk")));
+}
+
+TEST_F(Files, TheWordsOfADeepPngAreReadInTheirOrder) {
+    const CTivImage chart = DrawnChart().Draw(CTivData::FormatRgb16, 8);
+    const std::string path = WritePng16("deep.png", chart);
+    const ToolRun run = RunTool({"detect", path});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.Document()["format"], "FormatRgb16");
+    EXPECT_EQ(run.Document()["colors"][18], (json{240 << 8, 241 << 8, 242 << 8}));
+    EXPECT_EQ(run.Document()["saturated"], false);
+}
+
+}  // namespace
