@@ -21,6 +21,7 @@ public:
 
     void SetViewer(CAutoROIImageViewer* viewer, int identifier);
     void SetEnabled(bool enabled);  ///< undims or dims both lists and rules the buttons
+    bool IsEnabledForPicking() const { return enabled_; }
     void SetMode(bool relative);
     CTivVector GetRawColors() const { return lists_.raw.GetColors(); }
     CTivVector GetReferenceColors() const { return lists_.reference.GetColors(); }

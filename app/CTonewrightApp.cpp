@@ -1,0 +1,62 @@
+#include "app/CTonewrightApp.h"
+
+#include <QScreen>
+#include <clocale>
+#include <cstdio>
+
+#include "app/AcquisitionDialogs.h"
+#include "app/CMainFrame.h"
+#include "app/HelpFile.h"
+#include "app/StringTable.h"
+#include "app/toolkit/Prompts.h"
+#include "app/toolkit/Theme.h"
+#include "foundation/CTivManager.h"
+#include "foundation/nur_report.h"
+
+CTonewrightApp::CTonewrightApp(int& argc, char** argv) : QApplication(argc, argv) {
+    // Numbers in files have a decimal point, whatever the user's language writes.
+    std::setlocale(LC_NUMERIC, "C");
+    setOrganizationName("Brennick Korva");
+    setApplicationName(LoadStudioString(string_id::kApplicationName));
+}
+
+CTonewrightApp::~CTonewrightApp() = default;
+
+// The toolkit's own parts (controls, drag and drop, keyboard, tool tips) are up when the application object is.
+bool CTonewrightApp::InitInstance() {
+    theme::Apply(*this);
+    SetHelpRoot(qEnvironmentVariable("ZELVANDIR"));
+    CTivManager::Initialize();
+    CTivManager::SetErrorMode(ErrorModeNone);  // all words of the library go to the log, none shows by itself
+    nur_set_message_box([](const std::string& title, const std::string& text) {
+        GetPrompts().ShowError(QString::fromStdString(title), QString::fromStdString(text));
+    });
+    InstallAcquisitionDialogs();
+
+    m_mainFrame = std::make_unique<CMainFrame>();
+    if (!m_mainFrame->OnCreate()) return false;
+    const QRect free = m_mainFrame->screen()->availableGeometry();
+    m_mainFrame->move(free.center() - QRect(QPoint(0, 0), m_mainFrame->size()).center());
+    m_mainFrame->show();
+    return true;
+}
+
+int CTonewrightApp::ExitInstance(int code) {
+    m_mainFrame.reset();
+    nur_set_message_box({});
+    CTivManager::Shutdown();
+    return code;
+}
+
+bool CTonewrightApp::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (...) {
+        if (!m_mainFrame) {
+            std::fputs("Tonewright: an exception came before there was a window to tell it.\n", stderr);
+            return false;
+        }
+        m_mainFrame->LogException();
+        return false;
+    }
+}

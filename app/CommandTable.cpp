@@ -1,0 +1,203 @@
+#include "app/CommandTable.h"
+
+#include <type_traits>
+
+#include "app/CMainFrame.h"
+
+namespace {
+
+using State = const StudioState&;
+
+bool always(State) { return true; }
+bool never(State) { return false; }
+
+bool selectedHasImage(State s) {
+    return (s.rawSelected && s.rawHasImage) || (s.refSelected && s.refHasImage) || (s.calibSelected && s.calibHasImage);
+}
+bool calibHasImage(State s) { return s.calibHasImage; }
+bool canSnap(State s) { return s.deviceKind != DeviceKindNone && s.deviceKind != DeviceKindFileOnly; }
+bool canBackup(State s) { return s.deviceKind == DeviceKindCameraLink; }
+bool canPreview(State s) { return s.rawHasImage || (s.calibrationMode == 1 && s.refHasImage); }
+bool canUpload(State s) {
+    return s.deviceKind != DeviceKindNone && s.deviceKind != DeviceKindOther &&
+           (s.deviceKind == DeviceKindFrameGrabber || s.hasCoefficientFile);
+}
+bool canEditColors(State s) {
+    return s.rawColorListEnabled && (s.rawSelected || (s.calibrationMode == 1 && s.refSelected));
+}
+
+bool isAbsolute(State s) { return s.calibrationMode == 0; }
+bool isRelative(State s) { return s.calibrationMode == 1; }
+template <int Mode>
+bool saturationIs(State s) {
+    return s.saturationMode == Mode;
+}
+template <int Illuminant>
+bool illuminantIs(State s) {
+    return s.illuminant == Illuminant;
+}
+template <bool StudioState::*Flag>
+bool flag(State s) {
+    return s.*Flag;
+}
+bool automaticColors(State s) { return !s.manualColors; }
+
+// Calls a member function of the frame, with the command's number if it takes one.
+template <auto Member>
+void call(CMainFrame& frame, int id) {
+    if constexpr (std::is_invocable_v<decltype(Member), CMainFrame&, int>) {
+        (frame.*Member)(id);
+    } else {
+        (frame.*Member)();
+    }
+}
+
+constexpr CommandRow::Rule kUnchecked = nullptr;
+constexpr auto kNothing = nullptr;
+using F = CMainFrame;
+using S = StudioState;
+
+// The keys are the ones that work. The labels of the file menu name others, deliberately.
+constexpr CommandRow kCommands[] = {
+    {ID_BTN_ACQ_LOAD_IMAGE, "Load Image", "load-image", "Ctrl+O", always, kUnchecked, call<&F::OnLoadImage>,
+     "Load an image from a file.\n Load Image"},
+    {ID_BTN_ACQ_LOAD_RAW_IMAGE, "Load Raw", "load-raw", "", always, kUnchecked, call<&F::OnLoadRawImage>,
+     "Load an image in the raw image window.\nLoad Raw Image"},
+    {ID_BTN_ACQ_LOAD_REF_IMAGE, "Load Reference", "load-reference", "", always, kUnchecked,
+     call<&F::OnLoadReferenceImage>, "Load an image in the reference image window.\nLoad Reference Image"},
+    {ID_BTN_ACQ_SAVE_IMAGE_AS, "Save Image", "save-image", "", calibHasImage, kUnchecked, call<&F::OnSaveImage>,
+     "Save the calibrated image as a new file.\n Save Image"},
+    {ID_BTN_REFRESH_CAMERAS, "Configure", "configure", "", always, kUnchecked, call<&F::OnConfigure>,
+     "Configure the acquisition device (CameraLink camera or frame grabber)\n Acquisition Configuration"},
+    {ID_BTN_ACQ_SNAP, "Snap", "snap", "Ctrl+Space", canSnap, kUnchecked, call<&F::OnSnap>,
+     "Acquire an image using the current frame grabber and camera\n Acquire one Frame"},
+
+    {ID_BTN_BACKUP_DEVICE_FILE, "Backup Coefficients", "backup-coefficients", "Ctrl+B", canBackup, kUnchecked,
+     call<&F::OnBackupCoefficients>,
+     "Save the current coefficients from the acquisition device (CameraLink camera only) to disk\nBackup Acquisition "
+     "Device Coefficients"},
+    {ID_BTN_LOAD_CAMERA_FILE, "Load Coefficients", "load-coefficients", "Ctrl+I", always, kUnchecked,
+     call<&F::OnLoadCoefficients>,
+     "Load color calibration coefficients file from disk\nLoad Coefficients (.ccor file)"},
+    {ID_BTN_SAVE_CAMERA_FILE, "Save Coefficients", "save-coefficients", "Ctrl+E", always, kUnchecked,
+     call<&F::OnSaveCoefficients>, "Save color calibration coefficients file to disk\nSave Coefficients (.ccor file)"},
+    {ID_BTN_CALIBRATE_PREVIEW, "Calibrate and Preview", "calibrate-preview", "Ctrl+P", canPreview, kUnchecked,
+     call<&F::OnCalibratePreview>,
+     "Compute new coefficients and create a calibrated preview image using current parameters\n Calibrate and "
+     "Preview"},
+    {ID_BTN_CALIBRATE_DEVICE, "Upload Coefficients", "upload-coefficients", "", canUpload, kUnchecked,
+     call<&F::OnUploadCoefficients>,
+     "Upload the current calibration coefficients to the acquisition device (CameraLink camera or frame grabber)\n "
+     "Upload Calibration Coefficients"},
+    // Deliberately without a handler, and so always gray.
+    {ID_BTN_CALIBRATE_CAMERA, "Calibrate Camera", "", "Ctrl+C", never, kUnchecked, kNothing,
+     "Calibrate selected camera using currently selected camera file.\n Calibrate Camera"},
+
+    {ID_BTN_PARAM_LOAD, "Load", "load-parameters", "", always, kUnchecked, call<&F::OnLoadParameters>,
+     "Load parameters from a save file.\n Load Parameters"},
+    {ID_BTN_PARAM_SAVE, "Save", "save-parameters", "", always, kUnchecked, call<&F::OnSaveParameters>,
+     "Save current configuration of parameters.\n Save Parameters"},
+    // Deliberately enabled and without an action.
+    {ID_BTN_PARAM_SAVE_AS, "Save as", "", "", always, kUnchecked, kNothing,
+     "Save current configuration of parameters as a new file.\n Save Parameters As"},
+    {ID_BTN_PARAM_RESET, "Reset", "reset-parameters", "", always, kUnchecked, call<&F::OnResetParameters>,
+     "Reset all current parameters to their default.\n Reset"},
+    {ID_EDIT_GAMMA, "Gamma Adjustment", "", "", always, kUnchecked, call<&F::OnGammaEdit>, ""},
+    {ID_SLD_GAMMA, "Gamma Adjustment", "", "", always, kUnchecked, call<&F::OnGammaSlider>,
+     "Adjust gamma calibration on the image.\n Gamma Adjustment"},
+
+    {ID_BTN_SATURATION_MODE, "Saturation Mode", "saturation", "", always, kUnchecked, kNothing,
+     "Choose a way to select saturation coefficients.\n Saturation Mode"},
+    {ID_BTN_SATURATION_AUTO, "Automatic", "", "", always, saturationIs<0>, call<&F::OnSaturationMode>, ""},
+    {ID_BTN_SATURATION_MANUAL, "Manual", "", "", always, saturationIs<1>, call<&F::OnSaturationMode>, ""},
+    {ID_BTN_SATURATION_NONE, "None", "", "", always, saturationIs<2>, call<&F::OnSaturationMode>, ""},
+    {ID_EDIT_SATURATION_R, "R", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationEdit>, ""},
+    {ID_EDIT_SATURATION_G, "G", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationEdit>, ""},
+    {ID_EDIT_SATURATION_B, "B", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationEdit>, ""},
+    {ID_SLD_SATURATION_R, "R", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationSlider>, ""},
+    {ID_SLD_SATURATION_G, "G", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationSlider>, ""},
+    {ID_SLD_SATURATION_B, "B", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationSlider>, ""},
+
+    {ID_BTN_METHOD_ABSOLUTE, "Absolute", "absolute", "", always, isAbsolute, call<&F::OnAbsolute>,
+     "Calibrate using the absolute method. This method asks for an illuminant type.\n Calibrate using absolute mode"},
+    {ID_BTN_METHOD_RELATIVE, "Relative", "relative", "", always, isRelative, call<&F::OnRelative>,
+     "Calibrate using the relative method. This method asks for a reference image.\n Calibrate using relative mode"},
+    {ID_BTN_ILLUMINANT_TYPE, "Illuminant Type", "illuminant", "", isAbsolute, kUnchecked, call<&F::OnIlluminantType>,
+     "Choose a predefined illuminant type for the calibration.\n Illuminant Type"},
+    {ID_BTN_ILLUMINANT_USER, "User defined", "", "", isAbsolute, illuminantIs<-1>, call<&F::OnIlluminant>, ""},
+    {ID_BTN_ILLUMINANT_A, "Tungsten or Halogen: A 2856K", "", "", isAbsolute, illuminantIs<0>, call<&F::OnIlluminant>,
+     ""},
+    {ID_BTN_ILLUMINANT_D50, "Daylight: D50 5003K (Sunrise/Sunset)", "", "", isAbsolute, illuminantIs<1>,
+     call<&F::OnIlluminant>, ""},
+    {ID_BTN_ILLUMINANT_D55, "Daylight: D55 5503K (Mid-morning)", "", "", isAbsolute, illuminantIs<2>,
+     call<&F::OnIlluminant>, ""},
+    {ID_BTN_ILLUMINANT_D65, "Daylight: D65 6504K (Noon)", "", "", isAbsolute, illuminantIs<3>, call<&F::OnIlluminant>,
+     ""},
+    {ID_BTN_ILLUMINANT_D75, "Daylight: D75 7504K (Overcast)", "", "", isAbsolute, illuminantIs<4>,
+     call<&F::OnIlluminant>, ""},
+    {ID_BTN_ILLUMINANT_E, "Others: E 5454K", "", "", isAbsolute, illuminantIs<5>, call<&F::OnIlluminant>, ""},
+    {ID_BTN_ILLUMINANT_F2, "Fluorescent: F2 4230K (cool white)", "", "", isAbsolute, illuminantIs<6>,
+     call<&F::OnIlluminant>, ""},
+    {ID_BTN_ILLUMINANT_F7, "Fluorescent: F7 6500K (broadband)", "", "", isAbsolute, illuminantIs<7>,
+     call<&F::OnIlluminant>, ""},
+    {ID_BTN_ILLUMINANT_F11, "Fluorescent: F11 4000k (narrowband)", "", "", isAbsolute, illuminantIs<8>,
+     call<&F::OnIlluminant>, ""},
+    {ID_BTN_COLOR_SELECT, "Color Selection", "color-selection", "", always, kUnchecked, kNothing,
+     "Choose a way to select ROI colors.\n Color Selection"},
+    {ID_BTN_COLOR_AUTO, "Automatic", "", "", always, automaticColors, call<&F::OnColorsAutomatic>,
+     "Automatically choose raw colors from the image.\n Automatic ROI"},
+    {ID_BTN_COLOR_MANUAL, "Manual", "", "", always, flag<&S::manualColors>, call<&F::OnColorsManual>,
+     "Select raw colors manually using ROI.\n Manual ROI"},
+
+    {ID_BTN_IMAGE_RESET_SCALE, "Fit to Scale", "fit-scale", "", selectedHasImage, kUnchecked, call<&F::OnViewCommand>,
+     "Reset the image viewer scale to its original value.\n Reset Scale"},
+    {ID_BTN_IMAGE_AUTO_HEIGHT, "Auto Height", "auto-height", "", selectedHasImage, kUnchecked, call<&F::OnViewCommand>,
+     "Fit height to screen.\n Auto Height"},
+    {ID_BTN_IMAGE_AUTO_WIDTH, "Auto Width", "auto-width", "", selectedHasImage, kUnchecked, call<&F::OnViewCommand>,
+     "Fit width to screen.\n Auto Width"},
+    {ID_BTN_IMAGE_FIT_SCREEN, "Fit to Screen", "fit-screen", "", selectedHasImage, kUnchecked, call<&F::OnViewCommand>,
+     "Fit image to screen.\n Fit to Screen"},
+    {ID_IMAGE_ZOOM_IN, "Zoom", "", "", selectedHasImage, kUnchecked, call<&F::OnViewCommand>,
+     "Zoom on area (Right click to zoom out).\n Zoom"},
+    {ID_LEARN, "Learn", "", "", always, kUnchecked, kNothing, "Learn the basics of Tonewright.\n Learn"},
+
+    {ID_BTN_CLEAR_LOG, "Clear", "clear-log", "", always, kUnchecked, call<&F::OnClearLog>,
+     "Clear logger window of old messages.\nClear Log"},
+    {ID_CBTN_LOG, "Logger", "", "", always, flag<&S::logVisible>, call<&F::OnTogglePane>, ""},
+    {ID_CBTN_RAW_COLOR_LIST, "Raw colors list", "", "", always, flag<&S::rawColorsVisible>, call<&F::OnTogglePane>, ""},
+    {ID_CBTN_SPECTRUM_VALUES, "Spectrum Values", "", "", always, flag<&S::spectrumVisible>, call<&F::OnTogglePane>, ""},
+    {ID_CBTN_REF_IMG_VIEW, "Reference image viewer", "", "", always, flag<&S::refPaneVisible>, call<&F::OnTogglePane>,
+     ""},
+    {ID_CBTN_CALIB_IMG_VIEW, "Calibrated image viewer", "", "", always, flag<&S::calibPaneVisible>,
+     call<&F::OnTogglePane>, ""},
+
+    {ID_COLOR_ADD_BY_HAND, "Add color", "", "Return", always, kUnchecked, call<&F::OnAddColor>,
+     "Adds a raw color to the raw color list associated with the current image viewer"},
+    {ID_COLOR_REMOVE_LAST, "Remove last color", "", "Backspace", always, kUnchecked, call<&F::OnRemoveLastColor>,
+     "Removes the last color that was previously added"},
+    {ID_COLOR_LIST_REMOVE, "Remove", "", "Del", canEditColors, kUnchecked, call<&F::OnRemoveColor>, ""},
+    {ID_COLOR_LIST_CLEAR, "Clear colors", "", "Ctrl+Del", canEditColors, kUnchecked, call<&F::OnClearColors>, ""},
+    // The key is bound and nothing handles it, deliberately.
+    {ID_KEY_CONTROL_S, "", "", "Ctrl+S", never, kUnchecked, kNothing, ""},
+
+    {ID_APP_EXIT, "Exit", "exit", "", always, kUnchecked, call<&F::OnExit>, ""},
+    {ID_APP_ABOUT, "About Tonewright Tool", "about", "", always, kUnchecked, call<&F::OnAbout>, ""},
+    {ID_HELP, "Help", "help", "F1", always, kUnchecked, call<&F::OnHelp>, ""},
+    {ID_CONTEXT_HELP, "Context Help", "", "", always, kUnchecked, call<&F::OnContextHelp>, ""},
+};
+
+}  // namespace
+
+std::span<const CommandRow> CommandTable() { return kCommands; }
+
+const CommandRow* FindCommand(int id) {
+    for (const CommandRow& row : kCommands) {
+        if (row.id == id) return &row;
+    }
+    return nullptr;
+}
+
+CommandTip SplitTip(const char* tip) {
+    const QString text = tip;
+    return {text.section('\n', 1).trimmed(), text.section('\n', 0, 0)};
+}

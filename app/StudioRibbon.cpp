@@ -1,0 +1,128 @@
+#include "app/StudioRibbon.h"
+
+#include "app/CommandIds.h"
+
+namespace {
+
+using ribbon::Item;
+using ribbon::Kind;
+using ribbon::Menu;
+
+constexpr Item button(Kind kind, int id, const char* keyTip) { return {.kind = kind, .id = id, .keyTip = keyTip}; }
+constexpr Item menuButton(Kind kind, int id, const char* keyTip, Menu menu, std::span<const int> ids) {
+    return {.kind = kind, .id = id, .keyTip = keyTip, .menu = menu, .menuIds = ids};
+}
+constexpr Item kSeparator{.kind = Kind::Separator};
+
+// The key labels are text and bind nothing. That the real keys are others is deliberate.
+constexpr ribbon::FileEntry kFileEntries[] = {
+    {ID_BTN_ACQ_LOAD_IMAGE, "&Load Image", "CTRL+I"},
+    {ID_BTN_ACQ_SAVE_IMAGE_AS, "&Export Image", "CTRL+E"},
+    {ID_BTN_PARAM_LOAD, "&Open Config", "CTRL+O"},
+    {ID_BTN_PARAM_SAVE, "&Save Config", "CTRL+S"},
+    {ID_BTN_PARAM_SAVE_AS, "&Save Config as...", "CTRL+SHIFT+S"},
+    {ID_BTN_CALIBRATE_CAMERA, "Calibrate Camera", ""},
+    {ID_APP_EXIT, "E&xit", ""},
+};
+
+constexpr int kLoadMenu[] = {ID_BTN_ACQ_LOAD_RAW_IMAGE, ID_BTN_ACQ_LOAD_REF_IMAGE};
+constexpr Item kAcquisition[] = {
+    menuButton(Kind::Large, ID_BTN_ACQ_LOAD_IMAGE, "LI", Menu::Split, kLoadMenu),
+    button(Kind::Large, ID_BTN_ACQ_SAVE_IMAGE_AS, "SI"),
+    kSeparator,
+    button(Kind::Large, ID_BTN_REFRESH_CAMERAS, "CF"),
+    button(Kind::Large, ID_BTN_ACQ_SNAP, "SN"),
+};
+
+constexpr Item kCoefficients[] = {
+    button(Kind::Large, ID_BTN_BACKUP_DEVICE_FILE, "BC"),
+    button(Kind::Large, ID_BTN_LOAD_CAMERA_FILE, "LC"),
+    button(Kind::Large, ID_BTN_SAVE_CAMERA_FILE, "SC"),
+};
+
+constexpr Item kExecution[] = {
+    button(Kind::Large, ID_BTN_CALIBRATE_PREVIEW, "CP"),
+    button(Kind::Large, ID_BTN_CALIBRATE_DEVICE, "UC"),
+};
+
+constexpr Item saturation(int edit, int slider, const char* keyTip) {
+    return {.kind = Kind::Field,
+            .id = edit,
+            .keyTip = keyTip,
+            .editWidth = 50,
+            .sliderId = slider,
+            .sliderWidth = 128,
+            .range = {0, 255}};
+}
+
+constexpr int kSaturationMenu[] = {ID_BTN_SATURATION_AUTO, ID_BTN_SATURATION_MANUAL, ID_BTN_SATURATION_NONE};
+constexpr int kIlluminantMenu[] = {ID_BTN_ILLUMINANT_USER, 0,
+                                   ID_BTN_ILLUMINANT_A,    ID_BTN_ILLUMINANT_D50,
+                                   ID_BTN_ILLUMINANT_D55,  ID_BTN_ILLUMINANT_D65,
+                                   ID_BTN_ILLUMINANT_D75,  ID_BTN_ILLUMINANT_E,
+                                   ID_BTN_ILLUMINANT_F2,   ID_BTN_ILLUMINANT_F7,
+                                   ID_BTN_ILLUMINANT_F11};
+constexpr int kColorMenu[] = {ID_BTN_COLOR_AUTO, ID_BTN_COLOR_MANUAL};
+constexpr Item kParameters[] = {
+    button(Kind::Small, ID_BTN_PARAM_LOAD, "LP"),
+    button(Kind::Small, ID_BTN_PARAM_SAVE, "SP"),
+    button(Kind::Small, ID_BTN_PARAM_RESET, "RP"),
+    kSeparator,
+    {.kind = Kind::Field, .id = ID_EDIT_GAMMA, .keyTip = "GA", .editWidth = 40},
+    {.kind = Kind::Slider, .id = ID_SLD_GAMMA, .sliderWidth = 145, .range = {5, 100}},
+    menuButton(Kind::Small, ID_BTN_SATURATION_MODE, "SM", Menu::Whole, kSaturationMenu),
+    saturation(ID_EDIT_SATURATION_R, ID_SLD_SATURATION_R, "SR"),
+    saturation(ID_EDIT_SATURATION_G, ID_SLD_SATURATION_G, "SG"),
+    saturation(ID_EDIT_SATURATION_B, ID_SLD_SATURATION_B, "SB"),
+    kSeparator,
+    button(Kind::Small, ID_BTN_METHOD_ABSOLUTE, "AB"),
+    button(Kind::Small, ID_BTN_METHOD_RELATIVE, "RE"),
+    menuButton(Kind::Small, ID_BTN_ILLUMINANT_TYPE, "IT", Menu::Split, kIlluminantMenu),
+    menuButton(Kind::Large, ID_BTN_COLOR_SELECT, "CS", Menu::Whole, kColorMenu),
+};
+
+constexpr Item kViewer[] = {
+    button(Kind::Large, ID_BTN_IMAGE_RESET_SCALE, "FS"), kSeparator,
+    button(Kind::Small, ID_BTN_IMAGE_AUTO_HEIGHT, "AH"), button(Kind::Small, ID_BTN_IMAGE_AUTO_WIDTH, "AW"),
+    button(Kind::Small, ID_BTN_IMAGE_FIT_SCREEN, "FW"),
+};
+
+constexpr Item kLog[] = {button(Kind::Large, ID_BTN_CLEAR_LOG, "C")};
+
+constexpr Item kPanes[] = {
+    button(Kind::CheckBox, ID_CBTN_LOG, "L"),
+    button(Kind::CheckBox, ID_CBTN_RAW_COLOR_LIST, "W"),
+    button(Kind::CheckBox, ID_CBTN_SPECTRUM_VALUES, "S"),
+    button(Kind::CheckBox, ID_CBTN_REF_IMG_VIEW, "R"),
+    button(Kind::CheckBox, ID_CBTN_CALIB_IMG_VIEW, "A"),
+};
+
+// Where room is short, what is used least while calibrating shrinks first.
+constexpr ribbon::Panel kHomePanels[] = {
+    {"Image Acquisition", ":/icons/snap.svg", "ZA", 3, kAcquisition},
+    {"Acquisition Device Coefficients", ":/icons/load-coefficients.svg", "ZD", 1, kCoefficients},
+    {"Execution", ":/icons/calibrate-preview.svg", "ZE", 4, kExecution},
+    {"Parameters", ":/icons/parameters.svg", "ZP", 5, kParameters},
+    {"Image Viewer", ":/icons/fit-screen.svg", "ZV", 2, kViewer},
+};
+constexpr ribbon::Panel kViewPanels[] = {
+    {"Log Window", ":/icons/clear-log.svg", "ZL", 1, kLog},
+    {"Dockable Panes", ":/icons/panes.svg", "ZP", 2, kPanes},
+};
+constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels}, {"View", "V", kViewPanels}};
+
+constexpr int kHelpMenu[] = {ID_APP_ABOUT};
+
+}  // namespace
+
+const ribbon::Layout& StudioRibbon() {
+    static constexpr ribbon::Layout kLayout{.fileTitle = "File",
+                                            .fileKeyTip = "F",
+                                            .fileEntries = kFileEntries,
+                                            .recentTitle = "Recent Documents",
+                                            .recentWidth = 300,
+                                            .tabs = kTabs,
+                                            .helpId = ID_HELP,
+                                            .helpMenuIds = kHelpMenu};
+    return kLayout;
+}

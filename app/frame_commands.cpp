@@ -1,0 +1,194 @@
+// Actions, keys and rules: what brings the command table to the window.
+
+#include <QAbstractEventDispatcher>
+#include <QAction>
+#include <QWhatsThis>
+#include <exception>
+
+#include "app/CAboutDlg.h"
+#include "app/CMainFrame.h"
+#include "app/CommandTable.h"
+#include "app/GetEngine.h"
+#include "app/HelpFile.h"
+#include "app/StudioRibbon.h"
+#include "app/panes/CLoggerWnd.h"
+#include "app/panes/CRawColorWnd.h"
+#include "app/panes/CSpectrumValuesWnd.h"
+#include "app/toolkit/Profile.h"
+#include "app/toolkit/RibbonBar.h"
+#include "app/view/CAutoROIImageViewer.h"
+#include "app/view/CDockableImgPane.h"
+#include "calibration/CTivTonewrightDC.h"
+
+namespace {
+
+constexpr int kTipWidth = 200;  // pixels, at most
+constexpr int kRecentFiles = 5;
+constexpr float kZoomStep = 0.1f;
+constexpr int kSaturationAtStart = 255;
+
+QString toolTipHtml(const CommandTip& tip, const QFontMetrics& metrics) {
+    if (tip.title.isEmpty()) return tip.description;
+    const QString title = "<b>" + tip.title.toHtmlEscaped() + "</b>";
+    const int width = qMin(kTipWidth, metrics.horizontalAdvance(tip.description) + 2);
+    return QString("<div style='white-space:nowrap'>%1</div><table width='%2'><tr><td>%3</td></tr></table>")
+        .arg(title)
+        .arg(width)
+        .arg(tip.description.toHtmlEscaped());
+}
+
+QStringList recentDocuments() {
+    QStringList paths;
+    for (int i = 1; i <= kRecentFiles; ++i) {
+        const QString path = GetProfile().ReadString("Recent File List", QString("File%1").arg(i), {});
+        if (!path.isEmpty()) paths += path;
+    }
+    return paths;
+}
+
+QList<QKeySequence> keysOf(const CommandRow& row) {
+    QList<QKeySequence> keys{QKeySequence(row.key)};
+    if (QLatin1String(row.key) == QLatin1String("Return")) keys += QKeySequence(Qt::Key_Enter);
+    return keys;
+}
+
+}  // namespace
+
+void CMainFrame::CreateActions() {
+    for (const CommandRow& row : CommandTable()) {
+        auto* action = new QAction(row.label, this);
+        action->setData(row.id);
+        action->setCheckable(row.checked != nullptr);
+        if (*row.picture) action->setIcon(QIcon(QString(":/icons/%1.svg").arg(row.picture)));
+        const CommandTip tip = SplitTip(row.tip);
+        if (*row.tip) {
+            action->setToolTip(toolTipHtml(tip, fontMetrics()));
+            action->setWhatsThis(action->toolTip());
+        }
+        if (*row.key) {
+            action->setShortcuts(keysOf(row));
+            addAction(action);
+        }
+        m_actions[row.id] = action;
+    }
+}
+
+// The ribbon comes before the connections: then it has closed its drop-downs when a command runs.
+void CMainFrame::CreateRibbon() {
+    m_ribbon = std::make_unique<RibbonBar>(
+        StudioRibbon(), [this](int id) { return m_actions.at(id); }, this);
+    setMenuWidget(m_ribbon.get());
+    m_ribbon->SetRecentDocuments(recentDocuments());
+    for (const int id : {ID_EDIT_SATURATION_R, ID_EDIT_SATURATION_G, ID_EDIT_SATURATION_B}) {
+        m_ribbon->SetEditText(id, QString::number(kSaturationAtStart));
+    }
+    for (const int id : {ID_SLD_SATURATION_R, ID_SLD_SATURATION_G, ID_SLD_SATURATION_B}) {
+        m_ribbon->SetSliderValue(id, kSaturationAtStart);
+    }
+    for (const auto& [id, action] : m_actions) {
+        connect(action, &QAction::triggered, this, [this, id = id] { RunCommand(id); });
+    }
+    connect(m_ribbon.get(), &RibbonBar::edited, this, &CMainFrame::RunCommand);
+    connect(m_ribbon.get(), &RibbonBar::slid, this, &CMainFrame::RunCommand);
+    connect(m_ribbon.get(), &RibbonBar::recentChosen, this, &CMainFrame::OpenDroppedFile);
+    // Whatever changed the state, the commands show it before the window next waits for the user.
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            &CMainFrame::UpdateCommands);
+}
+
+QAction* CMainFrame::GetAction(int id) const {
+    const auto found = m_actions.find(id);
+    return found != m_actions.end() ? found->second : nullptr;
+}
+
+StudioState CMainFrame::GetState() const {
+    const CTivTonewrightDC& engine = GetEngine();
+    return {.deviceKind = m_deviceKind,
+            .hasCoefficientFile = !m_coefficientFile.isEmpty(),
+            .calibrationMode = engine.GetCalibrationMode(),
+            .illuminant = engine.GetIlluminant(),
+            .saturationMode = engine.GetSaturationMode(),
+            .manualColors = m_manualColors,
+            .rawHasImage = m_rawViewer->Image().IsAllocated(),
+            .refHasImage = m_refViewer->Image().IsAllocated(),
+            .calibHasImage = m_calibViewer->Image().IsAllocated(),
+            .rawSelected = m_rawViewer->IsSelected() != 0,
+            .refSelected = m_refViewer->IsSelected() != 0,
+            .calibSelected = m_calibViewer->IsSelected() != 0,
+            .rawColorListEnabled = m_rawColorWnd->IsEnabledForPicking(),
+            .logVisible = !m_logger->isHidden(),
+            .rawColorsVisible = !m_rawColorWnd->isHidden(),
+            .spectrumVisible = !m_spectrumWnd->isHidden(),
+            .refPaneVisible = !m_refPane->isHidden(),
+            .calibPaneVisible = !m_calibPane->isHidden()};
+}
+
+void CMainFrame::UpdateCommands() {
+    if (!m_spectrumWnd) return;  // still being built
+    const StudioState state = GetState();
+    for (const CommandRow& row : CommandTable()) {
+        QAction* const action = m_actions.at(row.id);
+        action->setEnabled(row.enabled(state));
+        if (row.checked) action->setChecked(row.checked(state));
+    }
+    m_rawColorWnd->UpdateCommandState();
+}
+
+void CMainFrame::RunCommand(int id) {
+    const CommandRow* const row = FindCommand(id);
+    if (!row) return;
+    if (row->run && row->enabled(GetState())) {
+        try {
+            row->run(*this, id);
+        } catch (...) {
+            LogException();
+        }
+    }
+    UpdateCommands();
+}
+
+// The fit and the parsers of numbers throw texts that nothing below catches.
+void CMainFrame::LogException() {
+    try {
+        throw;
+    } catch (const char* text) {
+        LogMessage(text, LogError);
+    } catch (const std::exception& exception) {
+        LogMessage(exception.what(), LogError);
+    } catch (...) {
+        LogMessage("Unknown error.", LogError);
+    }
+}
+
+void CMainFrame::OnViewCommand(int id) {
+    CImageViewerCtrl* const viewer = GetSelectedViewer();
+    if (!viewer) return;
+    switch (id) {
+        case ID_BTN_IMAGE_RESET_SCALE:
+            viewer->ResetScale();
+            break;
+        case ID_BTN_IMAGE_AUTO_HEIGHT:
+            viewer->FitHeight();
+            break;
+        case ID_BTN_IMAGE_AUTO_WIDTH:
+            viewer->FitWidth();
+            break;
+        case ID_BTN_IMAGE_FIT_SCREEN:
+            viewer->FitToWindow();
+            break;
+        default:
+            viewer->SetZoom(viewer->GetZoom() + kZoomStep);
+    }
+}
+
+void CMainFrame::OnClearLog() { m_logger->ClearLog(); }
+
+void CMainFrame::OnExit() { close(); }
+
+void CMainFrame::OnAbout() { CAboutDlg(this).exec(); }
+
+void CMainFrame::OnHelp() {
+    if (!OpenHelpFile()) LogMessage("Failed to launch help.", LogError);
+}
+
+void CMainFrame::OnContextHelp() { QWhatsThis::enterWhatsThisMode(); }
