@@ -1,0 +1,267 @@
+#include "analysis/CTivBlob.h"
+
+#include <chrono>
+#include <limits>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "analysis/blob_impl.h"
+#include "analysis/threshold.h"
+
+namespace {
+
+using D = CTivData;
+
+constexpr std::int32_t kMostWidth = 0x3FFFFFFF;  // run lists end with an x beyond it
+
+struct CodeText {
+    int code;
+    const char* text;
+};
+constexpr CodeText kCodeTexts[] = {
+    {kBlobNoMemory, "CTivBlob::Execute => Not enough memory - failed blobs extraction"},
+    {kBlobTooMany, "CTivBlob::Execute => Too many blobs for the specified blob array size - failed blobs extraction"},
+    {kBlobNoRuns, "CTivBlob::Execute => Run lengths not found - failed blob features computation"},
+    {kBlobBadImage, "CTivBlob::Execute => Input image invalid - failed blobs extraction"},
+    {kBlobBadFormat, "CTivBlob::Execute => Image format invalid - failed blob features computation"},
+    {kBlobThresholdRange, "CTivBlob::Execute => Threshold value out of range - failed blobs extraction"},
+    {kBlobThresholdOrder,
+     "CTivBlob::Execute => Threshold values must be sorted in increasing order - failed blobs extraction"},
+    {kBlobNotThresholded, "CTivBlob::Execute => Image not thresholded - failed blobs extraction"},
+    {kBlobMixedInput, "CTivBlob::Execute => Can't mix input types (runs/images) for a given continuous frame"},
+    {kBlobRunInput, "CTivBlob::Execute => External run-length's binary version not currently supported"},
+    {kBlobFrameFeatures,
+     "CTivBlob::Execute => Computing of convexity, perimeter and grayscale features not supported in continuous frame "
+     "mode"},
+    {kBlobFrameConfig,
+     "CTivBlob::Execute => Configuration (computed features, intermediate results) shouldn't be changed within a "
+     "continuous frame"},
+};
+
+const char* textOf(int code) {
+    for (const CodeText& row : kCodeTexts) {
+        if (row.code == code) return row.text;
+    }
+    return "CTivBlob::Execute => Failed blobs extraction";
+}
+
+// What a feature that was not computed belongs to.
+const char* groupName(BlobFeatureGroup group) {
+    switch (group) {
+        case kBlobBasic:
+            return "Basic";
+        case kBlobMoment:
+            return "Moment";
+        case kBlobConvexity:
+            return "Convexity";
+        case kBlobPerimeter:
+            return "Perimeter";
+        default:
+            return "Gray-scale";
+    }
+}
+
+/// Takes the time of an Execute, whatever its outcome.
+class ExecuteTimer {
+public:
+    explicit ExecuteTimer(CTivAlgo& algo) : algo_(algo) {}
+    ~ExecuteTimer() {
+        const std::chrono::duration<float, std::milli> elapsed = std::chrono::steady_clock::now() - start_;
+        algo_.AddTimeSample(algo_.GetName(), elapsed.count());
+    }
+
+private:
+    CTivAlgo& algo_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+template <class Limit>
+bool setLimit(ImplBlob* impl, Limit limit, int pixels, const char* method) {
+    if (!impl || !impl->config) return Refuse(std::string("CTivBlob::") + method + " => Invalid Blob Object");
+    (*impl->config).*limit = pixels;
+    return true;
+}
+
+}  // namespace
+
+bool ImplBlob::Execute(CTivImage& image) {
+    const ExecuteTimer timer(*this);
+    if (!IsComplete()) return Refuse("CTivBlob::Execute => Invalid object");
+    try {
+        array->Restore();
+    } catch (const std::bad_alloc&) {
+        return Refuse("CTivBlob::Execute => Unable to resize blob array");
+    }
+    array->Clear();
+    int code = kBlobDone;
+    try {
+        const NurImage* record = image.GetRecord();
+        code = record ? Extract(*record) : kBlobBadImage;
+    } catch (const std::bad_alloc&) {
+        code = kBlobNoMemory;
+        array->Release();
+        frame->Reset();
+    }
+    if (code != kBlobDone) {
+        array->Clear();
+        return Refuse(textOf(code));
+    }
+    if ((config->intermediateResults & kBlobKeepImage) && !workImage.IsAllocated()) KeepBinaryForm(image);
+    return true;
+}
+
+int ImplBlob::Extract(const NurImage& input) {
+    constexpr int kExternalRuns = 1;
+    if (config->inputType == kExternalRuns) {
+        return continuous && frame->inputType == VirtualFrame::kImage ? kBlobMixedInput : kBlobRunInput;
+    }
+    if (config->inputType != 0) return kBlobUnknown;
+    const bool isServed =
+        input.format == D::FormatUByte || input.format == D::FormatUShort || input.format == D::FormatBinary;
+    if (!input.data || !isServed || input.width >= kMostWidth) return kBlobBadImage;
+    if (!continuous) frame->Reset();
+    if (const int refused = continuous ? CheckFrame() : kBlobDone) return refused;
+
+    const NurImage* view = &input;
+    const bool isThresholded = config->thresholdStage != 0 && input.format != D::FormatBinary;
+    if (isThresholded) {
+        if (const int failed = Threshold(input)) return failed;
+        view = workImage.GetRecord();
+    } else {
+        workImage.Free();
+    }
+    const bool isPlain = !continuous && config->intermediateResults == 0 && config->featureGroups >= kBlobBasic &&
+                         config->featureGroups <= (kBlobBasic | kBlobMoment);
+    if (isPlain && !(isThresholded && config->multiLevel)) return extractBinary(*view, *config, *frame, *array);
+    return extractGeneral(*view, input, *config, continuous, *frame, *array);
+}
+
+int ImplBlob::CheckFrame() const {
+    if (config->featureGroups & ~(kBlobBasic | kBlobMoment)) return kBlobFrameFeatures;
+    if (frame->inputType == VirtualFrame::kNone) {
+        frame->inputType = VirtualFrame::kImage;
+        frame->start = FrameConfig(*config);
+    }
+    return frame->start == FrameConfig(*config) ? kBlobDone : kBlobFrameConfig;
+}
+
+// The work image keeps its memory from one run to the next of the same size.
+int ImplBlob::Threshold(const NurImage& input) {
+    const bool fits = workImage.IsAllocated() && workImage.GetFormat() == D::FormatUByte &&
+                      workImage.GetWidth() == input.width && workImage.GetHeight() == input.height;
+    if (!fits && !workImage.Set(input.width, input.height, D::FormatUByte, nullptr, false)) return kBlobNoMemory;
+    workImage.GetRecord()->roi = input.roi;
+    const int failed = thresholdForBlobs(input, *workImage.GetRecord(), *config);
+    if (failed) workImage.Free();
+    return failed;
+}
+
+// Foreground of the kept image are the values from 1 to 32767, deliberately also where 16 bits hold more.
+void ImplBlob::KeepBinaryForm(CTivImage& image) {
+    if (image.GetFormat() == D::FormatBinary) {
+        workImage = image;
+    } else if (workImage.Set(image.GetWidth(), image.GetHeight(), D::FormatUByte, nullptr, true)) {
+        workImage.GetRecord()->roi = image.GetRoi();
+        thresh(image.GetRecord(), workImage.GetRecord(), 1, 32767, false, false, true);
+    }
+}
+
+CTivBlob::CTivBlob(int capacity, int growth) {
+    try {
+        impl_ = std::make_unique<ImplBlob>();
+        impl_->config = std::make_unique<BlobConfig>();
+        impl_->array = std::make_unique<BlobArray>(capacity, growth);
+    } catch (const std::bad_alloc&) {
+        ReportError("CTivBlob::CTivBlob => Unable to create Blob object");
+        return;
+    }
+    try {
+        impl_->frame = std::make_unique<VirtualFrame>();
+    } catch (const std::bad_alloc&) {
+        ReportError("CTivBlob::CTivBlob => Unable to allocate virtual frame information");
+    }
+}
+
+CTivBlob::~CTivBlob() = default;
+CTivBlob::CTivBlob(CTivBlob&&) noexcept = default;
+CTivBlob& CTivBlob::operator=(CTivBlob&&) noexcept = default;
+
+bool CTivBlob::SetMinWidth(int pixels) { return setLimit(impl_.get(), &BlobConfig::minWidth, pixels, "SetMinWidth"); }
+bool CTivBlob::SetMaxWidth(int pixels) { return setLimit(impl_.get(), &BlobConfig::maxWidth, pixels, "SetMaxWidth"); }
+bool CTivBlob::SetMinHeight(int pixels) {
+    return setLimit(impl_.get(), &BlobConfig::minHeight, pixels, "SetMinHeight");
+}
+bool CTivBlob::SetMaxHeight(int pixels) {
+    return setLimit(impl_.get(), &BlobConfig::maxHeight, pixels, "SetMaxHeight");
+}
+
+BlobConfig* CTivBlob::GetConfig() { return impl_ ? impl_->config.get() : nullptr; }
+
+bool CTivBlob::Execute(CTivImage& image) {
+    if (!impl_) return Refuse("CTivBlob::Execute => Invalid object");
+    return impl_->Execute(image);
+}
+
+bool CTivBlob::SetContinuous(bool continuous) {
+    if (!impl_ || !impl_->frame) return false;
+    impl_->continuous = continuous;
+    impl_->frame->Reset();
+    return true;
+}
+
+int CTivBlob::GetNumBlobs() const {
+    if (!impl_) return -1;
+    return impl_->array ? impl_->array->GetAccepted() : 0;
+}
+
+namespace {
+
+template <class Value>
+Value readRecord(const ImplBlob* impl, int i, Value invalid, Value (*read)(const BlobRecord&)) {
+    if (!impl) return invalid;
+    const BlobRecord* record = impl->array ? impl->array->Find(i) : nullptr;
+    return record ? read(*record) : Value{};
+}
+
+}  // namespace
+
+int CTivBlob::GetBlobWidth(int i) const {
+    return readRecord<int>(impl_.get(), i, -1, [](const BlobRecord& record) { return record.width; });
+}
+int CTivBlob::GetBlobHeight(int i) const {
+    return readRecord<int>(impl_.get(), i, -1, [](const BlobRecord& record) { return record.height; });
+}
+float CTivBlob::GetCenterX(int i) const { return GetFeature(BlobCenterX, i); }
+float CTivBlob::GetCenterY(int i) const { return GetFeature(BlobCenterY, i); }
+
+float CTivBlob::GetFeature(int feature, int i) const {
+    const FeatureAccessor* accessor = findFeature(feature);
+    return accessor ? readRecord<float>(impl_.get(), i, -1.0f, accessor->read) : 0.0f;
+}
+
+bool CTivBlob::SortByFeature(int feature, int operation) {
+    if (!impl_) return false;
+    if (!impl_->IsComplete()) return Refuse("CTivBlob::SortByFeature => Invalid object");
+    const FeatureAccessor* accessor = findFeature(feature);
+    if (!accessor) return Refuse("CTivBlob::SortByFeature => Feature type out of range");
+    if (operation != kBlobAscending && operation != kBlobDescending) {
+        return Refuse("CTivBlob::SortByFeature => Sorting operation out of range");
+    }
+    if ((impl_->array->computedGroups & accessor->group) == 0) {
+        return Refuse(std::string("CTivBlob::SortByFeature => Specified feature not calculated. Select the ") +
+                      groupName(accessor->group) + " features group to be computed");
+    }
+    impl_->array->Sort(accessor->read, operation == kBlobDescending);
+    return true;
+}
+
+std::span<const BlobRun> CTivBlob::GetRuns(int i) const {
+    const BlobRecord* record = impl_ && impl_->array ? impl_->array->Find(i) : nullptr;
+    return record ? record->StoredRuns() : std::span<const BlobRun>();
+}
+
+const CTivImage* CTivBlob::GetThresholdedImage() const {
+    const bool isKept = impl_ && impl_->array && (impl_->array->keptResults & kBlobKeepImage);
+    return isKept ? &impl_->workImage : nullptr;
+}
