@@ -23,7 +23,7 @@
 namespace {
 
 constexpr QSize kFirstSize{1600, 950};
-constexpr int kScreenMargin = 40;  // left free around the window on a small screen
+constexpr QSize kScreenMargin{40, 80};  // left free on a small screen, for the title bar, too
 
 QString baseDirectory() {
     const QString root = qEnvironmentVariable("ZELVANDIR");
@@ -63,7 +63,7 @@ CMainFrame::~CMainFrame() { frame_message::Close(); }
 bool CMainFrame::OnCreate() {
     setAcceptDrops(true);
     setWindowIcon(QIcon(":/icons/tonewright.svg"));
-    resize(kFirstSize.boundedTo(screen()->availableSize() - QSize(kScreenMargin, kScreenMargin)));
+    resize(kFirstSize.boundedTo(screen()->availableSize() - kScreenMargin));
     CreateActions();
     CreateRibbon();
     m_rawViewer = std::make_unique<CAutoROIImageViewer>(this);
@@ -75,6 +75,7 @@ bool CMainFrame::OnCreate() {
     if (!CreatePanes()) return false;
     DockPanes();
     m_rawViewer->SetSelected(1);
+    m_rawViewer->setFocus();
     SyncControlsFromEngine();
     UpdateCommands();
     frame_message::Open(*this);

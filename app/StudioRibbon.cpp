@@ -97,19 +97,28 @@ constexpr Item kPanes[] = {
     button(Kind::CheckBox, ID_CBTN_CALIB_IMG_VIEW, "A"),
 };
 
-// Where room is short, what is used least while calibrating shrinks first.
 constexpr ribbon::Panel kHomePanels[] = {
-    {"Image Acquisition", ":/icons/snap.svg", "ZA", 3, kAcquisition},
-    {"Acquisition Device Coefficients", ":/icons/load-coefficients.svg", "ZD", 1, kCoefficients},
-    {"Execution", ":/icons/calibrate-preview.svg", "ZE", 4, kExecution},
-    {"Parameters", ":/icons/parameters.svg", "ZP", 5, kParameters},
-    {"Image Viewer", ":/icons/fit-screen.svg", "ZV", 2, kViewer},
+    {"Image Acquisition", ":/icons/snap.svg", "ZA", kAcquisition},
+    {"Acquisition Device Coefficients", ":/icons/load-coefficients.svg", "ZD", kCoefficients},
+    {"Execution", ":/icons/calibrate-preview.svg", "ZE", kExecution},
+    {"Parameters", ":/icons/parameters.svg", "ZP", kParameters},
+    {"Image Viewer", ":/icons/fit-screen.svg", "ZV", kViewer},
 };
 constexpr ribbon::Panel kViewPanels[] = {
-    {"Log Window", ":/icons/clear-log.svg", "ZL", 1, kLog},
-    {"Dockable Panes", ":/icons/panes.svg", "ZP", 2, kPanes},
+    {"Log Window", ":/icons/clear-log.svg", "ZL", kLog},
+    {"Dockable Panes", ":/icons/panes.svg", "ZP", kPanes},
 };
-constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels}, {"View", "V", kViewPanels}};
+
+// Where room is short, what is used least while calibrating goes first.
+enum HomePanel : std::size_t { Acquisition, Coefficients, Execution, Parameters, Viewer };
+constexpr RibbonShrinkStep kHomeSteps[] = {
+    {Parameters, RibbonForm::Compact},  {Coefficients, RibbonForm::Button}, {Viewer, RibbonForm::Button},
+    {Acquisition, RibbonForm::Compact}, {Execution, RibbonForm::Compact},   {Acquisition, RibbonForm::Button},
+    {Execution, RibbonForm::Button},    {Parameters, RibbonForm::Button},
+};
+constexpr RibbonShrinkStep kViewSteps[] = {{1, RibbonForm::Button}, {0, RibbonForm::Button}};
+
+constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels, kHomeSteps}, {"View", "V", kViewPanels, kViewSteps}};
 
 constexpr int kHelpMenu[] = {ID_APP_ABOUT};
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 /// How much room a panel takes.
@@ -13,12 +14,17 @@ enum class RibbonForm : std::size_t {
 
 inline constexpr std::size_t kRibbonForms = 3;
 
-struct RibbonPanelWidths {
-    std::array<int, kRibbonForms> width;  ///< pixels, indexed by form
-    int shrinkRank;
+/// Pixels that a panel takes, by form.
+using RibbonPanelWidths = std::array<int, kRibbonForms>;
+
+/// One step of making room: a panel takes a smaller form.
+struct RibbonShrinkStep {
+    std::size_t panel;
+    RibbonForm form;
 };
 
-/// Gives each panel the fullest form with which all fit side by side. Panels shrink one step at a time: by rank to the
-/// compact form, then by rank to the button. A step that saves nothing is passed over.
+/// Takes the steps in their order until all panels fit side by side. A step that saves nothing is passed over.
 /// @param available pixels for all panels together
-std::vector<RibbonForm> ChooseRibbonForms(const std::vector<RibbonPanelWidths>& panels, int available);
+/// @return a form for each panel; where not even all steps make enough room, those after the last one
+std::vector<RibbonForm> ChooseRibbonForms(std::span<const RibbonPanelWidths> panels,
+                                          std::span<const RibbonShrinkStep> steps, int available);

@@ -2,6 +2,8 @@
 
 #include <span>
 
+#include "app/toolkit/RibbonForms.h"
+
 /// What a ribbon shows, as data. Commands are named by number; texts, pictures, tips and states of buttons come from
 /// the action of that number, so that the ribbon knows no command. All texts outlive the ribbon.
 namespace ribbon {
@@ -44,7 +46,6 @@ struct Panel {
     const char* caption;
     const char* picture;  ///< resource path, for the button that the panel shrinks to
     const char* keyTip;   ///< of that button
-    int shrinkRank;       ///< where room is short, the lowest goes first
     std::span<const Item> items;
 };
 
@@ -52,6 +53,7 @@ struct Tab {
     const char* title;
     const char* keyTip;
     std::span<const Panel> panels;
+    std::span<const RibbonShrinkStep> shrinkSteps;  ///< where room is short, in this order
 };
 
 struct FileEntry {

@@ -21,5 +21,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    std::span<const RibbonShrinkStep> shrinkSteps_;
     std::vector<RibbonPanel*> panels_;
 };

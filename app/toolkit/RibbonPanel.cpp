@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int kSideMargin = 7;
+constexpr int kSideMargin = 6;
 constexpr int kTopMargin = 4;
 constexpr int kCaptionTop = 1;
 constexpr int kDropDownMargin = 8;
@@ -53,9 +53,8 @@ RibbonPanelWidths RibbonPanel::Widths() {
     const auto withCaption = [&](RibbonForm form) {
         return std::max(body_->SizeFor(form).width(), caption) + 2 * kSideMargin;
     };
-    return {{withCaption(RibbonForm::Full), withCaption(RibbonForm::Compact),
-             button_->SizeFor(true).width() + 2 * kSideMargin},
-            panel_.shrinkRank};
+    return {withCaption(RibbonForm::Full), withCaption(RibbonForm::Compact),
+            button_->SizeFor(true).width() + 2 * kSideMargin};
 }
 
 void RibbonPanel::SetForm(RibbonForm form) {
