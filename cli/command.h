@@ -46,6 +46,7 @@ void AddCalibrateCommand(CLI::App& tool, Work& work);
 void AddApplyCommand(CLI::App& tool, Work& work);
 void AddInfoCommand(CLI::App& tool, Work& work);
 void AddConvertCommand(CLI::App& tool, Work& work);
+void AddDeviceCommands(CLI::App& tool, Work& work);  ///< devices, grab, send
 
 /// Writes a line for a person to standard error.
 void Tell(const std::string& text);

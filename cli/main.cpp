@@ -11,7 +11,7 @@ namespace {
 
 // A line a file of commands, in the order of the help.
 constexpr void (*kCommands[])(CLI::App&, Work&) = {
-    AddDetectCommand, AddCalibrateCommand, AddApplyCommand, AddInfoCommand, AddConvertCommand,
+    AddDetectCommand, AddCalibrateCommand, AddApplyCommand, AddInfoCommand, AddConvertCommand, AddDeviceCommands,
 };
 
 int fail(int status, const std::string& text) {

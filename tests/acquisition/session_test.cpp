@@ -127,10 +127,13 @@ TEST(Configure, AServerWithoutResourcesIsRefusedAndWhatWorkedGoesOn) {
 }
 
 TEST(Configure, TheDeviceKindFollowsResourceAndName) {
-    Simulation simulation("[Grabber]\nkind=frame grabber\n[My_Camera_Link_1]\nkind=Camera Link camera\n[GigE]\nkind=other\n");
+    Simulation simulation(
+        "[Grabber]\nkind=frame grabber\n[My_Camera_Link_1]\nkind=Camera Link camera\n[GigE]\nkind=other\n");
     RecordedSession recorded;
-    for (const auto& [server, kind] : std::vector<std::pair<std::string, int>>{
-             {"Grabber", DeviceKindFrameGrabber}, {"My_Camera_Link_1", DeviceKindCameraLink}, {"GigE", DeviceKindOther}}) {
+    for (const auto& [server, kind] :
+         std::vector<std::pair<std::string, int>>{{"Grabber", DeviceKindFrameGrabber},
+                                                  {"My_Camera_Link_1", DeviceKindCameraLink},
+                                                  {"GigE", DeviceKindOther}}) {
         simulation.Pick(server);
         EXPECT_TRUE(recorded.session.Configure());
         EXPECT_EQ(recorded.session.GetDeviceKind(), kind) << server;
