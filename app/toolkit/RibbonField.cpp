@@ -22,11 +22,16 @@ void RibbonEdit::ShowText(const QString& text) {
     setText(text);
 }
 
-// Enter belongs to the edit while it has the focus, whatever the window binds it to.
+// Enter belongs to the edit while it has the focus, whatever the window binds it to. Ctrl+E, which would move to the
+// end of the line, belongs to the window.
 bool RibbonEdit::event(QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride && isEnter(event)) {
-        event->accept();
-        return true;
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool isWindows = key->key() == Qt::Key_E && key->modifiers() == Qt::ControlModifier;
+        if (isEnter(event) || isWindows) {
+            event->setAccepted(!isWindows);
+            return true;
+        }
     }
     return QLineEdit::event(event);
 }
