@@ -19,6 +19,7 @@ struct Rows {
     int width;
     int height;
 
+    std::int64_t ElementBytes() const { return nur_element_bits(format) / 8; }
     std::uint64_t Count() const { return static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height); }
 };
 
@@ -116,7 +117,9 @@ int run(const Rows& rows, const StatsPointers& mono, const ColorStatsPointers& c
     }
     const SumsRow add = GetSumsRow(summed->kind, RunsWide());
     ChannelSums sums[3];
-    for (int y = 0; y < rows.height; ++y) add(rows.data + y * rows.pitch, static_cast<std::size_t>(rows.width), sums);
+    const bool isOneRow = rows.pitch == rows.width * rows.ElementBytes();  // no gaps
+    const auto length = static_cast<std::size_t>(isOneRow ? rows.Count() : static_cast<std::uint64_t>(rows.width));
+    for (int y = 0; y < (isOneRow ? 1 : rows.height); ++y) add(rows.data + y * rows.pitch, length, sums);
     for (std::size_t c = 0; c < static_cast<std::size_t>(summed->channels); ++c) {
         const StatsPointers& out = summed->channels == 1 ? mono : color[c];
         deliver(out, MomentsOf(sums[c], summed->kind, rows.Count()), rows.Count());

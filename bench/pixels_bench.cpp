@@ -11,6 +11,7 @@
 #include "analysis/CTivBasic.h"
 #include "analysis/histogram.h"
 #include "analysis/stats.h"
+#include "foundation/cast_image.h"
 
 namespace {
 
@@ -39,6 +40,25 @@ void runHistogram(benchmark::State& state, const BenchSize& size) {
         benchmark::DoNotOptimize(bins.data);
     }
     nur_vector_free(&bins);
+}
+
+void runConvert(benchmark::State& state, D::Format from, D::Format to, int mode, const BenchSize& size) {
+    const CTivImage source = MakeBenchImage(from, size);
+    CTivImage destination = MakeBenchImage(to, size);
+    for ([[maybe_unused]] auto _ : state) {
+        benchmark::DoNotOptimize(destination.ConvertFormat(source, mode));
+        benchmark::ClobberMemory();
+    }
+}
+
+void runMapRange(benchmark::State& state, const BenchSize& size) {
+    const CTivImage source = MakeBenchImage(D::FormatUShort, size);
+    NurImage destination;
+    for ([[maybe_unused]] auto _ : state) {
+        CTivUtilCastImage_16u8u_MapRange(source.GetRecord(), &destination, true);
+        benchmark::DoNotOptimize(destination.data);
+    }
+    nur_image_free(&destination);
 }
 
 #ifdef TONEWRIGHT_HAS_OPENCV
@@ -79,6 +99,39 @@ void runPeerHistogram(benchmark::State& state, const BenchSize& size) {
         benchmark::DoNotOptimize(bins.data);
     }
 }
+
+void runPeerColor(benchmark::State& state, D::Format from, int type, int code, const BenchSize& size) {
+    const CTivImage source = MakeBenchImage(from, size);
+    cv::Mat mat = peerImage(source, type);
+    cv::Mat out;
+    cv::setNumThreads(1);
+    if (code == cv::COLOR_HSV2BGR_FULL || code == cv::COLOR_YUV2BGR || code == cv::COLOR_Lab2BGR) {
+        cv::cvtColor(mat, mat, cv::COLOR_BGRA2BGR);  // three channels in, four out
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        cv::cvtColor(mat, out, code, code == cv::COLOR_BGRA2GRAY ? 1 : mat.channels() == 4 ? 3 : 4);
+        benchmark::DoNotOptimize(out.data);
+    }
+}
+
+void runPeerNumbers(benchmark::State& state, D::Format from, int type, int to, double scale, const BenchSize& size) {
+    const CTivImage source = MakeBenchImage(from, size);
+    const cv::Mat mat = peerImage(source, type);
+    cv::Mat out;
+    cv::setNumThreads(1);
+    for ([[maybe_unused]] auto _ : state) {
+        double shift = 0;
+        double factor = scale;
+        if (scale == 0) {  // stretched by its own range
+            double least = 0, most = 0;
+            cv::minMaxLoc(mat, &least, &most);
+            factor = 255 / (most - least);
+            shift = -least * factor;
+        }
+        mat.convertTo(out, to, factor, shift);
+        benchmark::DoNotOptimize(out.data);
+    }
+}
 #endif
 
 struct StatsRow {
@@ -91,6 +144,54 @@ constexpr StatsRow kStats[] = {
     {"BM_StatsRgb", D::FormatRgb, 24},    {"BM_StatsRgb16", D::FormatRgb16, 26},
 };
 
+struct ConvertRow {
+    const char* name;
+    D::Format from;
+    D::Format to;
+    int mode;
+    int peerType = -1;
+    int peerCode = -1;  // of cvtColor, or the depth of convertTo
+    double peerScale = -1;
+};
+#ifndef TONEWRIGHT_HAS_OPENCV
+namespace cv {
+enum {
+    COLOR_BGRA2GRAY,
+    COLOR_GRAY2BGRA,
+    COLOR_BGR2HSV_FULL,
+    COLOR_BGR2YUV,
+    COLOR_BGR2Lab,
+    COLOR_HSV2BGR_FULL,
+    COLOR_YUV2BGR,
+    COLOR_Lab2BGR
+};
+}
+#endif
+constexpr ConvertRow kConvert[] = {
+    {"BM_Gray", D::FormatRgb, D::FormatUByte, 0, 24, cv::COLOR_BGRA2GRAY},
+    {"BM_GrayToRgb", D::FormatUByte, D::FormatRgb, 0, 0, cv::COLOR_GRAY2BGRA},
+    {"BM_RgbToHsv", D::FormatRgb, D::FormatHsv, 0, 24, cv::COLOR_BGR2HSV_FULL},
+    {"BM_RgbToYuv", D::FormatRgb, D::FormatYuv, 0, 24, cv::COLOR_BGR2YUV},
+    {"BM_RgbToLab", D::FormatRgb, D::FormatLab, 0, 24, cv::COLOR_BGR2Lab},
+    {"BM_HsvToRgb", D::FormatHsv, D::FormatRgb, 0, 24, cv::COLOR_HSV2BGR_FULL},
+    {"BM_YuvToRgb", D::FormatYuv, D::FormatRgb, 0, 24, cv::COLOR_YUV2BGR},
+    {"BM_LabToRgb", D::FormatLab, D::FormatRgb, 0, 24, cv::COLOR_Lab2BGR},
+    {"BM_RgbToRgb10", D::FormatRgb, D::FormatRgb10, 2},
+    {"BM_RgbToRgb16", D::FormatRgb, D::FormatRgb16, 2},
+    {"BM_Rgb10ToRgb", D::FormatRgb10, D::FormatRgb, 2},
+    {"BM_Rgb16ToRgb", D::FormatRgb16, D::FormatRgb, 2},
+    {"BM_Rgb10ToGray", D::FormatRgb10, D::FormatUShort, 2},
+    {"BM_Rgb16ToGray", D::FormatRgb16, D::FormatUShort, 0, 26, cv::COLOR_BGRA2GRAY},
+    {"BM_Clip16To8", D::FormatUShort, D::FormatUByte, 0, 2, 0, 1},
+    {"BM_ClipShortTo8", D::FormatShort, D::FormatUByte, 0, 3, 0, 1},
+    {"BM_Fit16To8", D::FormatUShort, D::FormatUByte, 1, 2, 0, 0},
+    {"BM_FitFloatTo8", D::FormatFloat, D::FormatUByte, 1, 5, 0, 0},
+    {"BM_ClipFloatTo8", D::FormatFloat, D::FormatUByte, 0, 5, 0, 1},
+    {"BM_8ToFloat", D::FormatUByte, D::FormatFloat, 0, 0, 5, 1},
+    {"BM_8ToBinary", D::FormatUByte, D::FormatBinary, 0},
+    {"BM_BinaryTo8", D::FormatBinary, D::FormatUByte, 0},
+};
+
 const bool kRegistered = [] {
     for (const StatsRow& row : kStats) {
         RegisterAtBothSizes(
@@ -101,6 +202,25 @@ const bool kRegistered = [] {
         });
 #endif
     }
+    for (const ConvertRow& row : kConvert) {
+        RegisterAtBothSizes(row.name, [row](benchmark::State& state, const BenchSize& size) {
+            runConvert(state, row.from, row.to, row.mode, size);
+        });
+#ifdef TONEWRIGHT_HAS_OPENCV
+        if (row.peerType < 0) continue;
+        RegisterAtBothSizes(row.name + std::string("_OpenCV"), [row](benchmark::State& state, const BenchSize& size) {
+            if (row.peerScale >= 0) {
+                runPeerNumbers(state, row.from, row.peerType, row.peerCode, row.peerScale, size);
+            } else {
+                runPeerColor(state, row.from, row.peerType, row.peerCode, size);
+            }
+        });
+#endif
+    }
+    RegisterAtBothSizes("BM_MapRange16To8", runMapRange);
+    RegisterAtBothSizes("BM_CopyOfRgb_memcpy", [](benchmark::State& state, const BenchSize& size) {
+        RunMemcpy(state, static_cast<std::size_t>(CTivImage::GetImageBytes(size.width, size.height, D::FormatRgb)));
+    });
     RegisterAtBothSizes("BM_Histogram256", runHistogram);
 #ifdef TONEWRIGHT_HAS_OPENCV
     RegisterAtBothSizes("BM_Histogram256_OpenCV", runPeerHistogram);

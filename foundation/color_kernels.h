@@ -17,11 +17,15 @@ constexpr std::uint32_t pack(int first, int second, int third) {
 constexpr int limitByte(int value) { return std::clamp(value, 0, 255); }
 inline int limitByte(double value) { return static_cast<int>(std::clamp(value, 0.0, 255.0)); }
 
-// One chroma component of YUV from its 10-bit fixed-point difference. A negative one adds one more before the 128, and
-// only the top is limited.
+// condition ? yes : no, by masks: over a ternary GCC threads branches through the rows and leaves them scalar.
+constexpr int choose(bool condition, int yes, int no) { return no ^ ((yes ^ no) & -static_cast<int>(condition)); }
+
+// One chroma component of YUV from its 10-bit fixed-point difference, which is scaled by 229 / 255 and cut toward zero:
+// the product and shift do that for the whole range of -128 to 127. A negative one adds one more before the 128.
 constexpr int chroma(int difference) {
-    const int t = (difference >> 10) * 229 / 255;
-    return std::min(t < 0 ? 129 + t : 128 + t, 255);
+    const int cut = difference >> 10;
+    const int scaled = (cut * 58854 >> 16) - (cut >> 31);
+    return 128 + scaled - (scaled >> 31);
 }
 
 }  // namespace color_kernels
@@ -65,22 +69,19 @@ inline std::uint32_t RgbToHsv(std::uint32_t rgb) {
     return pack(toByte(hue), toByte(saturation), toByte(most));
 }
 
-/// The six-sector reverse of RgbToHsv.
-inline std::uint32_t HsvToRgb(std::uint32_t hsv) {
+/// The six-sector reverse of RgbToHsv, in whole numbers. Each component is v (1 - s w) with a weight w from 0 to 1 that
+/// walks with the hue: 0 where the table has v, 1 where it has p, between where it has q or t. With all as fractions of
+/// 255 no product lies on a rounding tie, so these are the bytes of the doubles.
+constexpr std::uint32_t HsvToRgb(std::uint32_t hsv) {
     using namespace color_kernels;
-    const double value = component(hsv, 2) / 255.0, saturation = component(hsv, 1) / 255.0;
-    if (value == 0.0) return 0;
-    const double sixfold = component(hsv, 0) / 255.0 * 6.0;
-    const int sector = static_cast<int>(sixfold);
-    const double fraction = sixfold - sector;
-    const double p = value * (1.0 - saturation);
-    const double q = value * (1.0 - saturation * fraction);
-    const double t = value * (1.0 - saturation * (1.0 - fraction));
-    const double table[6][3] = {{value, t, p}, {q, value, p}, {p, value, t},
-                                {p, q, value}, {t, p, value}, {value, p, q}};
-    const double(&color)[3] = table[sector % 6];
-    const auto toByte = [](double c) { return limitByte(c * 255.0 + 0.5); };
-    return pack(toByte(color[0]), toByte(color[1]), toByte(color[2]));
+    const int sixfold = component(hsv, 0) * 6, saturation = component(hsv, 1), value = component(hsv, 2);
+    const auto at = [=](int start) {  // six sectors of 255 steps
+        const int unwrapped = start * 255 + sixfold;
+        const int place = unwrapped - choose(unwrapped >= 1530, 1530, 0);
+        const int weight = std::max(std::min(std::min(place, 1020 - place), 255), 0);
+        return (value * (65025 - saturation * weight) + 32512) / 65025;
+    };
+    return pack(at(5), at(3), at(1));
 }
 
 /// Through XYZ and plain cube roots: there is no linear segment near black, by design.

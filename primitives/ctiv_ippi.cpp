@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "primitives/acceleration.h"
+#include "primitives/convert_rows.h"
 #include "primitives/statistics_rows.h"
 #include "primitives/wide.h"
 
@@ -62,17 +63,6 @@ void histogramEven(const T* source, std::int64_t pitch, int width, int height, i
     });
     setEvenLevels(levels, levelCount, lower, upper);
     gatherBins<T>(perValue, counts, levels, levelCount);
-}
-
-template <class T>
-void leastAndMost(const T* source, std::int64_t pitch, int width, int height, T* least, T* most) {
-    *least = *most = source[0];
-    forEachRow(source, pitch, height, [&](const T* row, int) {
-        for (int x = 0; x < width; ++x) {
-            *least = std::min(*least, row[x]);
-            *most = std::max(*most, row[x]);
-        }
-    });
 }
 
 Moments byteMoments(PixelKind kind, const void* source, std::int64_t pitch, int width, int height) {
@@ -192,15 +182,18 @@ int ctiv_ippiMinMax_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int w
 
 int ctiv_ippiMinMax_32f_C1R(const float* source, std::int64_t pitch, int width, int height, float* least, float* most) {
     if (absentAtThisLevel()) return kPrimitiveAbsent;
-    leastAndMost(source, pitch, width, height, least, most);
+    const auto add = RunsWide() ? FloatRangeRowWide : FloatRangeRowPlain;
+    *least = *most = source[0];
+    forEachRow(source, pitch, height,
+               [&](const float* row, int) { add(row, static_cast<std::size_t>(width), *least, *most); });
     return 0;
 }
 
 int ctiv_ippiRShiftC_16u_C1R(const std::uint16_t* source, std::int64_t sourcePitch, std::uint32_t shift,
                              std::uint16_t* destination, std::int64_t destinationPitch, int width, int height) {
+    const auto work = RunsWide() ? ShiftRightRowWide : ShiftRightRowPlain;
     forEachRow(source, sourcePitch, height, [&](const std::uint16_t* row, int y) {
-        std::uint16_t* out = rowOf(destination, destinationPitch, y);
-        for (int x = 0; x < width; ++x) out[x] = static_cast<std::uint16_t>(row[x] >> std::min(shift, 16u));
+        work(row, rowOf(destination, destinationPitch, y), static_cast<std::size_t>(width), shift);
     });
     return 0;
 }
@@ -208,14 +201,9 @@ int ctiv_ippiRShiftC_16u_C1R(const std::uint16_t* source, std::int64_t sourcePit
 int ctiv_ippiScale_16u8u_C1R(const std::uint16_t* source, std::int64_t sourcePitch, std::uint8_t* destination,
                              std::int64_t destinationPitch, int width, int height, std::uint16_t lower,
                              std::uint16_t upper) {
-    // The product stays below 2^24, so float32 holds it, and no quotient below a whole number rounds up to it.
-    const float span = static_cast<float>(std::max(upper - lower, 1));
+    const auto work = RunsWide() ? ScaleWordRowWide : ScaleWordRowPlain;
     forEachRow(source, sourcePitch, height, [&](const std::uint16_t* row, int y) {
-        std::uint8_t* out = rowOf(destination, destinationPitch, y);
-        for (int x = 0; x < width; ++x) {
-            const int above = (std::clamp<int>(row[x], lower, upper) - lower) * 255;
-            out[x] = static_cast<std::uint8_t>(static_cast<float>(above) / span);
-        }
+        work(row, rowOf(destination, destinationPitch, y), static_cast<std::size_t>(width), lower, upper);
     });
     return 0;
 }

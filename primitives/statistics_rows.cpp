@@ -207,6 +207,40 @@ SumsRow GetSumsRow(PixelKind kind, bool wide) {
     return pick<Color16>(wide);
 }
 
+void FloatRangeRowPlain(const float* row, std::size_t count, float& least, float& most) {
+    float lowest = least, highest = most;
+    for (std::size_t i = 0; i < count; ++i) {
+        lowest = row[i] < lowest ? row[i] : lowest;
+        highest = row[i] > highest ? row[i] : highest;
+    }
+    least = lowest;
+    most = highest;
+}
+
+// By intrinsics: the compiler must not split one minimum of floats into lanes.
+TONEWRIGHT_WIDE void FloatRangeRowWide(const float* row, std::size_t count, float& least, float& most) {
+    constexpr std::size_t kLanes = 8, kGroups = 4;
+    __m256 leasts[kGroups], mosts[kGroups];
+    std::fill_n(leasts, kGroups, _mm256_set1_ps(least));
+    std::fill_n(mosts, kGroups, _mm256_set1_ps(most));
+    const std::size_t whole = count / (kLanes * kGroups) * kLanes * kGroups;
+    for (std::size_t i = 0; i < whole; i += kLanes * kGroups) {
+        for (std::size_t group = 0; group < kGroups; ++group) {
+            const __m256 values = _mm256_loadu_ps(row + i + kLanes * group);
+            leasts[group] = _mm256_min_ps(values, leasts[group]);  // the second operand where the first is no number
+            mosts[group] = _mm256_max_ps(values, mosts[group]);
+        }
+    }
+    float lanes[2][kLanes * kGroups];
+    for (std::size_t group = 0; group < kGroups; ++group) {
+        _mm256_storeu_ps(lanes[0] + kLanes * group, leasts[group]);
+        _mm256_storeu_ps(lanes[1] + kLanes * group, mosts[group]);
+    }
+    FloatRangeRowPlain(lanes[0], kLanes * kGroups, least, most);
+    FloatRangeRowPlain(lanes[1], kLanes * kGroups, least, most);
+    FloatRangeRowPlain(row + whole, count - whole, least, most);
+}
+
 double Moments::Deviation(double count) const {
     const double mean = Mean(count);
     return std::sqrt(std::max(squares / count - mean * mean, 0.0));

@@ -31,6 +31,10 @@ using SumsRow = void (*)(const std::uint8_t* row, std::size_t count, ChannelSums
 /// @param wide the form for AVX2, which must be at hand; both give the same
 SumsRow GetSumsRow(PixelKind kind, bool wide);
 
+/// Widens `least` and `most` by a row of floats; what is no number counts for nothing.
+void FloatRangeRowPlain(const float* row, std::size_t count, float& least, float& most);
+void FloatRangeRowWide(const float* row, std::size_t count, float& least, float& most);
+
 /// What the sums of one channel come to, in float64 and at the kind's own values.
 struct Moments {
     double sum = 0;
