@@ -215,29 +215,37 @@ int CTivBlob::GetNumBlobs() const {
     return impl_->array ? impl_->array->GetAccepted() : 0;
 }
 
+const BlobRecord* CTivBlob::GetBlob(int i) const { return impl_ && impl_->array ? impl_->array->Find(i) : nullptr; }
+
 namespace {
 
 template <class Value>
-Value readRecord(const ImplBlob* impl, int i, Value invalid, Value (*read)(const BlobRecord&)) {
+Value readBlob(const ImplBlob* impl, const BlobRecord* record, Value invalid, Value (*read)(const BlobRecord&)) {
     if (!impl) return invalid;
-    const BlobRecord* record = impl->array ? impl->array->Find(i) : nullptr;
     return record ? read(*record) : Value{};
 }
 
 }  // namespace
 
 int CTivBlob::GetBlobWidth(int i) const {
-    return readRecord<int>(impl_.get(), i, -1, [](const BlobRecord& record) { return record.width; });
+    return readBlob<int>(impl_.get(), GetBlob(i), -1, [](const BlobRecord& record) { return record.width; });
 }
 int CTivBlob::GetBlobHeight(int i) const {
-    return readRecord<int>(impl_.get(), i, -1, [](const BlobRecord& record) { return record.height; });
+    return readBlob<int>(impl_.get(), GetBlob(i), -1, [](const BlobRecord& record) { return record.height; });
 }
-float CTivBlob::GetCenterX(int i) const { return GetFeature(BlobCenterX, i); }
-float CTivBlob::GetCenterY(int i) const { return GetFeature(BlobCenterY, i); }
+float CTivBlob::GetCenterX(int i) const {
+    return readBlob<float>(impl_.get(), GetBlob(i), -1, findFeature(BlobCenterX)->read);
+}
+float CTivBlob::GetCenterY(int i) const {
+    return readBlob<float>(impl_.get(), GetBlob(i), -1, findFeature(BlobCenterY)->read);
+}
 
 float CTivBlob::GetFeature(int feature, int i) const {
+    if (!impl_) return -1;
     const FeatureAccessor* accessor = findFeature(feature);
-    return accessor ? readRecord<float>(impl_.get(), i, -1.0f, accessor->read) : 0.0f;
+    const BlobRecord* record = GetBlob(i);
+    const bool isThere = accessor && record && (accessor->group & (record->computedGroups | kBlobBasic));
+    return isThere ? accessor->read(*record) : 0.0f;
 }
 
 bool CTivBlob::SortByFeature(int feature, int operation) {
@@ -254,11 +262,6 @@ bool CTivBlob::SortByFeature(int feature, int operation) {
     }
     impl_->array->Sort(accessor->read, operation == kBlobDescending);
     return true;
-}
-
-std::span<const BlobRun> CTivBlob::GetRuns(int i) const {
-    const BlobRecord* record = impl_ && impl_->array ? impl_->array->Find(i) : nullptr;
-    return record ? record->StoredRuns() : std::span<const BlobRun>();
 }
 
 const CTivImage* CTivBlob::GetThresholdedImage() const {

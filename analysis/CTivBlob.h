@@ -1,11 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <span>
 
 #include "analysis/BlobConfig.h"
 #include "analysis/BlobFeature.h"
-#include "analysis/BlobRun.h"
+#include "analysis/BlobRecord.h"
 #include "foundation/CTivImage.h"
 #include "foundation/CTivOperator.h"
 
@@ -53,7 +52,8 @@ public:
     int GetBlobHeight(int i) const;  ///< the same
     float GetCenterX(int i) const;   ///< centre of gravity; 0 outside, -1 for an invalid object
     float GetCenterY(int i) const;   ///< the same
-    /// @param feature a BlobFeature @return its value; 0 outside, -1 for an invalid object
+    /// @param feature a BlobFeature @return its value; 0 outside and where its group was not computed, -1 for an
+    /// invalid object
     float GetFeature(int feature, int i) const;
 
     /// Orders the blobs by a feature of a computed group; at equal values by the last pixel's y, then its x.
@@ -61,9 +61,9 @@ public:
     /// @return false, reported, with the order untouched: a number out of range, a group that was not computed
     bool SortByFeature(int feature, int operation);
 
-    // Intermediate results, valid until the next Execute.
-    std::span<const BlobRun> GetRuns(int i) const;  ///< of blob i, in raster order; empty where not kept
-    const CTivImage* GetThresholdedImage() const;   ///< null where not kept
+    // All that is known of a blob, and what its runs were read from; valid until the next Execute.
+    const BlobRecord* GetBlob(int i) const;        ///< null outside 0 to GetNumBlobs() - 1
+    const CTivImage* GetThresholdedImage() const;  ///< null where not kept
 
 private:
     std::unique_ptr<ImplBlob> impl_;

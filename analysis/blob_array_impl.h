@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "analysis/blob_record_impl.h"
+#include "analysis/blob_features_impl.h"
 #include "foundation/nur_memory.h"
 
 /// The result of an extraction: records of blobs in their present order, and what belongs to them. Indices run from 0.

@@ -4,7 +4,7 @@
 #include <numbers>
 
 #include "analysis/BlobFeature.h"
-#include "analysis/blob_record_impl.h"
+#include "analysis/blob_features_impl.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ float read(const BlobRecord& record) {
 }
 template <auto field>
 float readContour(const BlobRecord& record) {
-    return record.contour ? record.contour->*field : 0.0f;
+    return record.contour->*field;
 }
 
 using R = BlobRecord;
@@ -126,7 +126,11 @@ const FeatureAccessor* findFeature(int feature) {
 }
 
 void computeBasicFeatures(BlobRecord& record, const BlobNode& node, const FeatureRules& rules) {
-    record = {};
+    record.status = kBlobValid;
+    record.storedRuns = nullptr;
+    record.hullPoints = nullptr;
+    record.contour = nullptr;
+    record.storedRunCount = record.hullPointCount = 0;
     record.value = node.value;
     record.minX = node.minX, record.maxX = node.maxX, record.minY = node.minY, record.maxY = node.maxY;
     record.runs = node.runs;
@@ -157,7 +161,7 @@ void computeBasicFeatures(BlobRecord& record, const BlobNode& node, const Featur
     record.perimeter = static_cast<float>(perimeter);
     record.compactness = static_cast<float>(area * 12.566370614359172 / (perimeter * perimeter));
     computeEquivalentRectangle(record, perimeter, area);
-    record.computedGroups = rules.groups & kBlobBasic;
+    record.computedGroups = rules.groups;
 }
 
 // The ellipse of equal second moments. World sums count pixels; times a pixel's area they are moments of the region.
@@ -193,5 +197,4 @@ void computeMomentFeatures(BlobRecord& record, const FeatureRules& rules) {
     record.angle = static_cast<float>(angle);
     record.axisRatio = static_cast<float>(ratio);
     record.ellipseRatio = static_cast<float>(equal * equal);
-    record.computedGroups |= rules.groups & kBlobMoment;
 }

@@ -22,6 +22,12 @@ bool startsBefore(const RunEntry* above, std::int32_t end) {
     return above->start < end + (eight ? 1 : 0);
 }
 
+// Taken where they are used, once a run, so that they stay in registers.
+template <bool calibrated>
+RunSums runSums(std::int32_t start, std::int32_t end, std::int32_t row, const SweepRules& rules) {
+    return calibrated ? RunSums::Of(start, end, row, rules.world) : RunSums::Of(start, end, row);
+}
+
 }  // namespace
 
 SweepRules::SweepRules(const BlobConfig& config)
@@ -92,7 +98,6 @@ void BlobStrip::JoinRow(const RowRuns& runs, std::int32_t row, const SweepRules&
     for (std::size_t k = 0; k < runs.count; ++k) {
         const std::int32_t start = runs.edges[2 * k];
         const std::int32_t end = runs.edges[2 * k + 1];
-        const RunSums sums = calibrated ? RunSums::Of(start, end, row, rules.world) : RunSums::Of(start, end, row);
         const std::int32_t value = recorded && runs.values ? runs.values[k] : 0;
         BlobNode* node = nullptr;
         above = skipEnded<eight>(above, start);
@@ -101,7 +106,7 @@ void BlobStrip::JoinRow(const RowRuns& runs, std::int32_t row, const SweepRules&
             if (recorded && found->value != value) continue;
             const RunContact contact = RunContact::Of<eight>(start, end, touching->start, touching->end);
             if (!node) {
-                found->Add(start, end, row, sums, contact);
+                found->Add(start, end, row, runSums<calibrated>(start, end, row, rules), contact);
             } else if (found == node) {
                 node->CloseLoop(contact, kLoopInStrip);
             } else {
@@ -114,9 +119,13 @@ void BlobStrip::JoinRow(const RowRuns& runs, std::int32_t row, const SweepRules&
             node = found;
         }
         if (!node) {
-            node = StartNode(start, end, row, sums);
+            node = pool_.Take();
             if (!node) continue;  // no memory: the run is lost
-            node->value = value;
+            node->Start(start, end, row, runSums<calibrated>(start, end, row, rules));
+            if constexpr (recorded) {
+                node->value = value;
+                record_->created.push_back(node);
+            }
         }
         *out++ = {node, start, end};
         if constexpr (recorded) {
@@ -124,14 +133,6 @@ void BlobStrip::JoinRow(const RowRuns& runs, std::int32_t row, const SweepRules&
         }
     }
     current_.End(out);
-}
-
-BlobNode* BlobStrip::StartNode(std::int32_t start, std::int32_t end, std::int32_t row, const RunSums& sums) {
-    BlobNode* node = pool_.Take();
-    if (!node) return nullptr;
-    node->Start(start, end, row, sums);
-    if (record_) record_->created.push_back(node);
-    return node;
 }
 
 void BlobStrip::SettleFolded() {

@@ -106,7 +106,6 @@ private:
     void JoinRow(const RowRuns& runs, std::int32_t row, const SweepRules& rules);
     template <bool eight>
     void JoinSeam(RunList& upper);
-    BlobNode* StartNode(std::int32_t start, std::int32_t end, std::int32_t row, const RunSums& sums);
     void SettleFolded();
     void CloseEnded(std::int32_t row, const SweepRules& rules);
     void Close(BlobNode* node, const SweepRules& rules);
