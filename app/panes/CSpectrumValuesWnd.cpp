@@ -42,6 +42,10 @@ CIlluminantValue::CIlluminantValue(QWidget* parent) : CListCtrlEx(parent) {
     horizontalHeader()->setSectionsClickable(false);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFixedHeight(horizontalHeader()->sizeHint().height() + verticalHeader()->defaultSectionSize() + 2 * frameWidth());
+    // A long number widens its column, so that none is cut off.
+    connect(this, &QTableWidget::itemChanged, this, [this](const QTableWidgetItem* cell) {
+        setColumnWidth(cell->column(), std::max(kIlluminantColumn, sizeHintForColumn(cell->column())));
+    });
     Reset();
 }
 
