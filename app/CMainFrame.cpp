@@ -20,6 +20,9 @@
 #include "app/view/CDockableImgPane.h"
 #include "calibration/CTivTonewrightDC.h"
 
+// The pictures stand in a library, which does not register them by itself. The macro wants the global namespace.
+static void registerPictures() { Q_INIT_RESOURCE(studio); }
+
 namespace {
 
 constexpr QSize kFirstSize{1600, 950};
@@ -42,6 +45,7 @@ std::unique_ptr<CTonewrightAcq> makeSession(QWidget* parentWindow) {
 }  // namespace
 
 CMainFrame::CMainFrame() : m_baseDir(baseDirectory()) {
+    registerPictures();
     setWindowTitle("Zelvan Tonewright");
     m_acq = makeSession(this);
     if (!m_acq) {

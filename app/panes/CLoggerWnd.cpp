@@ -48,20 +48,23 @@ CLoggerWnd::CLoggerWnd(const Clock& clock, QWidget* parent)
     list_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     list_->horizontalHeader()->setSectionsClickable(false);
     setWidget(list_);
-    FitColumns({}, {});
+    FitColumns({});
 }
 
 void CLoggerWnd::AddMessage(const QString& text, int type) {
     const int row = list_->rowCount();
     list_->insertRow(row);
     const bool isKnown = type >= 0 && type < static_cast<int>(icons_.size());
-    list_->setItem(
-        row, ColumnType,
-        isKnown ? new QTableWidgetItem(icons_[static_cast<std::size_t>(type)], {}) : new QTableWidgetItem("Unknown"));
+    auto* sign =
+        isKnown ? new QTableWidgetItem(icons_[static_cast<std::size_t>(type)], {}) : new QTableWidgetItem("Unknown");
+    sign->setData(Qt::UserRole, type);
+    list_->setItem(row, ColumnType, sign);
     const QString time = timeText(clock_.LocalNow());
     list_->setItem(row, ColumnTime, new QTableWidgetItem(time));
     list_->setItem(row, ColumnMessage, new QTableWidgetItem(text));
-    FitColumns(time, text.simplified());
+    const QFontMetrics metrics = list_->fontMetrics();
+    FitColumns({isKnown ? kIconPixels : metrics.horizontalAdvance(sign->text()), metrics.horizontalAdvance(time),
+                metrics.horizontalAdvance(text.simplified())});
     list_->scrollToItem(list_->item(row, ColumnType));
     show();
     raise();
@@ -70,15 +73,12 @@ void CLoggerWnd::AddMessage(const QString& text, int type) {
 void CLoggerWnd::ClearLog() {
     list_->setRowCount(0);
     contentWidths_.fill(0);
-    FitColumns({}, {});
+    FitColumns({});
 }
 
 // Each column is as wide as the wider of its header and its widest row. Rows only ever come to the end, so the widest
 // one is kept and a long log costs no more than a short one.
-void CLoggerWnd::FitColumns(const QString& time, const QString& text) {
-    const QFontMetrics metrics = list_->fontMetrics();
-    const std::array<int, ColumnCount> newest{metrics.horizontalAdvance("Unknown"), metrics.horizontalAdvance(time),
-                                              metrics.horizontalAdvance(text)};
+void CLoggerWnd::FitColumns(const std::array<int, ColumnCount>& newest) {
     for (int column = 0; column < ColumnCount; ++column) {
         int& widest = contentWidths_[static_cast<std::size_t>(column)];
         widest = std::max(widest, newest[static_cast<std::size_t>(column)]);

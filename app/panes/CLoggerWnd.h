@@ -29,7 +29,7 @@ public:
     const QTableWidget& List() const { return *list_; }
 
 private:
-    void FitColumns(const QString& time, const QString& text);
+    void FitColumns(const std::array<int, ColumnCount>& newest);
 
     const Clock& clock_;
     QTableWidget* list_;

@@ -14,7 +14,7 @@ constexpr int kFrame = 5;
 // it in its column and nothing is bound.
 QAction* makeEntry(const ribbon::FileEntry& entry, QAction* command, QObject* parent) {
     QString text = entry.text;
-    if (*entry.keyLabel) text += QString('\t') + entry.keyLabel;
+    if (*entry.keyLabel) text += QString("    \t") + entry.keyLabel;
     auto* shown = new QAction(command->icon(), text, parent);
     const auto follow = [shown, command] { shown->setEnabled(command->isEnabled()); };
     follow();
@@ -27,6 +27,7 @@ QAction* makeEntry(const ribbon::FileEntry& entry, QAction* command, QObject* pa
 
 RibbonFileMenu::RibbonFileMenu(const ribbon::Layout& layout, const RibbonActions& actions, QWidget* parent)
     : QMenu(parent), recent_(new QWidget(this)), list_(new QListWidget(recent_)) {
+    setObjectName("ribbonFileMenu");
     for (const ribbon::FileEntry& entry : layout.fileEntries) addAction(makeEntry(entry, actions(entry.id), this));
     setContentsMargins(0, 0, layout.recentWidth, 0);
     recent_->setFixedWidth(layout.recentWidth);
@@ -36,7 +37,7 @@ RibbonFileMenu::RibbonFileMenu(const ribbon::Layout& layout, const RibbonActions
     title->setObjectName("recentTitle");
     column->addWidget(title);
     column->addWidget(list_);
-    list_->setFrameShape(QFrame::NoFrame);
+    list_->setObjectName("recentList");
     connect(list_, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
         hide();
         emit recentChosen(item->data(Qt::UserRole).toString());

@@ -60,6 +60,8 @@ QToolButton#ribbonHelp { border: none; border-radius: 3px; padding: 3px; padding
 QToolButton#ribbonHelp:hover, QToolButton#ribbonHelp:focus { background: #E6EFFA; }
 QToolButton#ribbonHelp::menu-button { border: none; width: 14px; }
 QToolButton#ribbonHelp::menu-arrow { image: url(:/icons/down.svg); width: 9px; height: 9px; }
+QMenu#ribbonFileMenu::item { padding: 6px 24px 6px 12px; }
+QListWidget#recentList { border: none; border-top: 1px solid #E3E8EF; }
 QLabel#recentTitle { color: #5B6778; font-weight: 600; }
 QLabel#keyTip { background: #2B3644; color: #FFFFFF; border-radius: 3px; padding: 1px 5px; font-weight: 600; }
 

@@ -1,0 +1,142 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QSettings>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "acquisition/zvn/CAcqConfigDlg.h"
+#include "app/CMainFrame.h"
+#include "app/CommandIds.h"
+#include "app/GetEngine.h"
+#include "app/panes/CLoggerWnd.h"
+#include "app/toolkit/Prompts.h"
+#include "calibration/CTivTonewrightDC.h"
+#include "foundation/CTivImage.h"
+#include "tests/support/library.h"
+
+/// Answers every prompt with what the test wants and notes what was asked.
+class AnsweringPrompts : public Prompts {
+public:
+    AnsweringPrompts() { SetPrompts(this); }
+    ~AnsweringPrompts() override { SetPrompts(nullptr); }
+
+    std::optional<FileChoice> OpenFile(const FileRequest& request) override { return Answer(request, opened); }
+    std::optional<FileChoice> SaveFile(const FileRequest& request) override { return Answer(request, saved); }
+    bool AskYesNo(const QString& caption, const QString& text) override {
+        questions.push_back(caption.toStdString() + ": " + text.toStdString());
+        return yes;
+    }
+    void ShowWarning(const QString&, const QString& text) override { messages.push_back(text.toStdString()); }
+    void ShowError(const QString&, const QString& text) override { messages.push_back(text.toStdString()); }
+    bool EditMatrixSize(int&, int&) override { return false; }
+
+    QString path;  ///< empty: cancel
+    int filterIndex = 1;
+    bool yes = false;
+    std::vector<FileRequest> opened, saved;
+    std::vector<std::string> questions, messages;
+
+private:
+    std::optional<FileChoice> Answer(const FileRequest& request, std::vector<FileRequest>& asked) const {
+        asked.push_back(request);
+        return path.isEmpty() ? std::nullopt : std::optional(FileChoice{path, filterIndex});
+    }
+};
+
+/// The real main window on the offscreen platform, with the engine as at the program's start, no hardware, an empty
+/// profile, and a folder for files.
+class Studio : public testing::Test {
+protected:
+    struct LogRow {
+        std::string text;
+        int type;
+        bool operator==(const LogRow&) const = default;
+        friend void PrintTo(const LogRow& row, std::ostream* out) { *out << row.type << " " << row.text; }
+    };
+
+    Studio() {
+        Simulate("");
+        QSettings(QSettings::IniFormat, QSettings::UserScope, "Brennick Korva", "Tonewright").clear();
+        GetEngine().Reset();
+        ClearLastError();
+        Start();
+    }
+    ~Studio() override {
+        frame.reset();
+        unsetenv("ZVN_SIMULATION");
+        CAcqConfigDlg::SetAsk(nullptr);
+    }
+
+    void Start() {
+        frame.reset();
+        frame = std::make_unique<CMainFrame>();
+        ASSERT_TRUE(frame->OnCreate());
+    }
+    void Run(int id) { frame->RunCommand(id); }
+    bool IsEnabled(int id) const {
+        frame->UpdateCommands();
+        return frame->GetAction(id)->isEnabled();
+    }
+
+    std::vector<LogRow> Log() const {
+        std::vector<LogRow> rows;
+        const QTableWidget& list = frame->Logger().List();
+        for (int row = 0; row < list.rowCount(); ++row) {
+            const QString text = list.item(row, CLoggerWnd::ColumnMessage)->text();
+            rows.push_back({text.toStdString(), list.item(row, CLoggerWnd::ColumnType)->data(Qt::UserRole).toInt()});
+        }
+        return rows;
+    }
+
+    QString Path(const QString& name) const { return folder.filePath(name); }
+    /// Describes the servers of the machine.
+    void Simulate(const std::string& ini) {
+        const std::string path = Path("simulation.ini").toStdString();
+        Write("simulation.ini", ini);
+        setenv("ZVN_SIMULATION", path.c_str(), 1);
+    }
+    void Write(const QString& name, const std::string& content) const {
+        QFile file(Path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content.data(), static_cast<qint64>(content.size()));
+    }
+    /// A chart of 6 x 4 patches of 40 pixels on black, each of another color, white at the bottom left.
+    QString WriteChart(const QString& name) const {
+        CTivImage image(400, 280, CTivData::FormatRgb, nullptr, true);
+        for (int patch = 0; patch < 24; ++patch) {
+            const int row = patch / 6, column = patch % 6;
+            const auto shade = static_cast<std::uint8_t>(row == 3 ? 240 - 30 * column : 90 + 7 * patch);
+            const auto green = static_cast<std::uint8_t>(row == 3 ? shade : 110 + (patch * 53) % 120);
+            const auto blue = static_cast<std::uint8_t>(row == 3 ? shade : 100 + (patch * 31) % 110);
+            for (int y = 0; y < 40; ++y) {
+                for (int x = 0; x < 40; ++x) {
+                    image.SetData(30 + 60 * column + x, 30 + 60 * row + y, CTivData::Rgb(shade, green, blue));
+                }
+            }
+        }
+        EXPECT_TRUE(image.Save(Path(name).toStdString(), 5)) << LastError();
+        return Path(name);
+    }
+    void LoadChart() {
+        prompts.path = WriteChart("chart.bmp");
+        Run(ID_BTN_ACQ_LOAD_RAW_IMAGE);
+        prompts.path.clear();
+    }
+    /// Connects with the one simulated server.
+    void Connect(const std::string& ini) {
+        Simulate(ini);
+        const std::string server = ini.substr(1, ini.find(']') - 1);
+        CAcqConfigDlg::SetAsk([server](void*) { return CAcqConfigDlg::Choice{ZvnLocation(server), {}}; });
+        Run(ID_BTN_REFRESH_CAMERAS);
+    }
+
+    QTemporaryDir folder;
+    AnsweringPrompts prompts;
+    std::unique_ptr<CMainFrame> frame;
+};
