@@ -303,6 +303,7 @@ TEST_F(Workflow, UploadAndBackupReachACamera) {
     Run(ID_BTN_CLEAR_LOG);
     Run(ID_BTN_BACKUP_DEVICE_FILE);
     EXPECT_EQ(Log(), (Rows{{"Cannot read file from device.", LogError}}));
+    Write("memory/ColorCorrectionMatrix", "the factory's");
     LoadChart();
     prompts.path = Path("new.ccor");
     Run(ID_BTN_SAVE_CAMERA_FILE);
