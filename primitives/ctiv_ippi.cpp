@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <type_traits>
 #include <vector>
@@ -79,20 +80,21 @@ void deliver(const Moments& moments, int width, int height, double* mean, double
     *deviation = moments.Deviation(count);
 }
 
-bool holds(PrimitiveCompare compare, std::uint8_t value, std::uint8_t limit) {
+// Calls work(comparison), so that no pixel asks which one it is.
+template <class Work>
+void withComparison(PrimitiveCompare compare, Work work) {
     switch (compare) {
         case PrimitiveCompare::Less:
-            return value < limit;
+            return work(std::less<>());
         case PrimitiveCompare::LessEqual:
-            return value <= limit;
+            return work(std::less_equal<>());
         case PrimitiveCompare::Equal:
-            return value == limit;
+            return work(std::equal_to<>());
         case PrimitiveCompare::GreaterEqual:
-            return value >= limit;
+            return work(std::greater_equal<>());
         case PrimitiveCompare::Greater:
-            return value > limit;
+            return work(std::greater<>());
     }
-    return false;
 }
 
 void* allocateRows(std::int64_t rowBytes, int height, std::int64_t* pitch) {
@@ -222,14 +224,15 @@ int ctiv_ippiCompareC_8u_C3R(const std::uint8_t* source, std::int64_t sourcePitc
                              std::uint8_t* mask, std::int64_t maskPitch, int width, int height,
                              PrimitiveCompare compare) {
     if (absentAtThisLevel()) return kPrimitiveAbsent;
-    forEachRow(source, sourcePitch, height, [&](const std::uint8_t* row, int y) {
-        std::uint8_t* out = rowOf(mask, maskPitch, y);
-        for (int x = 0; x < width; ++x) {
-            const std::uint8_t* pixel = row + 3 * x;
-            const bool all = holds(compare, pixel[0], value[0]) && holds(compare, pixel[1], value[1]) &&
-                             holds(compare, pixel[2], value[2]);
-            out[x] = all ? 255 : 0;
-        }
+    withComparison(compare, [&](auto holds) {
+        forEachRow(source, sourcePitch, height, [&](const std::uint8_t* row, int y) {
+            std::uint8_t* out = rowOf(mask, maskPitch, y);
+            for (int x = 0; x < width; ++x) {
+                const std::uint8_t* pixel = row + 3 * x;
+                const bool all = holds(pixel[0], value[0]) & holds(pixel[1], value[1]) & holds(pixel[2], value[2]);
+                out[x] = all ? 255 : 0;
+            }
+        });
     });
     return 0;
 }
