@@ -164,12 +164,10 @@ void BlobStrip::Close(BlobNode* node, const SweepRules& rules) {
     }
 }
 
-void BlobStrip::CloseLast(const SweepRules& rules, bool wholeImage) {
+void BlobStrip::CloseLast(const SweepRules& rules) {
     for (const RunEntry& entry : previous_.Entries()) {
         BlobNode* node = entry.node->Resolve();
-        if (node->closed) continue;
-        if (wholeImage) node->seam = false;
-        Close(node, rules);
+        if (!node->closed) Close(node, rules);
     }
     previous_.Clear();
 }

@@ -88,8 +88,7 @@ public:
     void Join(const RowRuns& runs, std::int32_t row, const SweepRules& rules, bool belowSeam);
     bool IsFull(const SweepRules& rules) const { return accepted_ > rules.mostAccepted; }
     /// Closes all regions of the last row, which is then empty.
-    /// @param wholeImage no strip is left that could still join one of them
-    void CloseLast(const SweepRules& rules, bool wholeImage);
+    void CloseLast(const SweepRules& rules);
 
     /// Joins this strip's first row to the last row of the strip above. Regions of this strip are folded into those
     /// above, and what then ends above `bottom`, this strip's last row, is closed.
