@@ -3,10 +3,18 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <algorithm>
 
 #include "app/toolkit/RibbonBar.h"
 #include "app/toolkit/RibbonPage.h"
 #include "app/toolkit/RibbonPanel.h"
+
+namespace {
+
+constexpr int kRowBelow = 40;       // pixels of height that tell a row from a large button
+constexpr int kPictureCentre = 14;  // of a row's picture
+
+}  // namespace
 
 KeyTips::KeyTips(RibbonBar& bar) : QObject(&bar), bar_(bar) { qApp->installEventFilter(this); }
 
@@ -117,9 +125,11 @@ void KeyTips::ShowPage() {
     for (const RibbonPanel* panel : panels) {
         if (dropped && panel != dropped) continue;
         for (const RibbonBody::Target& target : panel->Targets()) {
+            // On a row the tip lies over the picture and leaves the text readable.
             QWidget* window = target.widget->window();
-            Show(target, window,
-                 target.widget->mapTo(window, QPoint(target.widget->width() / 2, target.widget->height())));
+            const bool isRow = target.widget->height() < kRowBelow;
+            const int x = isRow ? std::min(target.widget->width() / 2, kPictureCentre) : target.widget->width() / 2;
+            Show(target, window, target.widget->mapTo(window, QPoint(x, target.widget->height())));
         }
     }
 }

@@ -67,6 +67,7 @@ QLabel#keyTip { background: #2B3644; color: #FFFFFF; border-radius: 3px; padding
 
 QPushButton { background: #FFFFFF; border: 1px solid #C3CBD6; border-radius: 3px; padding: 4px 12px;
               min-height: 16px; font-weight: 400; }
+QDockWidget QPushButton { padding: 4px 6px; }
 QPushButton:hover { background: #E6EFFA; border-color: #8FB4DE; }
 QPushButton:pressed { background: #C9DEF5; }
 QPushButton:default { border-color: #1F63B0; }
@@ -91,6 +92,8 @@ QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid #8A97A8; bor
 QCheckBox::indicator:hover { border-color: #1F63B0; background: #E6EFFA; }
 QCheckBox::indicator:checked { border-color: #1F63B0; background: #1F63B0; image: url(:/icons/check-white.svg); }
 QCheckBox:focus { color: #1F63B0; }
+
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
 
 QToolTip { background: #FFFFFF; color: #1F2A37; border: 1px solid #C3CBD6; padding: 4px; }
 
