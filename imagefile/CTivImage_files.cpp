@@ -1,5 +1,9 @@
+#include <algorithm>
+#include <cstring>
 #include <fstream>
+#include <limits>
 #include <stdexcept>
+#include <vector>
 
 #include "foundation/CTivImage.h"
 #include "foundation/CTivOutputStream.h"
@@ -56,7 +60,10 @@ bool CTivImage::LoadFrom(CTivImageReader& reader) {
         throw std::runtime_error("CTivImage::Load => error setting region of interest");
     }
     if (reader.ExchangePixels(GetRecord()->data)) return true;
-    if (!reader.ReadData(0, reader.GetDataSize(), GetData())) {
+    // A file may say more bytes a pixel than its format has: no more is read than the image holds.
+    const std::int64_t room = GetImageBytes(GetWidth(), GetHeight(), GetFormat());
+    const auto bytes = static_cast<int>(std::min<std::int64_t>(reader.GetDataSize(), room));
+    if (!reader.ReadData(0, bytes, GetData())) {
         throw std::runtime_error("CTivImage::LoadFrom => error reading image data");
     }
     return true;
@@ -120,15 +127,24 @@ bool CTivImage::Save(CTivOutputStream& stream, int fileFormat) const {
     *parameters.roi.Set() = record->roi;
     const std::int64_t bytes = std::int64_t{record->width} * record->height * CTivData::GetFormatSize(record->format);
     try {
+        if (bytes > std::numeric_limits<int>::max()) throw std::runtime_error("image data too large");
+        const int length = static_cast<int>(bytes);
         if (fileFormat == ImageFileTiff) {
-            const int length = static_cast<int>(bytes);
             if (writeImageToStream(parameters, record->data, length, fileFormat, &stream) != 0) {
                 throw std::runtime_error("failed to write TIFF data to stream");
             }
             return true;
         }
         if (fileFormat == ImageFileCrc) {
-            writeCrc(parameters, record->data, static_cast<int>(bytes), &stream);
+            // Packed bits are fewer bytes than the file counts: zeros make up the rest.
+            std::vector<char> padded;
+            const void* data = record->data;
+            if (const std::int64_t held = GetImageBytes(record->width, record->height, record->format); held < bytes) {
+                padded.resize(static_cast<std::size_t>(bytes));
+                if (data) std::memcpy(padded.data(), data, static_cast<std::size_t>(held));
+                data = padded.data();
+            }
+            writeCrc(parameters, data, length, &stream);
             return true;
         }
         throw std::runtime_error("CTivImageFileFormat not supported: " + std::to_string(fileFormat));

@@ -18,13 +18,15 @@ namespace {
 constexpr std::size_t kSignatureBytes = 8;
 // A deflate stream unfolds to at most about 1032 times its size: a head that promises more is a lie.
 constexpr std::int64_t kMostUnfolding = 1100;
-constexpr std::int64_t kAlwaysAllowedBytes = 16 << 20;
 
 struct FileClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
+constexpr const char* kLibraryVersion = "1.6.37";  // of the interface that is asked for
+
 void onWarning(png_structp, png_const_charp) {}
+[[noreturn]] void onError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 
 }  // namespace
 
@@ -56,7 +58,7 @@ public:
 
     /// @return false where the library gives no structures: the reader then stays without a format
     bool Create() {
-        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, onWarning);
+        png_ = png_create_read_struct(kLibraryVersion, nullptr, onError, onWarning);
         if (png_) info_ = png_create_info_struct(png_);
         return info_ != nullptr;
     }
@@ -71,9 +73,13 @@ public:
         }
         png_set_sig_bytes(png_, kSignatureBytes);
         png_set_user_limits(png_, std::numeric_limits<std::int32_t>::max(), std::numeric_limits<std::int32_t>::max());
+        // What no pixel needs stays folded: a small chunk of text may hold a great deal.
+        png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(png_, info_);
         colorType = png_get_color_type(png_, info_);
         bitDepth = png_get_bit_depth(png_, info_);
+        storedBytes = static_cast<std::int64_t>(png_get_rowbytes(png_, info_)) *
+                      static_cast<std::int64_t>(png_get_image_height(png_, info_));
         SetTransformations();
         png_set_interlace_handling(png_);
         png_read_update_info(png_, info_);
@@ -96,6 +102,7 @@ public:
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::int64_t rowBytes = 0;
+    std::int64_t storedBytes = 0;  // of the samples as the file holds them
 
 private:
     static void RequireSignature(const std::uint8_t* bytes) {
@@ -170,8 +177,7 @@ void PngImageReader::Read(Decoder& decoder) {
     const CTivData::Format format = gray ? (deep ? CTivData::FormatUShort : CTivData::FormatUByte)
                                          : (deep ? CTivData::FormatRgb16 : CTivData::FormatRgb);
     size_ = decoder.rowBytes * decoder.height;
-    if (size_ > std::numeric_limits<int>::max() ||
-        size_ > kAlwaysAllowedBytes + decoder.SourceBytes() * kMostUnfolding ||
+    if (size_ > std::numeric_limits<int>::max() || decoder.storedBytes > decoder.SourceBytes() * kMostUnfolding ||
         decoder.rowBytes != std::int64_t{CTivData::GetFormatSize(format)} * decoder.width) {
         throw std::runtime_error(kFailed);
     }

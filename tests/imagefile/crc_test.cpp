@@ -47,6 +47,20 @@ TEST(Crc, ImageAndRoiComeBack) {
     EXPECT_EQ(back.GetRoi(), image.GetRoi());
 }
 
+TEST(Crc, SizesThatDisagreeWithTheFormatStayInsideTheImage) {
+    const std::string good = written(countingImage(2, 2, D::FormatUByte));
+    const std::string fat = withU32(good.substr(0, kHeadBytes) + std::string(400, 'x'), 64, 100);
+    writeFile(scratchFile("fat.crc"), fat);
+    CTivImage image;
+    ASSERT_TRUE(image.Load(scratchFile("fat.crc"), true)) << LastError();
+    EXPECT_EQ(image.GetData(1, 1).AsInt(), 'x');
+    CTivImage bits = countingImage(16, 2, D::FormatBinary);
+    ASSERT_TRUE(bits.Save(scratchFile("bits.crc"), 6));
+    EXPECT_EQ(readFile(scratchFile("bits.crc")).size(), kHeadBytes + 32 + 180);
+    ASSERT_TRUE(image.Load(scratchFile("bits.crc"), true)) << LastError();
+    EXPECT_TRUE(samePixels(bits, image));
+}
+
 TEST(Crc, AFormatWithoutADeviceCodeIsWrittenAndNotLoaded) {
     const CTivImage image = countingImage(2, 2, D::FormatRgb);
     ASSERT_TRUE(image.Save(scratchFile("rgb.crc"), 6));
