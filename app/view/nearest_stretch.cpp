@@ -1,5 +1,6 @@
 #include "app/view/nearest_stretch.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -30,9 +31,13 @@ void pick(const NurImage& image, const Places& columns, const Places& rows, std:
 }  // namespace
 
 std::vector<std::int32_t> NearestPlaces(std::int32_t begin, std::int32_t size, std::int32_t count) {
+    // In the float32 steps of ViewGeometry::ClientToImage, so that the pixel that is read is the one that is seen.
+    const float step = static_cast<float>(size) / static_cast<float>(count);
     Places places(static_cast<std::size_t>(count));
-    std::int64_t i = 0;
-    for (std::int32_t& place : places) place = begin + static_cast<std::int32_t>(i++ * size / count);
+    std::int32_t i = 0;
+    for (std::int32_t& place : places) {
+        place = begin + std::min(static_cast<std::int32_t>(step * static_cast<float>(i++)), size - 1);
+    }
     return places;
 }
 
