@@ -33,7 +33,7 @@ constexpr Signature kSignatures[] = {
 };
 
 constexpr const char* kKindNames[] = {
-    "unknown", "bmp", "tiff", "png", "crc", "native image", "native vector", "parameters", "coefficients",
+    nullptr, "bmp", "tiff", "png", "crc", "native image", "native vector", "parameters", "coefficients",
 };
 
 constexpr std::pair<const char*, int> kExtensions[] = {
@@ -63,13 +63,21 @@ FileKind FindKind(const std::string& path) {
     return FileKind::Unknown;
 }
 
-CTivImage LoadImage(const std::string& path) {
+CTivImage LoadImageWithRoi(const std::string& path) {
     const FileKind kind = FindKind(path);
     if (kind == FileKind::NativeImage) RequireWholeImage(path);
     CTivImage image;
     Require([&] { return image.Load(path, true); }, path, "cannot read the image");
+    if (!CTivData::GetFormatName(image.GetFormat())) {
+        throw WorkFailure(path + ": CTivImage::Load => unrecognized image data format");
+    }
     const bool isDeep = image.GetFormat() == CTivData::FormatUShort || image.GetFormat() == CTivData::FormatRgb16;
     if (kind == FileKind::Png && isDeep) swapBytes(image);
+    return image;
+}
+
+CTivImage LoadImage(const std::string& path) {
+    CTivImage image = LoadImageWithRoi(path);
     image.SetRoi({});
     return image;
 }

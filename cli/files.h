@@ -7,15 +7,18 @@
 /// What a file is, by its first bytes.
 enum class FileKind { Unknown, Bmp, Tiff, Png, Crc, NativeImage, NativeVector, Parameters, Coefficients };
 
-/// @return the kind's name in the documents of `info`, "unknown" for Unknown
+/// @return the kind's name in the documents of `info`, null for Unknown
 const char* GetKindName(FileKind kind);
 
 /// @return Unknown also for a file that cannot be read
 FileKind FindKind(const std::string& path);
 
-/// Loads an image of any kind, whole: a smaller region in a native file is widened, and the words of a 16-bit PNG,
-/// which the library leaves in the file's order, are put into the machine's.
+/// Loads an image of any kind as its file has it, but for the words of a 16-bit PNG, which the library leaves in the
+/// file's order: they are put into the machine's.
 /// @throw WorkFailure with the library's message, and for a native record that is shorter than its head says
+CTivImage LoadImageWithRoi(const std::string& path);
+
+/// The same, whole: a smaller region in a native file is widened.
 CTivImage LoadImage(const std::string& path);
 
 /// @return the file format number for CTivImage::Save by the name's extension (.bmp, .tif, .zvk, .crc, in any case),

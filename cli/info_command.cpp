@@ -32,10 +32,8 @@ Json metadataOf(CTivImageReader& reader) {
     return metadata;
 }
 
-Json describeImage(const std::string& path, FileKind kind) {
-    if (kind == FileKind::NativeImage) RequireWholeImage(path);
-    CTivImage image;
-    Require([&] { return image.Load(path, true); }, path, "cannot read the image");
+Json describeImage(const std::string& path) {
+    const CTivImage image = LoadImageWithRoi(path);
     CTivImageReader reader;
     Require([&] { return reader.SetDataSource(path); }, path, "cannot read the image");
     const CTivRect roi = image.GetRoi();
@@ -93,14 +91,14 @@ Json describe(const std::string& path, FileKind kind) {
         case FileKind::Coefficients:
             return describeCoefficients(path);
         default:
-            return describeImage(path, kind);
+            return describeImage(path);
     }
 }
 
 /// One file's object. A file that fails has the reason in the place of what it holds.
 Json describeFile(const std::string& path, int& status) {
     const FileKind kind = FindKind(path);
-    Json object = {{"file", path}, {"kind", GetKindName(kind)}};
+    Json object = {{"file", path}, {"kind", kind == FileKind::Unknown ? Json() : Json(GetKindName(kind))}};
     std::string problem;
     try {
         object.update(describe(path, kind));

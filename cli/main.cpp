@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
 
     CLI::App tool("Calibrates the colors of cameras from pictures of a color chart.", "tonewright");
     tool.set_version_flag("--version", "tonewright " TONEWRIGHT_VERSION);
-    tool.require_subcommand(1);
+    tool.require_subcommand(0, 1);  // none is told below, so that an unknown word is named
     Work work;
     for (const auto add : kCommands) add(tool, work);
     try {
@@ -60,5 +60,5 @@ int main(int argc, char** argv) {
     } catch (const UsageFailure& failure) {
         return fail(kWrongUsage, failure.what());
     }
-    return run(work);
+    return work ? run(work) : fail(kWrongUsage, "a command is needed\nRun with --help for more information.");
 }

@@ -264,7 +264,8 @@ TEST(PatchDetector, APatchOutsideTheImageRepeatsTheOneBefore) {
     PatchDetector detector;
     ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {6, 4}));
     // Measured with a ROI that lies higher, the first row leaves the image: the whole image stands in for it at first.
-    const ChartRoi higher = {0, -chart.Top(1), chart.Width(), chart.Height() - chart.Top(1)};
+    const int pitch = chart.patch + chart.gap;
+    const ChartRoi higher = {0, -pitch, chart.Width(), chart.Height() - pitch};
     image.SetRoi({chart.Left(5), chart.Top(3), 20, 20});
     ClearLastError();
     const PatchColors colors = detector.GetRawColors(image, higher, {6, 3});

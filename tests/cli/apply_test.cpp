@@ -51,7 +51,8 @@ TEST_F(Apply, OneBadInputDoesNotStopTheOthers) {
     const json document = run.Document();
     ASSERT_EQ(document.size(), 3u);
     EXPECT_EQ(document[0]["ok"], false);
-    EXPECT_THAT(document[0]["error"].get<std::string>(), HasSubstr("Failed to read image from file"));
+    EXPECT_THAT(document[0]["error"].get<std::string>(),
+                HasSubstr("bad.bmp: readBMP: cannot read header of the bitmap file"));
     EXPECT_EQ(document[1]["output"], Path("out/chart.tif"));
     EXPECT_EQ(document[2]["ok"], true);
     EXPECT_FALSE(std::filesystem::exists(Path("out/bad.tif")));

@@ -51,7 +51,7 @@ TEST_F(CommandLine, AWrongOneIsTwoAndNamesTheArgument) {
         std::vector<std::string> arguments;
         const char* named;
     } cases[] = {
-        {{}, "subcommand"},
+        {{}, "command"},
         {{"frobnicate"}, "frobnicate"},
         {{"detect"}, "IMAGE"},
         {{"detect", image, "--colour"}, "--colour"},

@@ -67,11 +67,13 @@ TEST_F(Calibrate, TheFitBringsTheSampleNearItsReference) {
         ASSERT_EQ(run.status, 0) << run.err;
         const json quality = run.Document()["quality"];
         for (const char* measure : {"deltaE00", "deltaE76"}) {
-            const json& fitted = quality[measure];
-            ASSERT_EQ(fitted["patches"].size(), 24u);
-            EXPECT_LT(fitted["mean"], quality["before"][measure]["mean"]) << terms << measure;
-            EXPECT_LE(fitted["median"], fitted["max"]);
+            EXPECT_EQ(quality[measure]["patches"].size(), 24u);
+            EXPECT_EQ(quality["before"][measure]["patches"].size(), 24u);
+            EXPECT_LE(quality[measure]["median"], quality[measure]["max"]);
         }
+        // Half as far at the most, for terms that bend with the picture's own gamma; straight ones do what they can.
+        const double allowed = std::string(terms) == "4" ? 1.0 : 0.5;
+        EXPECT_LT(quality["deltaE00"]["mean"], allowed * quality["before"]["deltaE00"]["mean"].get<double>()) << terms;
         EXPECT_EQ(run.Document()["transform"][2].size(), static_cast<std::size_t>(std::stoi(terms)));
     }
 }

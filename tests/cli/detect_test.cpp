@@ -18,7 +18,7 @@ std::string pathOf(const std::string& picture) {
 
 std::string listOf(const json& numbers) {
     std::string text;
-    for (const auto& number : numbers) text += (text.empty() ? "" : ",") + std::to_string(number.get<int>());
+    for (const auto& number : numbers) text.append(text.empty() ? "" : ",").append(number.dump());
     return text;
 }
 
@@ -32,6 +32,21 @@ int patchesWithin(const json& found, const json& listed, int levels) {
         count += isNear;
     }
     return count;
+}
+
+TEST_F(Detect, FindsTheChartInPhotographs) {
+    std::ifstream index(TONEWRIGHT_TEST_DATA "/charts/index.json");
+    for (const json& picture : json::parse(index)) {
+        const std::string name = picture["name"];
+        const ToolRun run = RunTool({"detect", pathOf(name), "--roi", listOf(picture["roi"])});
+        ASSERT_EQ(run.status, 0) << name << run.err;
+        const json document = run.Document();
+        EXPECT_EQ(document["complete"], true) << name;
+        EXPECT_EQ(document["orientation"], picture["orientation"]) << name;
+        EXPECT_EQ(document["roi"], picture["roi"]) << name;
+        // The colors that were measured by hand are rounded, the tool's are cut; perspective costs a patch or two.
+        EXPECT_GE(patchesWithin(document["colors"], picture["colors"], 3), 22) << name;
+    }
 }
 
 TEST_F(Detect, DescribesADrawnChartInFull) {
