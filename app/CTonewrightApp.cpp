@@ -32,9 +32,7 @@ bool CTonewrightApp::InitInstance() {
         GetPrompts().ShowError(QString::fromStdString(title), QString::fromStdString(text));
     });
     InstallAcquisitionDialogs();
-
-    m_mainFrame = std::make_unique<CMainFrame>();
-    if (!m_mainFrame->OnCreate()) return false;
+    if (!CreateMainFrame()) return false;
     const QRect free = m_mainFrame->screen()->availableGeometry();
     m_mainFrame->move(free.center() - QRect(QPoint(0, 0), m_mainFrame->size()).center());
     m_mainFrame->show();
@@ -42,11 +40,18 @@ bool CTonewrightApp::InitInstance() {
 }
 
 int CTonewrightApp::ExitInstance(int code) {
-    m_mainFrame.reset();
+    DestroyMainFrame();
     nur_set_message_box({});
     CTivManager::Shutdown();
     return code;
 }
+
+bool CTonewrightApp::CreateMainFrame() {
+    m_mainFrame = std::make_unique<CMainFrame>();
+    return m_mainFrame->OnCreate();
+}
+
+void CTonewrightApp::DestroyMainFrame() { m_mainFrame.reset(); }
 
 bool CTonewrightApp::notify(QObject* receiver, QEvent* event) {
     try {

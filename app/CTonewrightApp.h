@@ -20,6 +20,9 @@ public:
     /// What a handler throws is logged as an error, and the program goes on.
     bool notify(QObject* receiver, QEvent* event) override;
 
+    /// Makes the main window, or takes it down. @return false where it can't be made
+    bool CreateMainFrame();
+    void DestroyMainFrame();
     CMainFrame* GetMainFrame() { return m_mainFrame.get(); }
 
 private:

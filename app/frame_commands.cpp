@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "app/CAboutDlg.h"
+#include "app/CHelpWnd.h"
 #include "app/CMainFrame.h"
 #include "app/CommandTable.h"
 #include "app/GetEngine.h"
@@ -188,7 +189,7 @@ void CMainFrame::OnExit() { close(); }
 void CMainFrame::OnAbout() { CAboutDlg(this).exec(); }
 
 void CMainFrame::OnHelp() {
-    if (!OpenHelpFile()) LogMessage("Failed to launch help.", LogError);
+    if (!OpenHelpFile()) (new CHelpWnd(this))->show();
 }
 
 void CMainFrame::OnContextHelp() { QWhatsThis::enterWhatsThisMode(); }

@@ -18,10 +18,10 @@ constexpr int kShortSlider = 64;
 
 QMenu* makeMenu(std::span<const int> ids, const RibbonActions& actions) {
     auto* menu = new QMenu;
-    menu->setToolTipsVisible(true);
     for (const int id : ids) {
         if (id) {
             menu->addAction(actions(id));
+            if (!actions(id)->whatsThis().isEmpty()) menu->setToolTipsVisible(true);
         } else {
             menu->addSeparator();
         }

@@ -122,7 +122,8 @@ int RibbonField::Arrange(int labelWidth, int sliderWidth, int height) {
 void FollowAction(QWidget* widget, QAction* action) {
     const auto follow = [widget, action] {
         widget->setEnabled(action->isEnabled());
-        widget->setToolTip(action->toolTip());
+        // An action without a tip of its own would show its text once more.
+        widget->setToolTip(action->whatsThis().isEmpty() ? QString() : action->toolTip());
         widget->setWhatsThis(action->whatsThis());
     };
     follow();

@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <stdexcept>
 
+#include "app/CTonewrightApp.h"
 #include "app/CommandTable.h"
 #include "app/StatusTexts.h"
 #include "app/panes/CRawColorWnd.h"
@@ -203,6 +204,24 @@ TEST_F(Frame, WhatAHandlerThrowsIsLogged) {
     log(std::invalid_argument("invalid stof argument"));
     EXPECT_EQ(Log(), (std::vector<LogRow>{{"no convergence in 30 svdcmp iterations", LogError},
                                           {"invalid stof argument", LogError}}));
+}
+
+class Thrower : public QObject {
+public:
+    bool event(QEvent*) override { throw static_cast<const char*>("plain text"); }
+};
+
+TEST_F(Frame, AnExceptionOutOfAnEventIsLoggedAndTheProgramGoesOn) {
+    auto& application = static_cast<CTonewrightApp&>(*QCoreApplication::instance());
+    frame.reset();
+    ASSERT_TRUE(application.CreateMainFrame());
+    Thrower thrower;
+    QCoreApplication::postEvent(&thrower, new QEvent(QEvent::User));
+    QCoreApplication::processEvents();
+    const QTableWidget& list = application.GetMainFrame()->Logger().List();
+    EXPECT_EQ(list.rowCount(), 1);
+    EXPECT_EQ(list.item(0, CLoggerWnd::ColumnMessage)->text(), "plain text");
+    application.DestroyMainFrame();
 }
 
 TEST_F(Frame, ViewersTellTheStatusBar) {

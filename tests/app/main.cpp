@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include "app/CTonewrightApp.h"
 #include "app/toolkit/Prompts.h"
 
 namespace {
@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
             QSettings::setPath(format, scope, settings.path());
         }
     }
-    QApplication application(argc, argv);
+    CTonewrightApp application(argc, argv);
     testing::UnitTest::GetInstance()->listeners().Append(new CancelByDefault);
     return RUN_ALL_TESTS();
 }

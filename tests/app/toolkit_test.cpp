@@ -1,0 +1,222 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTest>
+#include <map>
+
+#include "app/toolkit/FileFilters.h"
+#include "app/toolkit/Profile.h"
+#include "app/toolkit/RibbonBar.h"
+#include "app/toolkit/RibbonButton.h"
+#include "app/toolkit/RibbonField.h"
+#include "app/toolkit/RibbonForms.h"
+#include "app/toolkit/RibbonPage.h"
+#include "app/toolkit/RibbonPanel.h"
+
+namespace {
+
+TEST(FileFilters, PairsBecomeNameFilters) {
+    struct Case {
+        const char* filters;
+        QStringList expected;
+    };
+    for (const Case& c :
+         {Case{"BMP Files (*.bmp)|*.bmp|TIFF Files (*.tif)|*.tif||", {"BMP Files (*.bmp)", "TIFF Files (*.tif)"}},
+          Case{"Pictures|*.bmp;*.tif||", {"Pictures (*.bmp *.tif)"}}, Case{"Broken|", {}}, Case{"", {}}}) {
+        EXPECT_EQ(ParseFileFilters(c.filters), c.expected) << c.filters;
+    }
+}
+
+TEST(FileFilters, StartPathSplitsIntoDirectoryAndName) {
+    struct Case {
+        const char* path;
+        const char* directory;
+        const char* name;
+    };
+    for (const Case& c : {Case{"/base/Tonewright//Images/*.bmp", "/base/Tonewright/Images", ""},
+                          Case{"/base/chart.bmp", "/base", "chart.bmp"}, Case{"*.csv", "", ""}, Case{"", "", ""},
+                          Case{"values.csv", "", "values.csv"}}) {
+        const DialogStart start = ParseStartPath(c.path);
+        EXPECT_EQ(start.directory, c.directory) << c.path;
+        EXPECT_EQ(start.fileName, c.name) << c.path;
+    }
+}
+
+TEST(Profile, KeepsTextsAndNumbersBySectionAndEntry) {
+    Profile& profile = GetProfile();
+    const QString awkward = QString::fromUtf8("/b\xC3\xA4r, 100%;\\x=\"1\"");
+    profile.WriteString("One", "Name", awkward);
+    profile.WriteInt("Two", "Name", 3);
+    EXPECT_EQ(profile.ReadString("One", "Name", "else"), awkward);
+    EXPECT_EQ(profile.ReadInt("Two", "Name", 1), 3);
+    EXPECT_EQ(profile.ReadInt("One", "Name", 7), 7) << "no number";
+    EXPECT_EQ(profile.ReadString("Three", "Name", "else"), "else");
+}
+
+TEST(RibbonForms, StepsAreTakenInOrderUntilAllFits) {
+    using enum RibbonForm;
+    const std::vector<RibbonPanelWidths> panels{{300, 200, 50}, {200, 220, 60}, {100, 100, 40}};
+    const std::vector<RibbonShrinkStep> steps{{1, Compact}, {0, Compact}, {2, Compact},
+                                              {1, Button},  {0, Button},  {2, Button}};
+    struct Case {
+        int available;
+        std::vector<RibbonForm> expected;
+    };
+    for (const Case& c :
+         {Case{600, {Full, Full, Full}}, Case{599, {Compact, Full, Full}},  // a wider form is no help
+          Case{500, {Compact, Full, Full}}, Case{499, {Compact, Button, Full}}, Case{210, {Button, Button, Full}},
+          Case{150, {Button, Button, Button}}, Case{10, {Button, Button, Button}}}) {
+        EXPECT_EQ(ChooseRibbonForms(panels, steps, c.available), c.expected) << c.available;
+    }
+}
+
+TEST(RibbonButton, CaptionBreaksWhereItIsNarrowest) {
+    const auto width = [](const QString& text) { return static_cast<int>(text.size()); };
+    EXPECT_EQ(BalanceCaption("Snap", width), (QStringList{"Snap"}));
+    EXPECT_EQ(BalanceCaption("Calibrate and Preview", width), (QStringList{"Calibrate", "and Preview"}));
+    EXPECT_EQ(BalanceCaption("Acquisition Device Coefficients", width),
+              (QStringList{"Acquisition Device", "Coefficients"}));
+}
+
+TEST(RibbonEdit, CommitsOnceByEnterOrByLeavingAndEscapeTakesItBack) {
+    QWidget window;
+    RibbonEdit edit(&window);
+    QLineEdit other(&window);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QSignalSpy committed(&edit, &RibbonEdit::committed);
+    edit.ShowText("45");
+    edit.setFocus();
+    other.setFocus();
+    EXPECT_EQ(committed.count(), 0) << "left as it was";
+    edit.setFocus();
+    edit.selectAll();
+    QTest::keyClicks(&edit, "60");
+    QTest::keyClick(&edit, Qt::Key_Escape);
+    EXPECT_EQ(edit.text(), "45");
+    QTest::keyClicks(&edit, "70");
+    QTest::keyClick(&edit, Qt::Key_Return);
+    EXPECT_EQ(committed.count(), 1);
+    other.setFocus();
+    EXPECT_EQ(committed.count(), 1) << "committed already";
+    edit.setFocus();
+    QTest::keyClicks(&edit, "1");
+    other.setFocus();
+    EXPECT_EQ(committed.count(), 2);
+}
+
+constexpr int kEdit = 1, kSlider = 2, kPush = 3, kMenu = 4, kEntry = 5, kHelp = 6;
+constexpr int kEntries[] = {kEntry};
+constexpr ribbon::Item kItems[] = {
+    {.kind = ribbon::Kind::Field,
+     .id = kEdit,
+     .keyTip = "E",
+     .editWidth = 40,
+     .sliderId = kSlider,
+     .sliderWidth = 100,
+     .range = {5, 100}},
+    {.kind = ribbon::Kind::Large, .id = kPush, .keyTip = "P"},
+    {.kind = ribbon::Kind::Large, .id = kMenu, .keyTip = "M", .menu = ribbon::Menu::Whole, .menuIds = kEntries},
+};
+constexpr ribbon::Panel kPanels[] = {{"Panel", "", "Z", kItems}};
+constexpr RibbonShrinkStep kSteps[] = {{0, RibbonForm::Compact}, {0, RibbonForm::Button}};
+constexpr ribbon::Tab kTabs[] = {{"First", "A", kPanels, kSteps}, {"Second", "B", {}, {}}};
+constexpr int kHelpEntries[] = {kEntry};
+constexpr ribbon::FileEntry kFile[] = {{kPush, "&Push", "CTRL+X"}};
+constexpr ribbon::Layout kLayout{"File", "F", kFile, "Recent Documents", 300, kTabs, kHelp, kHelpEntries};
+
+class Ribbon : public testing::Test {
+protected:
+    Ribbon() {
+        for (const int id : {kEdit, kSlider, kPush, kMenu, kEntry, kHelp}) {
+            auto* action = new QAction(QString("Command %1").arg(id), &window);
+            action->setData(id);
+            QObject::connect(action, &QAction::triggered, [this, id] { ++runs[id]; });
+            actions[id] = action;
+        }
+        bar = new RibbonBar(
+            kLayout, [this](int id) { return actions.at(id); }, &window);
+        window.show();
+        SetWidth(800);
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+    void SetWidth(int width) {
+        window.resize(width, 300);
+        bar->resize(width, bar->sizeHint().height());
+        QCoreApplication::processEvents();
+    }
+    RibbonPanel& Panel() { return *bar->CurrentPage().Panels().front(); }
+    int TipsOnShow() {
+        int count = 0;
+        for (const QLabel* label : window.findChildren<QLabel*>("keyTip")) count += label->isVisible() ? 1 : 0;
+        return count;
+    }
+
+    QWidget window;
+    std::map<int, QAction*> actions;
+    std::map<int, int> runs;
+    RibbonBar* bar;
+};
+
+TEST_F(Ribbon, PanelShrinksToAButtonWhoseDropDownHoldsTheSameControls) {
+    EXPECT_EQ(Panel().Form(), RibbonForm::Full);
+    SetWidth(60);
+    ASSERT_EQ(Panel().Form(), RibbonForm::Button);
+    EXPECT_FALSE(Panel().Body().isVisible());
+    Panel().OpenDropDown();
+    EXPECT_TRUE(Panel().Body().isVisible());
+    bar->SetEditText(kEdit, "12");
+    EXPECT_EQ(bar->EditText(kEdit), "12");
+    actions[kPush]->trigger();
+    EXPECT_FALSE(Panel().IsDroppedDown()) << "a command closes it";
+    SetWidth(800);
+    EXPECT_TRUE(Panel().Body().isVisible());
+    EXPECT_EQ(Panel().Body().parentWidget(), &Panel());
+}
+
+TEST_F(Ribbon, OnlyTheUsersMovesAreTold) {
+    QSignalSpy slid(bar, &RibbonBar::slid);
+    bar->SetSliderValue(kSlider, 200);
+    EXPECT_EQ(bar->SliderValue(kSlider), 100) << "kept in its range";
+    EXPECT_EQ(slid.count(), 0);
+    auto* slider = window.findChild<RibbonSlider*>();
+    slider->setFocus();
+    QTest::keyClick(slider, Qt::Key_Left);
+    ASSERT_EQ(slid.count(), 1);
+    EXPECT_EQ(slid[0][0].toInt(), kSlider);
+}
+
+TEST_F(Ribbon, DisabledActionsDisableTheirControls) {
+    actions[kEdit]->setEnabled(false);
+    EXPECT_FALSE(window.findChild<RibbonEdit*>()->isEnabled());
+    EXPECT_TRUE(window.findChild<RibbonSlider*>()->isEnabled());
+}
+
+TEST_F(Ribbon, LettersAfterAltReachTabsAndControls) {
+    QTest::keyClick(&window, Qt::Key_Alt);
+    EXPECT_EQ(TipsOnShow(), 3);
+    QTest::keyClick(&window, Qt::Key_A);
+    EXPECT_EQ(TipsOnShow(), 3);
+    QTest::keyClick(&window, Qt::Key_P);
+    EXPECT_EQ(runs[kPush], 1);
+    EXPECT_EQ(TipsOnShow(), 0);
+
+    QTest::keyClick(&window, Qt::Key_Alt);
+    QTest::keyClick(&window, Qt::Key_A);
+    QTest::keyClick(&window, Qt::Key_E);
+    EXPECT_EQ(QApplication::focusWidget(), window.findChild<RibbonEdit*>());
+
+    QTest::keyClick(&window, Qt::Key_Alt);
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_EQ(TipsOnShow(), 0);
+    QTest::keyClick(&window, Qt::Key_P);
+    EXPECT_EQ(runs[kPush], 1) << "no tips, no command";
+}
+
+}  // namespace
