@@ -26,14 +26,17 @@ void* place(void* base, BlockHead head) {
 
 void* mapBlock(std::uint64_t bytes) {
     const bool huge = bytes >= kHugeFrom;
-    const std::uint64_t wanted = bytes + kAlignment + (huge ? kHugePage : 0);
+    std::uint64_t used = bytes + kAlignment;
+    // Whole huge pages to the end: a rest in small ones costs more than all the others.
+    if (huge) used = (used + kHugePage - 1) / kHugePage * kHugePage;
+    const std::uint64_t wanted = used + (huge ? kHugePage : 0);
     // Without reserve: a size that a file declares is only a promise, and pages count when they are touched.
     void* mapping = mmap(nullptr, wanted, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (mapping == MAP_FAILED) return nullptr;
     auto address = reinterpret_cast<std::uintptr_t>(mapping);
     if (huge) {
         address = (address + kHugePage - 1) / kHugePage * kHugePage;
-        madvise(reinterpret_cast<void*>(address), bytes + kAlignment, MADV_HUGEPAGE);
+        madvise(reinterpret_cast<void*>(address), used, MADV_HUGEPAGE);
     }
     return place(reinterpret_cast<void*>(address), {mapping, wanted});
 }
