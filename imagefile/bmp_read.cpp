@@ -8,12 +8,13 @@
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
 #include "imagefile/bmp_rle_impl.h"
+#include "imagefile/color_rows_impl.h"
 
 namespace {
 
 using D = CTivData;
 
-constexpr std::int64_t kBlockBytes = 1 << 20;
+constexpr std::int64_t kBlockBytes = 128 << 10;  // stays in the cache between the file and the image
 constexpr const char* kReadingBits = "readBMP: error reading bits\n";
 
 template <class... Arguments>
@@ -52,19 +53,8 @@ void grayRow(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count,
     std::memcpy(pixels, bytes, count);
 }
 
-void bgrRow(const std::uint8_t* __restrict bytes, std::uint8_t* __restrict pixels, std::size_t count, const Palette&) {
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        std::uint32_t in[3];
-        std::memcpy(in, bytes + 3 * i, sizeof in);
-        const std::uint32_t out[4] = {in[0] & 0xFFFFFF, (in[0] >> 24 | in[1] << 8) & 0xFFFFFF,
-                                      (in[1] >> 16 | in[2] << 16) & 0xFFFFFF, in[2] >> 8};
-        std::memcpy(pixels + 4 * i, out, sizeof out);
-    }
-    for (; i < count; ++i) {
-        std::copy(bytes + 3 * i, bytes + 3 * i + 3, pixels + 4 * i);
-        pixels[4 * i + 3] = 0;
-    }
+void bgrRow(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count, const Palette&) {
+    spreadBgr(bytes, pixels, count);
 }
 
 void wordRow(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count, const Palette&) {

@@ -10,12 +10,13 @@
 #include "imagefile/bit_order_impl.h"
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
+#include "imagefile/color_rows_impl.h"
 
 namespace {
 
 using D = CTivData;
 
-constexpr std::int64_t kBlockBytes = 1 << 20;
+constexpr std::int64_t kBlockBytes = 128 << 10;  // stays in the cache between the file and the image
 constexpr std::int32_t kPixelsPerMeter = 2925;
 
 struct ImageFree {
@@ -29,18 +30,6 @@ struct Layout {
     std::vector<std::uint32_t> palette;  // or the three masks
     void (*row)(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count);
 };
-
-void packBgr(const std::uint8_t* __restrict pixels, std::uint8_t* __restrict bytes, std::size_t count) {
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        std::uint32_t in[4];
-        std::memcpy(in, pixels + 4 * i, sizeof in);
-        const std::uint32_t out[3] = {(in[0] & 0xFFFFFF) | in[1] << 24, (in[1] >> 8 & 0xFFFF) | in[2] << 16,
-                                      (in[2] >> 16 & 0xFF) | in[3] << 8};
-        std::memcpy(bytes + 3 * i, out, sizeof out);
-    }
-    for (; i < count; ++i) std::copy(pixels + 4 * i, pixels + 4 * i + 3, bytes + 3 * i);
-}
 
 void copyWords(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
     std::memcpy(bytes, pixels, 4 * count);

@@ -264,7 +264,11 @@ private:
     const std::uint8_t* ReadLine(std::int32_t y, int plane) {
         const int answer =
             TIFFReadScanline(tif_, line_.get(), static_cast<std::uint32_t>(y), static_cast<std::uint16_t>(plane));
-        if (Broken() || answer < 0) return nullptr;
+        if (Broken()) return nullptr;
+        if (answer < 0) {  // some codecs say no more than that
+            refuse("readTIFF: error reading scanline\n");
+            return nullptr;
+        }
         if (!isPacked_) return line_.get();
         const std::size_t count = std::size_t{width_} * (isPlanar_ ? 1u : samples_);
         if (sampleBytes_ == 1) {

@@ -1,10 +1,10 @@
 #include "imagefile/tiff_rows_impl.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 #include "imagefile/bit_order_impl.h"
+#include "imagefile/color_rows_impl.h"
 
 namespace {
 
@@ -58,23 +58,9 @@ void colorRow(const std::uint8_t* samples, std::uint8_t* pixels, std::size_t cou
     }
 }
 
-// The same for three samples side by side, four pixels of twelve bytes at a time.
-void color3Row(const std::uint8_t* __restrict samples, std::uint8_t* __restrict pixels, std::size_t count,
-               const TiffRowShape& shape) {
-    static_assert(std::endian::native == std::endian::little);
-    const std::size_t whole = count & ~std::size_t{3};
-    for (std::size_t i = 0; i < whole; i += 4) {
-        const std::uint8_t* at = samples + 3 * i;
-        const auto a = load<std::uint32_t>(at);
-        const auto b = load<std::uint32_t>(at + 4);
-        const auto c = load<std::uint32_t>(at + 8);
-        std::uint8_t* to = pixels + 4 * i;
-        store(to, __builtin_bswap32(a) >> 8);
-        store(to + 4, __builtin_bswap32(a >> 24 | b << 8) >> 8);
-        store(to + 8, __builtin_bswap32(b >> 16 | c << 16) >> 8);
-        store(to + 12, __builtin_bswap32(c) & 0xFFFFFF);
-    }
-    colorRow(samples + 3 * whole, pixels + 4 * whole, count - whole, shape);
+// The same for three samples side by side.
+void color3Row(const std::uint8_t* samples, std::uint8_t* pixels, std::size_t count, const TiffRowShape&) {
+    spreadRgb(samples, pixels, count);
 }
 
 void rgb10Row(const std::uint8_t* samples, std::uint8_t* pixels, std::size_t count, const TiffRowShape& shape) {
@@ -109,25 +95,6 @@ void unpack(const std::uint8_t* packed, unsigned bits, std::size_t count, Sample
     }
 }
 
-// Writing: third, second and first byte of memory, so R, G, B for FormatRgb; four pixels at a time.
-void packColors(const std::uint8_t* __restrict pixels, std::uint8_t* __restrict samples, std::size_t count) {
-    const std::size_t whole = count & ~std::size_t{3};
-    for (std::size_t i = 0; i < whole; i += 4) {
-        const std::uint8_t* at = pixels + 4 * i;
-        const std::uint32_t a = __builtin_bswap32(load<std::uint32_t>(at)) >> 8;
-        const std::uint32_t b = __builtin_bswap32(load<std::uint32_t>(at + 4)) >> 8;
-        const std::uint32_t c = __builtin_bswap32(load<std::uint32_t>(at + 8)) >> 8;
-        const std::uint32_t d = __builtin_bswap32(load<std::uint32_t>(at + 12)) >> 8;
-        std::uint8_t* to = samples + 3 * i;
-        store(to, a | b << 24);
-        store(to + 4, b >> 8 | c << 16);
-        store(to + 8, c >> 16 | d << 8);
-    }
-    for (std::size_t i = whole; i < count; ++i) {
-        std::reverse_copy(pixels + 4 * i, pixels + 4 * i + 3, samples + 3 * i);
-    }
-}
-
 // Fields of 10 bits go to the top of 16.
 void packRgb10(const std::uint8_t* pixels, std::uint8_t* samples, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -155,6 +122,7 @@ void packBits(const std::uint8_t* pixels, std::uint8_t* samples, std::size_t cou
 constexpr std::uint16_t kDefault = 0, kUnsigned = 1, kSigned = 2, kFloat = 3, kComplex = 6;
 constexpr std::uint16_t kMinIsBlack = 1, kRgb = 2;
 
+// Packed colors go out as third, second and first byte of memory, and so R, G, B for FormatRgb.
 constexpr TiffWriteForm kWriteForms[] = {
     {D::FormatByte, kMinIsBlack, 1, 8, kDefault, nullptr},
     {D::FormatShort, kMinIsBlack, 1, 16, kDefault, nullptr},
@@ -165,10 +133,10 @@ constexpr TiffWriteForm kWriteForms[] = {
     {D::FormatUInt, kMinIsBlack, 1, 32, kUnsigned, nullptr},
     {D::FormatFloat, kMinIsBlack, 1, 32, kFloat, nullptr},
     {D::FormatDouble, kMinIsBlack, 1, 64, kDefault, nullptr},
-    {D::FormatRgb, kRgb, 3, 8, kDefault, packColors},
-    {D::FormatHsv, kRgb, 3, 8, kDefault, packColors},
-    {D::FormatYuv, kRgb, 3, 8, kDefault, packColors},
-    {D::FormatLab, kRgb, 3, 8, kDefault, packColors},
+    {D::FormatRgb, kRgb, 3, 8, kDefault, packRgb},
+    {D::FormatHsv, kRgb, 3, 8, kDefault, packRgb},
+    {D::FormatYuv, kRgb, 3, 8, kDefault, packRgb},
+    {D::FormatLab, kRgb, 3, 8, kDefault, packRgb},
     {D::FormatComplex, kMinIsBlack, 2, 32, kComplex, nullptr},
     {D::FormatPoint, kMinIsBlack, 2, 32, kSigned, nullptr},
     {D::FormatFPoint, kMinIsBlack, 2, 32, kFloat, nullptr},
