@@ -123,6 +123,10 @@ int ImplBlob::Extract(const NurImage& input) {
     if (!continuous) frame->Reset();
     if (const int refused = continuous ? CheckFrame() : kBlobDone) return refused;
 
+    if (input.roi.width <= 0 || input.roi.height <= 0) {
+        workImage.Free();
+        return kBlobDone;
+    }
     const NurImage* view = &input;
     const bool isThresholded = config->thresholdStage != 0 && input.format != D::FormatBinary;
     if (isThresholded) {

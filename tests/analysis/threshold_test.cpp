@@ -230,4 +230,29 @@ TEST(ThresholdImages, ChecksComeInOrder) {
     EXPECT_EQ(threshImages(source.GetRecord(), nullptr, source.GetRecord(), nullptr, false, true, true), 0);
 }
 
+TEST(ThresholdOperator, WorksInPlaceWhereSourceAndDestinationAreOne) {
+    CTivBasic basic;
+    CTivImage image = rowOf(D::FormatUByte, {3, 5, 7});
+    CTivImage out;
+    ASSERT_TRUE(basic.Thresh(image, out, 5, 6, false, false, true));
+    EXPECT_EQ(valuesOf(out), (Values{0, 255, 0}));
+    ASSERT_TRUE(basic.Thresh(image, image, 5, 0, false, true, false));
+    EXPECT_EQ(valuesOf(image), (Values{0, 5, 7}));
+    ASSERT_TRUE(basic.ThreshImages(image, image, rowOf(D::FormatUByte, {0, 6, 6}), out, false, true, false));
+    EXPECT_EQ(valuesOf(image), (Values{0, 0, 7}));
+
+    CTivImage color(2, 1, D::FormatRgb, nullptr, true);
+    color.SetData(0, 0, D::Rgb(200, 0, 0));
+    color.SetData(1, 0, D::Rgb(0, 0, 200));
+    const float low[] = {100, 0, 0};  // red first
+    CTivImage mask;
+    ASSERT_TRUE(basic.ThreshColor(color, mask, low, nullptr, false, true, true));
+    EXPECT_EQ(valuesOf(mask), (Values{255, 0}));
+    EXPECT_FALSE(basic.ThreshColor(color, color, low, nullptr, false, true, true));
+    EXPECT_EQ(LastError(), "thresh_color_consume: cannot consume. Input type different from output");
+    CTivImage words;
+    EXPECT_FALSE(basic.ThreshImages(color, words, color, color, false, true, true));
+    EXPECT_FALSE(words.IsAllocated());
+}
+
 }  // namespace
