@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <algorithm>
 
 #include "app/view/CImageViewerCtrl.h"
 #include "bench/bench_support.h"
@@ -21,13 +22,22 @@ void startApplication() {
     static QApplication application(argc, argv);
 }
 
+/// The image, of 12 bits where it has words of 16.
+CTivImage cameraImage(CTivData::Format format) {
+    CTivImage image = MakeBenchImage(format, kCamera);
+    if (format != CTivData::FormatUShort) return image;
+    auto* words = static_cast<std::uint16_t*>(image.GetData());
+    std::for_each(words, words + std::size_t{4096} * 3000, [](std::uint16_t& word) { word &= 0x0FFF; });
+    return image;
+}
+
 void paintViewer(benchmark::State& state, CTivData::Format format, float zoom) {
     startApplication();
     CImageViewerCtrl viewer;
     viewer.resize(kWidth, kHeight);
     viewer.show();
     QApplication::processEvents();  // exposed from here on, so that repaint paints
-    CTivImage image = MakeBenchImage(format, kCamera);
+    CTivImage image = cameraImage(format);
     viewer.SetImage(&image, true);
     viewer.SetZoom(zoom);
     viewer.repaint();
@@ -41,7 +51,7 @@ void paintWhileZooming(benchmark::State& state, CTivData::Format format) {
     viewer.resize(kWidth, kHeight);
     viewer.show();
     QApplication::processEvents();  // exposed from here on, so that repaint paints
-    CTivImage image = MakeBenchImage(format, kCamera);
+    CTivImage image = cameraImage(format);
     viewer.SetImage(&image, true);
     float zoom = 0.3f;
     for ([[maybe_unused]] auto _ : state) {

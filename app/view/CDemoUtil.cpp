@@ -31,6 +31,8 @@ constexpr Displayable kDisplayable[] = {
     {CTivData::FormatRgb10, Conversion::ToRgb},
 };
 constexpr int kFitMode = 1, kScaleMode = 2;
+constexpr const char* kBlitFailed = "CDemoUtil::DisplayImage => Error blitting bitmap to device";
+constexpr const char* kStretchFailed = "CDemoUtil::DisplayImage => Error stretching bitmap to device";
 
 /// Memory that outlasts a paint, since a window is painted again and again at one size.
 struct Scratch {
@@ -101,17 +103,21 @@ ViewRect defaultDestination(const QPainter& painter, const ViewRect& source) {
     return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
 }
 
-void draw(QPainter& painter, const CDemoDIB& bitmap, const ViewRect& part, const Target& target) {
+/// @return what there is to report, null if nothing
+const char* draw(QPainter& painter, const CDemoDIB& bitmap, const ViewRect& part, const Target& target) {
     const QImage view = bitmap.View();
-    if (part.Width() == target.device.Width() && part.Height() == target.device.Height()) {
+    const bool isSameSize = part.Width() == target.device.Width() && part.Height() == target.device.Height();
+    if (view.isNull()) return isSameSize ? kBlitFailed : kStretchFailed;
+    if (isSameSize) {
         painter.drawImage(target.logical, view, QRectF(part.left, part.top, part.Width(), part.Height()));
-        return;
+        return nullptr;
     }
     QImage& stretched = scratch().stretched;
     const QSize size(target.device.Width(), target.device.Height());
     if (stretched.size() != size) stretched = QImage(size, QImage::Format_RGB32);
     StretchNearest(view, part, &stretched);
     painter.drawImage(target.logical, stretched, QRectF(QPointF(0, 0), QSizeF(size)));
+    return nullptr;
 }
 
 int truncated(double value) {
@@ -148,7 +154,7 @@ bool CDemoUtil::DisplayImage(CTivImage* image, QPainter* painter, const ViewRect
                 std::min(source->bottom, part.bottom)};
     }
     if (!painter || !painter->isActive()) {
-        CTivManager::ReportError("CDemoUtil::DisplayImage => Error blitting bitmap to device");
+        CTivManager::ReportError("%s", kBlitFailed);
         return true;
     }
     const Target target = targetOf(*painter, destination ? *destination : defaultDestination(*painter, part));
@@ -168,7 +174,8 @@ bool CDemoUtil::DisplayImage(CTivImage* image, QPainter* painter, const ViewRect
         pixels = wrapped(scratch().converted);
         part = wholeOf(pixels);
     }
-    draw(*painter, CDemoDIB(&pixels, &part, significantBits), part, target);
+    const char* failure = draw(*painter, CDemoDIB(&pixels, &part, significantBits), part, target);
+    if (failure) CTivManager::ReportError("%s", failure);
     return true;
 }
 

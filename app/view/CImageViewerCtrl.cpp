@@ -158,7 +158,7 @@ void CImageViewerCtrl::NotifyRoi() {
     if (roiEnabled_ && comm_) comm_->OnRoiChanged(roi_);
 }
 
-/// Puts the tracker over the ROI. Where a corner is not on display the tracker stays where it was.
+/// Puts the tracker over the ROI. While a corner is not on display it deliberately stays where it was.
 void CImageViewerCtrl::SyncTracker() {
     ViewRect rect;
     if (roiEnabled_ && !tracker_.IsFollowing() && View().RoiToTracker(roi_, &rect)) tracker_.SetRect(rect);

@@ -4,20 +4,9 @@
 #include <QTemporaryDir>
 
 #include "app/CTonewrightApp.h"
-#include "app/toolkit/Prompts.h"
+#include "tests/app/view_support.h"
 
 namespace {
-
-/// Cancels whatever is asked, so that no test waits for a person.
-class CancellingPrompts : public Prompts {
-public:
-    std::optional<FileChoice> OpenFile(const FileRequest&) override { return std::nullopt; }
-    std::optional<FileChoice> SaveFile(const FileRequest&) override { return std::nullopt; }
-    bool AskYesNo(const QString&, const QString&) override { return false; }
-    void ShowWarning(const QString&, const QString&) override {}
-    void ShowError(const QString&, const QString&) override {}
-    bool EditMatrixSize(int&, int&) override { return false; }
-};
 
 /// Puts these prompts in force before each test; one that sets its own leaves nothing to the next.
 class CancelByDefault : public testing::EmptyTestEventListener {

@@ -1,11 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "app/toolkit/RectTracker.h"
-
-// For the failure texts.
-static void PrintTo(const ViewRect& r, std::ostream* out) {
-    *out << "(" << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom << ")";
-}
+#include "tests/app/view_support.h"
 
 namespace {
 

@@ -1,12 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "app/view/ViewGeometry.h"
-
-// For the failure texts.
-static void PrintTo(const ViewRect& r, std::ostream* out) {
-    *out << "(" << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom << ")";
-}
-static void PrintTo(const ViewPoint& p, std::ostream* out) { *out << "(" << p.x << ", " << p.y << ")"; }
+#include "tests/app/view_support.h"
 
 namespace {
 

@@ -8,18 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "app/toolkit/Prompts.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDemoImageViewerComm.h"
 #include "app/view/CDockableImgPane.h"
 #include "app/view/ViewerHost.h"
+#include "tests/app/view_support.h"
 #include "tests/support/drawn_chart.h"
 #include "tests/support/library.h"
-
-// For the failure texts.
-static void PrintTo(const ViewRect& r, std::ostream* out) {
-    *out << "(" << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom << ")";
-}
 
 namespace {
 
@@ -372,17 +367,11 @@ TEST_F(DetectingViewer, TheRoisMeanColorIsPicked) {
     EXPECT_EQ(centre, (ViewPoint{31, 31}));
 }
 
-/// Counts the warnings.
-class CountingPrompts : public Prompts {
+class CountingPrompts : public CancellingPrompts {
 public:
-    std::optional<FileChoice> OpenFile(const FileRequest&) override { return std::nullopt; }
-    std::optional<FileChoice> SaveFile(const FileRequest&) override { return std::nullopt; }
-    bool AskYesNo(const QString&, const QString&) override { return false; }
     void ShowWarning(const QString& caption, const QString& text) override {
         warnings.push_back(caption.toStdString() + ": " + text.toStdString());
     }
-    void ShowError(const QString&, const QString&) override {}
-    bool EditMatrixSize(int&, int&) override { return false; }
     std::vector<std::string> warnings;
 };
 
