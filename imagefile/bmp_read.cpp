@@ -77,7 +77,8 @@ public:
         if (const int refused = ChooseFormat(*record)) return refused;
         if (head_.pixelOffset > position_) Skip(head_.pixelOffset - position_);
         const bool wasEmpty = !record->data;
-        int answer = wasEmpty ? CheckLength() : CheckPreallocated(*record);
+        int answer = wasEmpty ? 0 : CheckPreallocated(*record);
+        if (answer == 0) answer = CheckLength();
         if (answer == 0) answer = nur_output_image(record, format_, filledWidth_, filledHeight_, "readBMP");
         if (answer == 0) answer = ReadPixels(*record);
         if (answer != 0 && wasEmpty && record->data) nur_image_free(record);
@@ -177,9 +178,19 @@ private:
                 format_ = isTenBit_ ? D::FormatRgb10 : D::FormatRgb;
                 row_ = wordRow;
         }
+        if (head_.bitsPerPixel <= 8 && record.data && record.format == D::FormatRgb) TakeGraysAsColors();
         filledWidth_ = head_.width;
         filledHeight_ = head_.height;
         return 0;
+    }
+
+    // A record of colors takes what would be gray or binary by itself. At 8 bits the index is the gray, as it is there.
+    void TakeGraysAsColors() {
+        if (format_ == D::FormatUByte) {
+            for (std::uint32_t i = 0; i < 256; ++i) palette_.colors[i] = i * 0x010101;
+        }
+        if (format_ != D::FormatRgb) row_ = head_.bitsPerPixel == 1 ? paletteRow<1> : paletteRow<8>;
+        format_ = D::FormatRgb;
     }
 
     bool IsRunLength() const { return head_.compression == BmpRle8 || head_.compression == BmpRle4; }
@@ -203,10 +214,11 @@ private:
 
     int CheckPreallocated(const NurImage& record) {
         if (record.format != format_) return refuse("readBMP: invalid buffer type\n");
-        if (head_.width < record.roi.width || head_.height < record.roi.height) {
+        const std::int64_t width = format_ == D::FormatBinary ? (std::int64_t{head_.width} + 7) & ~7 : head_.width;
+        if (width < record.roi.width || head_.height < record.roi.height) {
             return refuse("%s: output image size too small\n", "readBMP");
         }
-        filledWidth_ = record.roi.width;
+        filledWidth_ = std::min(head_.width, record.roi.width);
         filledHeight_ = record.roi.height;
         return 0;
     }

@@ -4,6 +4,7 @@
 
 #include "foundation/nur_image.h"
 #include "tests/imagefile/file_support.h"
+#include "tests/imagefile/memory_support.h"
 
 using D = CTivData;
 
@@ -151,6 +152,34 @@ TEST(Bmp, APreallocatedRecordTakesTheTopLeftPartAndItsOwnFormatOnly) {
     CTivImage gray(1, 1, D::FormatUByte, nullptr, true);
     EXPECT_FALSE(gray.Load(scratchFile("in.bmp"), false));
     EXPECT_EQ(LastError(), "readBMP: invalid buffer type\n");
+}
+
+TEST(Bmp, APreallocatedRecordOfColorsTakesGraysAndBitsToo) {
+    CTivImage colors(2, 1, D::FormatRgb, nullptr, true);
+    const std::string path = scratchFile("in.bmp");
+    writeFile(path, bitmap(2, 1, 8, 0, grays(256), std::string("\x07\xf0\0\0", 4)));
+    ASSERT_TRUE(colors.Load(path, false)) << LastError();
+    EXPECT_EQ(colors.GetData(0, 0).AsRgb(), 0x070707u);
+    EXPECT_EQ(colors.GetData(1, 0).AsRgb(), 0xF0F0F0u);
+    writeFile(path, bitmap(2, 1, 1, 0, u32s({0, 0xFFFFFF}), std::string("\x40\0\0\0", 4)));
+    ASSERT_TRUE(colors.Load(path, false)) << LastError();
+    EXPECT_EQ(colors.GetData(0, 0).AsRgb(), 0u);
+    EXPECT_EQ(colors.GetData(1, 0).AsRgb(), 0xFFFFFFu);
+    CTivImage bits(8, 1, D::FormatBinary, nullptr, true);
+    writeFile(path, bitmap(3, 1, 1, 0, u32s({0, 0xFFFFFF}), std::string("\xff\0\0\0", 4)));
+    ASSERT_TRUE(bits.Load(path, false)) << LastError();
+    EXPECT_EQ(*static_cast<const std::uint8_t*>(bits.GetData()), 0b111);
+}
+
+TEST(Bmp, AWideHeadTakesNoMemoryWhereARecordIsThere) {
+    const std::string path = scratchFile("wide.bmp");
+    writeFile(path, withU32(withU32(kGood, kWidthAt, 0x70000000), kHeightAt, 0x70000000));
+    const long long taken = memoryTakenBy([&] {
+        CTivImage image(2, 2, D::FormatRgb, nullptr, true);
+        image.Load(path, false);
+    });
+    EXPECT_GE(taken, 0);
+    EXPECT_LT(taken, 64LL << 20);
 }
 
 TEST(Bmp, WrittenHeadsAndRowsStandAsTheFormatSays) {
