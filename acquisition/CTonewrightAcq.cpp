@@ -37,7 +37,8 @@ const BufferFormat* findFormat(std::uint32_t code) {
 }
 
 bool hasDevice() {
-    for (int server = 0; server < ZvnManager::GetServerCount(); ++server) {
+    const int count = ZvnManager::GetServerCount();
+    for (int server = 0; server < count; ++server) {
         if (ZvnManager::GetResourceCount(server, kZvnAcquisition) > 0) return true;
         if (ZvnManager::GetResourceCount(server, kZvnAcqDevice) > 0) return true;
     }

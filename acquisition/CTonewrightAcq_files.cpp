@@ -26,7 +26,8 @@ private:
 /// @return the last server that has a camera, by name; an empty name if none has
 ZvnLocation findLastCamera() {
     char name[30] = "";
-    for (int server = 0; server < ZvnManager::GetServerCount(); ++server) {
+    const int count = ZvnManager::GetServerCount();
+    for (int server = 0; server < count; ++server) {
         if (ZvnManager::GetResourceCount(server, kZvnAcqDevice) > 0) {
             ZvnManager::GetServerName(server, name, sizeof name);
         }

@@ -1,6 +1,7 @@
+#include "acquisition/CTonewrightAcq_impl.h"
+
 #include <chrono>
 
-#include "acquisition/CTonewrightAcq_impl.h"
 #include "acquisition/zvn/ZvnTransfer.h"
 
 namespace {

@@ -1,6 +1,7 @@
 #include "acquisition/zvn/ZvnManager.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <iostream>
 #include <optional>
@@ -9,7 +10,7 @@
 
 namespace {
 
-int displayStatusMode = 0;
+std::atomic<int> displayStatusMode = 0;  // asked by the threads of transfers, too
 
 std::vector<ZvnServer> listServers() {
     ZvnBackend* backend = FindZvnBackend();

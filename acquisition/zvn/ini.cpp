@@ -1,6 +1,6 @@
-#include <ini.h>
-
 #include "acquisition/zvn/ini_impl.h"
+
+#include <ini.h>
 
 namespace {
 

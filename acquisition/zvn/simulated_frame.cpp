@@ -1,7 +1,8 @@
+#include "acquisition/zvn/simulated_frame_impl.h"
+
 #include <algorithm>
 #include <cstring>
 
-#include "acquisition/zvn/simulated_frame_impl.h"
 #include "acquisition/zvn/zvn_formats.h"
 
 namespace {
