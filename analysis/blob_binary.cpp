@@ -40,7 +40,7 @@ void sweep(BlobStrip& strip, const NurImage& view, const BlobConfig& config, con
     ForegroundRows rows(view, config.background);
     for (std::int32_t y = part.begin; y < part.end; ++y) {
         strip.Join(rows.Read(y), view.roi.y + y, rules, !isFirst && y == part.begin);
-        if (strip.IsFull(rules) && y + 1 < part.end) return strip.CloseLast(rules);
+        if (strip.IsFull(rules) && y + 1 < part.end) return strip.CloseLast(rules, false);
     }
 }
 
@@ -67,7 +67,7 @@ void joinStrips(std::deque<BlobStrip>& strips, const NurImage& view, const Sweep
         const std::int32_t bottom = view.roi.y + stripRows(view.roi.height, i, count).end - 1;
         strips[static_cast<std::size_t>(i)].JoinAbove(strips[static_cast<std::size_t>(i) - 1], bottom, rules);
     }
-    strips.back().CloseLast(rules);
+    strips.back().CloseLast(rules, true);
     for (auto strip = strips.begin() + 1; strip != strips.end(); ++strip) strip->RecheckFirst(rules);
 }
 

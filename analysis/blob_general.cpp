@@ -20,7 +20,7 @@ void sweepRows(Rows rows, std::int32_t height, std::int32_t firstRow, const Swee
         strip.Join(rows.Read(y), firstRow + y, rules, false);
         if (y % 2 != 0 && isFull(strip, record, array)) return;
     }
-    if (isLastBand) strip.CloseLast(rules);
+    if (isLastBand) strip.CloseLast(rules, true);
 }
 
 void sweepImage(const NurImage& view, const BlobConfig& config, std::int32_t firstRow, const SweepRules& rules,

@@ -164,10 +164,12 @@ void BlobStrip::Close(BlobNode* node, const SweepRules& rules) {
     }
 }
 
-void BlobStrip::CloseLast(const SweepRules& rules) {
+void BlobStrip::CloseLast(const SweepRules& rules, bool isImageEnd) {
     for (const RunEntry& entry : previous_.Entries()) {
         BlobNode* node = entry.node->Resolve();
-        if (!node->closed) Close(node, rules);
+        if (node->closed) continue;
+        if (isImageEnd) node->seam = false;
+        Close(node, rules);
     }
     previous_.Clear();
 }

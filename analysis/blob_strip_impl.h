@@ -88,7 +88,8 @@ public:
     void Join(const RowRuns& runs, std::int32_t row, const SweepRules& rules, bool belowSeam);
     bool IsFull(const SweepRules& rules) const { return accepted_ > rules.mostAccepted; }
     /// Closes all regions of the last row, which is then empty.
-    void CloseLast(const SweepRules& rules);
+    /// @param isImageEnd no strip is left that could go on with them, so that the limits hold
+    void CloseLast(const SweepRules& rules, bool isImageEnd);
 
     /// Joins this strip's first row to the last row of the strip above. Regions of this strip are folded into those
     /// above, and what then ends above `bottom`, this strip's last row, is closed.
