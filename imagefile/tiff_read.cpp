@@ -277,7 +277,8 @@ private:
             auto* words = reinterpret_cast<std::uint16_t*>(unpacked_.get());
             unpackTiffSamples(line_.get(), bits_, count, words);
             if (format_ == D::FormatRgb10) {  // whose reader takes the top 10 bits
-                std::for_each(words, words + count, [&](std::uint16_t& word) { word <<= 16 - bits_; });
+                std::for_each(words, words + count,
+                              [&](std::uint16_t& word) { word = static_cast<std::uint16_t>(word << (16 - bits_)); });
             }
         }
         return unpacked_.get();
