@@ -10,11 +10,12 @@
 #include "foundation/CTivParameter.h"
 #include "primitives/acceleration.h"
 #include "tests/support/library.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 void configure(const std::string& content) {
-    const std::string file = testing::TempDir() + "/tonewright_config_test.ini";
+    const std::string file = scratchFolder() + "/config.ini";
     std::ofstream(file) << content;
     setenv("ZELVAN_PROCESSING_CONFIG", file.c_str(), 1);
     CTivConfig::Forget();

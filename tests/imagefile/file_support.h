@@ -8,11 +8,12 @@
 
 #include "foundation/CTivImage.h"
 #include "tests/support/library.h"
+#include "tests/support/scratch.h"
 
 /// A file that a test writes; its name is not ASCII, so that every test holds names, too.
 inline std::string scratchFile(const std::string& name) {
-    return testing::TempDir() +
-           "/tonewright_pr\xc3\xbc"
+    return scratchFolder() +
+           "/pr\xc3\xbc"
            "fung_" +
            name;
 }

@@ -63,7 +63,7 @@ TEST(ImageFiles, NativeFilesKeepFormatRoiAndName) {
 
 TEST(ImageFiles, NamesGetTheKindsExtensionWhereTheyHaveNone) {
     const CTivImage image = countingImage(4, 2, D::FormatUByte);
-    const std::string folder = testing::TempDir() + "/tonewright.dir";
+    const std::string folder = scratchFolder() + "/tonewright.dir";
     ASSERT_EQ(system(("mkdir -p '" + folder + "'").c_str()), 0);
     ASSERT_TRUE(image.Save(folder + "/c", ImageFileBmp));
     EXPECT_FALSE(readFile(folder + "/c.bmp").empty());
