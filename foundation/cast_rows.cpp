@@ -183,7 +183,9 @@ CastRange GetCastRange(const NurImage& image, bool wide) {
     if (!image.data || image.roi.width <= 0 || image.roi.height <= 0) return {};
     return withNumber(image.format, CastRange{}, [&]<class T>(T) {
         const auto row = rangeRow<T>(wide);
-        T least = *image.RoiRow<const T>(0), most = least;
+        constexpr bool kHasEnds = Limits<T>::has_infinity;  // a first pixel that is no number says nothing
+        T least = kHasEnds ? Limits<T>::infinity() : Limits<T>::max();
+        T most = kHasEnds ? -Limits<T>::infinity() : Limits<T>::lowest();
         for (int y = 0; y < image.roi.height; ++y) {
             row(image.RoiRow<const T>(y), static_cast<std::size_t>(image.roi.width), least, most);
         }

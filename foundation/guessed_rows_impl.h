@@ -21,7 +21,9 @@ struct Guess {
     std::uint32_t doubt;
 };
 
-TONEWRIGHT_BODY int floorDivide(int numerator, int denominator) {  // exact up to 2^24 / 510
+// Numerators up to 130050 and quotients up to 510: float32 holds both, and what lies below a whole number, by 1 / 255
+// at least, doesn't round up to it.
+TONEWRIGHT_BODY int floorDivide(int numerator, int denominator) {
     return static_cast<int>(static_cast<float>(numerator) / static_cast<float>(denominator));
 }
 
@@ -46,7 +48,7 @@ TONEWRIGHT_BODY Guess GuessHsv(std::uint32_t rgb) {
     return {pack((hue + 1) >> 1, (saturation + 1) >> 1, most), static_cast<std::uint32_t>(tie & 1)};
 }
 
-/// Cube root by an estimate from the exponent and two steps of Halley's method; 1e-15 for 0.
+/// Cube root by an estimate from the exponent and two steps of Halley's method; next to nothing for 0.
 TONEWRIGHT_BODY float cubeRoot(float x) {
     float y =
         std::bit_cast<float>(static_cast<int>(static_cast<float>(std::bit_cast<int>(x)) * (1.0f / 3.0f)) + 709921077);

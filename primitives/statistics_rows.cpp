@@ -236,8 +236,10 @@ TONEWRIGHT_WIDE void FloatRangeRowWide(const float* row, std::size_t count, floa
         _mm256_storeu_ps(lanes[0] + kLanes * group, leasts[group]);
         _mm256_storeu_ps(lanes[1] + kLanes * group, mosts[group]);
     }
-    FloatRangeRowPlain(lanes[0], kLanes * kGroups, least, most);
-    FloatRangeRowPlain(lanes[1], kLanes * kGroups, least, most);
+    for (std::size_t lane = 0; lane < kLanes * kGroups; ++lane) {
+        least = std::min(least, lanes[0][lane]);
+        most = std::max(most, lanes[1][lane]);
+    }
     FloatRangeRowPlain(row + whole, count - whole, least, most);
 }
 

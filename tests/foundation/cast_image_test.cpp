@@ -91,11 +91,11 @@ TEST(CastImage, ClipsMovesAndStretchesWhateverTheLevel) {
 TEST(CastImage, NoNumberNeitherWidensTheRangeNorLeavesIt) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     CTivImage bytes, shorts;
-    const CTivImage source = rowOf(D::FormatFloat, {0, nan, 10});
+    const CTivImage source = rowOf(D::FormatFloat, {nan, 0, nan, 10});
     ASSERT_EQ(castImage(source.GetRecord(), bytes.GetRecord(), CAST_UBYTE, 1), 0);
-    EXPECT_EQ(valuesOf(bytes), (std::vector<double>{0, 0, 255}));
+    EXPECT_EQ(valuesOf(bytes), (std::vector<double>{0, 0, 0, 255}));
     ASSERT_EQ(castImage(source.GetRecord(), shorts.GetRecord(), CAST_SHORT, 0), 0);
-    EXPECT_EQ(valuesOf(shorts), (std::vector<double>{0, 0, 10}));
+    EXPECT_EQ(valuesOf(shorts), (std::vector<double>{0, 0, 0, 10}));
 }
 
 TEST(CastImage, EveryWordIsStretchedAsByWholeDivision) {

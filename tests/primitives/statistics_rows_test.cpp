@@ -113,6 +113,11 @@ TEST(FloatRange, SkipsWhatIsNoNumberAndFindsTheEndsAnywhere) {
                 EXPECT_EQ(least, -3.0f);
                 EXPECT_EQ(most, place == count - 1 - place ? 1.0f : 8.0f);
             }
+            constexpr float infinity = std::numeric_limits<float>::infinity();
+            float least = infinity, most = -infinity;  // nothing found leaves the ends where they were
+            row(std::vector<float>(count, nan).data(), count, least, most);
+            EXPECT_EQ(least, infinity);
+            EXPECT_EQ(most, -infinity);
         }
     }
 }
