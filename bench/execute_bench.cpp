@@ -15,6 +15,13 @@
 
 namespace {
 
+/// The last image asked for is kept, since drawing one takes longer than most of what is timed on it.
+const CTivImage& BenchImage(CTivData::Format format, const BenchSize& size) {
+    static CTivImage image;
+    if (image.GetFormat() != format || image.GetWidth() != size.width) image = MakeBenchImage(format, size);
+    return image;
+}
+
 CTivVector BenchColors(CTivData::Format format, unsigned seed) {
     std::mt19937 random(seed);
     CTivVector colors(24, format, nullptr, true);
@@ -45,7 +52,7 @@ enum class Destination { Reused, InPlace, Fresh };
 void RunExecute(benchmark::State& state, CTivData::Format format, int terms, Destination kind, const BenchSize& size) {
     CTivTonewrightDC engine;
     Prepare(engine, format, terms);
-    CTivImage source = MakeBenchImage(format, size);
+    CTivImage source = BenchImage(format, size);
     CTivImage destination(source);
     for ([[maybe_unused]] auto _ : state) {
         if (kind == Destination::Fresh) destination.Free();
@@ -87,7 +94,7 @@ cv::Mat Weights(int rows, int columns) {
 
 /// 3 x 4 on three channels, the reserved byte taken off and put back.
 void RunOpenCvThreeChannels(benchmark::State& state, const BenchSize& size) {
-    const CTivImage image = MakeBenchImage(CTivData::FormatRgb, size);
+    const CTivImage& image = BenchImage(CTivData::FormatRgb, size);
     const cv::Mat source = Wrap(image, CV_8UC4), weights = Weights(3, 4), table = Table();
     cv::Mat three, twisted, looked, destination;
     for ([[maybe_unused]] auto _ : state) {
@@ -101,7 +108,7 @@ void RunOpenCvThreeChannels(benchmark::State& state, const BenchSize& size) {
 
 /// 4 x 5 on the four channels as they stand.
 void RunOpenCvFourChannels(benchmark::State& state, const BenchSize& size) {
-    const CTivImage image = MakeBenchImage(CTivData::FormatRgb, size);
+    const CTivImage& image = BenchImage(CTivData::FormatRgb, size);
     const cv::Mat source = Wrap(image, CV_8UC4), weights = Weights(4, 5), table = Table();
     cv::Mat twisted, destination;
     for ([[maybe_unused]] auto _ : state) {
@@ -116,7 +123,7 @@ template <class Sample>
 void RunOpenCvTerms(benchmark::State& state, const BenchSize& size) {
     constexpr bool isDeep = sizeof(Sample) == 2;
     constexpr double fullScale = isDeep ? 65535 : 255;
-    const CTivImage image = MakeBenchImage(isDeep ? CTivData::FormatRgb16 : CTivData::FormatRgb, size);
+    const CTivImage& image = BenchImage(isDeep ? CTivData::FormatRgb16 : CTivData::FormatRgb, size);
     const int depth = isDeep ? CV_16U : CV_8U;
     const cv::Mat source = Wrap(image, CV_MAKETYPE(depth, 4)), weights = Weights(3, 10);
     cv::Mat destination(source.size(), source.type());
@@ -177,7 +184,7 @@ const bool kRegistered = [] {
                 });
             };
             add("", Destination::Reused);
-            if (terms == 7) continue;
+            if (format != CTivData::FormatRgb || terms == 7) continue;
             add("/in place", Destination::InPlace);
             add("/fresh destination", Destination::Fresh);
         }

@@ -14,6 +14,7 @@
 #include "foundation/CTivData.h"
 #include "foundation/CTivImage.h"
 #include "foundation/CTivVector.h"
+#include "primitives/polynomial.h"
 
 /// The state of a calibration and what is done with it; CTivTonewrightDC tells what each operation means.
 class ImplTonewrightDC : public CTivAlgo {
@@ -50,17 +51,17 @@ private:
     bool StoreTransform(const DoubleMatrix& matrix);
     // execute.cpp
     bool Execute(const CTivImage& source, CTivImage& destination, const CTivVector& coefficients);
-    template <class Pixel, class Table>
+    template <class Pixel>
     bool RunPolynomial(const NurImage& source, const NurImage& destination, const float* coefficients,
-                       const Table& table) const;
+                       const GammaTable<Pixel>& table) const;
     bool RunTwist(const NurImage& source, const NurImage& destination);
     // persistence.cpp
     std::array<float, 3> GetSaturationFractions() const;
     void SetSaturationFractions(const std::array<float, 3>& fractions);
 
-    std::array<std::uint8_t, 256> channelLut8_{};
-    std::array<std::uint16_t, 1024> channelLut10_{};
-    std::array<std::uint16_t, 65536> channelLut16_{};
+    GammaTable<PixelRgb> channelLut8_{};
+    GammaTable<PixelRgb10> channelLut10_{};
+    GammaTable<PixelRgb16> channelLut16_{};
     std::array<float, 12> colorTwist_{};  ///< the transform reversed: blue, green, red rows of blue, green, red, offset
     std::vector<std::uint8_t> untouched_;  ///< source pixels of a correction in place, kept from image to image
 };

@@ -5,7 +5,6 @@
 #include "foundation/nur_image.h"
 #include "primitives/polynomial.h"
 #include "primitives/twist.h"
-#include "primitives/wide.h"
 
 namespace {
 
@@ -71,11 +70,11 @@ bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, 
     return RunTwist(from, to);
 }
 
-template <class Pixel, class Table>
+template <class Pixel>
 bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& destination, const float* coefficients,
-                                     const Table& table) const {
+                                     const GammaTable<Pixel>& table) const {
     constexpr auto bytes = static_cast<std::int64_t>(Pixel::bytes);
-    const auto row = GetPolynomialRow<Pixel>(parameters.terms, RunsWide());
+    const auto row = GetPolynomialRow<Pixel>(parameters.terms, GetRowForm());
     const std::uint8_t* from = source.RoiRow(0);
     std::uint8_t* to = destination.RoiRow(0);
     const std::int64_t width = source.roi.width;
@@ -87,7 +86,7 @@ bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& des
     const std::int64_t stretch = isSamePlace || !Overlap(source, destination) ? width : 1;
     for (std::int32_t y = 0; y < source.roi.height; ++y) {
         for (std::int64_t x = 0; x < width; x += stretch) {
-            row(from + x * bytes, to + x * bytes, static_cast<std::size_t>(stretch), coefficients, table.data());
+            row(from + x * bytes, to + x * bytes, static_cast<std::size_t>(stretch), coefficients, table);
         }
         from += sourceStep;
         to += destinationStep;
@@ -129,7 +128,7 @@ bool ImplTonewrightDC::RunTwist(const NurImage& source, const NurImage& destinat
                       : ctiv_ippiColorTwist32f_8u_AC4R(before, source.Pitch(), after, destination.Pitch(),
                                                        static_cast<int>(width), static_cast<int>(rows), colorTwist_);
         if (status != 0) return Refuse("CTivTonewrightDC::Execute => failed applying color transformation");
-        const auto encode = RunsWide() ? EncodeRowWide : EncodeRowPlain;
+        const EncodeRow encode = GetEncodeRow(GetRowForm());
         for (std::int64_t y = 0; y < rows; ++y) {
             const std::int64_t count = std::min(
                 {width, sourcePixels - (top + y) * sourceStep, destinationPixels - (top + y) * destinationStep});

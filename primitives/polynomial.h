@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+
+#include "primitives/wide.h"
 
 // Rows of packed colors through a polynomial of 4, 7 or 10 terms a channel, folded into range and looked up.
 
@@ -33,12 +36,14 @@ struct PixelRgb16 {
 /// counts as full scale.
 /// @param source, destination may be the same row, and must not overlap otherwise
 /// @param coefficients 3 x terms float32, row by row
-/// @param table full scale + 1 entries, none above full scale
+/// @param table no entry above full scale
+template <class Pixel>
+using GammaTable = std::array<typename Pixel::Entry, Pixel::fullScale + 1>;
 template <class Pixel>
 using PolynomialRow = void (*)(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
-                               const float* coefficients, const typename Pixel::Entry* table);
+                               const float* coefficients, const GammaTable<Pixel>& table);
 
 /// @param terms 4, 7 or 10; any other count gives the row that takes every v as 0
-/// @param wide the form for AVX2 (HasAvx2 of wide.h); both give the same to the bit
+/// @param form one that this machine has; all give the same to the bit
 template <class Pixel>
-PolynomialRow<Pixel> GetPolynomialRow(int terms, bool wide);
+PolynomialRow<Pixel> GetPolynomialRow(int terms, RowForm form);

@@ -6,7 +6,7 @@
 
 #include "primitives/acceleration.h"
 #include "primitives/ctiv_ippi.h"
-#include "primitives/wide.h"
+#include "primitives/table_rows.h"
 
 namespace {
 
@@ -54,25 +54,22 @@ TONEWRIGHT_BODY void TwistInPlace(std::uint8_t* pixels, std::size_t count, Color
     }
 }
 
+using ByteTable = std::array<std::uint8_t, 256>;
+using Limits = std::array<std::uint8_t, 4>;
+
 TONEWRIGHT_BODY void Encode(const std::uint8_t* __restrict source, std::uint8_t* __restrict destination,
-                            std::size_t count, const std::array<std::uint8_t, 256>& table,
-                            const std::array<std::uint8_t, 4>& limits) {
+                            std::size_t count, const ByteTable& table, const Limits& limits, LookUpRow lookUp) {
     const std::uint32_t blue = limits[0], green = limits[1], red = limits[2];
-    const std::uint8_t* const entries = table.data();
-    std::uint32_t encoded[kBlock];
+    std::uint8_t encoded[4 * kBlock];
     while (count > 0) {
         const std::size_t block = std::min(count, kBlock);
-        for (std::size_t i = 0; i < block; ++i) {
-            const std::uint32_t pixel = Load(destination + 4 * i);
-            encoded[i] = static_cast<std::uint32_t>(entries[pixel & 0xff] | entries[(pixel >> 8) & 0xff] << 8 |
-                                                    entries[(pixel >> 16) & 0xff] << 16);
-        }
-        for (std::size_t i = 0; i < block; ++i) {
-            const std::uint32_t pixel = Load(source + 4 * i);
+        lookUp(destination, encoded, block, table);
+        for (std::size_t i = 0; i < 4 * block; i += 4) {
+            const std::uint32_t pixel = Load(source + i);
             const std::uint32_t saturated = ((pixel & 0xff) >= blue ? 0xffu : 0u) |
                                             (((pixel >> 8) & 0xff) >= green ? 0xff00u : 0u) |
                                             (((pixel >> 16) & 0xff) >= red ? 0xff0000u : 0u);
-            Store(destination + 4 * i, encoded[i] | saturated);
+            Store(destination + i, Load(encoded + i) | saturated);
         }
         source += 4 * block;
         destination += 4 * block;
@@ -80,35 +77,59 @@ TONEWRIGHT_BODY void Encode(const std::uint8_t* __restrict source, std::uint8_t*
     }
 }
 
+void TwistPlain(const std::uint8_t* source, std::uint8_t* destination, std::size_t count, ColorTwistMatrix twist) {
+    Twist(source, destination, count, twist);
+}
+TONEWRIGHT_WIDE void TwistAvx2(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
+                               ColorTwistMatrix twist) {
+    Twist(source, destination, count, twist);
+}
+TONEWRIGHT_WIDEST void TwistAvx512(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
+                                   ColorTwistMatrix twist) {
+    Twist(source, destination, count, twist);
+}
+
+void TwistInPlacePlain(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist) {
+    TwistInPlace(pixels, count, twist);
+}
+TONEWRIGHT_WIDE void TwistInPlaceAvx2(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist) {
+    TwistInPlace(pixels, count, twist);
+}
+TONEWRIGHT_WIDEST void TwistInPlaceAvx512(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist) {
+    TwistInPlace(pixels, count, twist);
+}
+
+void EncodePlain(const std::uint8_t* source, std::uint8_t* destination, std::size_t count, const ByteTable& table,
+                 const Limits& limits) {
+    Encode(source, destination, count, table, limits, GetLookUpRow(RowForm::Plain));
+}
+TONEWRIGHT_WIDE void EncodeAvx2(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
+                                const ByteTable& table, const Limits& limits) {
+    Encode(source, destination, count, table, limits, GetLookUpRow(RowForm::Avx2));
+}
+TONEWRIGHT_WIDEST void EncodeAvx512(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
+                                    const ByteTable& table, const Limits& limits) {
+    Encode(source, destination, count, table, limits, GetLookUpRow(RowForm::Avx512));
+}
+
+/// The one of three forms that is asked for.
+template <class Row>
+Row Choose(RowForm form, Row plain, Row avx2, Row avx512) {
+    return form == RowForm::Avx512 ? avx512 : form == RowForm::Avx2 ? avx2 : plain;
+}
+
 }  // namespace
 
-void TwistRowPlain(const std::uint8_t* source, std::uint8_t* destination, std::size_t count, ColorTwistMatrix twist) {
-    Twist(source, destination, count, twist);
+TwistRow GetTwistRow(RowForm form) { return Choose(form, TwistPlain, TwistAvx2, TwistAvx512); }
+TwistRowInPlace GetTwistRowInPlace(RowForm form) {
+    return Choose(form, TwistInPlacePlain, TwistInPlaceAvx2, TwistInPlaceAvx512);
 }
-TONEWRIGHT_WIDE void TwistRowWide(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
-                                  ColorTwistMatrix twist) {
-    Twist(source, destination, count, twist);
-}
-void TwistRowInPlacePlain(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist) {
-    TwistInPlace(pixels, count, twist);
-}
-TONEWRIGHT_WIDE void TwistRowInPlaceWide(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist) {
-    TwistInPlace(pixels, count, twist);
-}
-void EncodeRowPlain(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
-                    const std::array<std::uint8_t, 256>& table, const std::array<std::uint8_t, 4>& limits) {
-    Encode(source, destination, count, table, limits);
-}
-TONEWRIGHT_WIDE void EncodeRowWide(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
-                                   const std::array<std::uint8_t, 256>& table,
-                                   const std::array<std::uint8_t, 4>& limits) {
-    Encode(source, destination, count, table, limits);
-}
+EncodeRow GetEncodeRow(RowForm form) { return Choose(form, EncodePlain, EncodeAvx2, EncodeAvx512); }
 
 int ctiv_ippiColorTwist32f_8u_AC4R(const std::uint8_t* source, std::int64_t sourcePitch, std::uint8_t* destination,
                                    std::int64_t destinationPitch, int width, int height, ColorTwistMatrix twist) {
     if (ctiv_GetAccelerationLevel() == 0) return kPrimitiveAbsent;
-    const auto row = RunsWide() ? TwistRowWide : TwistRowPlain;
+    const auto row = GetTwistRow(GetRowForm());
     for (int y = 0; y < height; ++y) {
         row(source + y * sourcePitch, destination + y * destinationPitch, static_cast<std::size_t>(width), twist);
     }
@@ -118,7 +139,7 @@ int ctiv_ippiColorTwist32f_8u_AC4R(const std::uint8_t* source, std::int64_t sour
 int ctiv_ippiColorTwist32f_8u_AC4IR(std::uint8_t* pixels, std::int64_t pitch, int width, int height,
                                     ColorTwistMatrix twist) {
     if (ctiv_GetAccelerationLevel() == 0) return kPrimitiveAbsent;
-    const auto row = RunsWide() ? TwistRowInPlaceWide : TwistRowInPlacePlain;
+    const auto row = GetTwistRowInPlace(GetRowForm());
     for (int y = 0; y < height; ++y) row(pixels + y * pitch, static_cast<std::size_t>(width), twist);
     return 0;
 }

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <span>
 
+#include "primitives/wide.h"
+
 // Color twists: rows of packed pixels (bytes blue, green, red, reserved) through an affine map.
 
 /// Three rows of four: the weights of blue, green, red and an offset on the 0 to 255 scale, for blue, green, red out.
@@ -22,16 +24,17 @@ int ctiv_ippiColorTwist32f_8u_AC4R(const std::uint8_t* source, std::int64_t sour
 int ctiv_ippiColorTwist32f_8u_AC4IR(std::uint8_t* pixels, std::int64_t pitch, int width, int height,
                                     ColorTwistMatrix twist);
 
-/// One row of a twist, at any address. Both forms give the same to the bit; wide ones need AVX2.
-void TwistRowPlain(const std::uint8_t* source, std::uint8_t* destination, std::size_t count, ColorTwistMatrix twist);
-void TwistRowWide(const std::uint8_t* source, std::uint8_t* destination, std::size_t count, ColorTwistMatrix twist);
-void TwistRowInPlacePlain(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist);
-void TwistRowInPlaceWide(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist);
+// One row, at any address, in the named form (one that this machine has); all forms give the same to the bit.
+
+using TwistRow = void (*)(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
+                          ColorTwistMatrix twist);
+TwistRow GetTwistRow(RowForm form);
+using TwistRowInPlace = void (*)(std::uint8_t* pixels, std::size_t count, ColorTwistMatrix twist);
+TwistRowInPlace GetTwistRowInPlace(RowForm form);
 
 /// What follows a twist: replaces blue, green and red of the destination by their table entries and the fourth byte by
 /// 0, then by 255 wherever the same channel of `source` (the pixels before the twist) has reached its limit.
 /// @param limits blue, green, red, and one that is not read
-void EncodeRowPlain(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
-                    const std::array<std::uint8_t, 256>& table, const std::array<std::uint8_t, 4>& limits);
-void EncodeRowWide(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
-                   const std::array<std::uint8_t, 256>& table, const std::array<std::uint8_t, 4>& limits);
+using EncodeRow = void (*)(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
+                           const std::array<std::uint8_t, 256>& table, const std::array<std::uint8_t, 4>& limits);
+EncodeRow GetEncodeRow(RowForm form);

@@ -60,7 +60,7 @@ std::vector<Twist> InterestingTwists() {
 
 }  // namespace
 
-TEST(ColorTwist, PlainAndWideRowsEqualTheFormulaAtAnyLengthAndAddress) {
+TEST(ColorTwist, EveryFormEqualsTheFormulaAtAnyLengthAndAddress) {
     for (const Twist& twist : InterestingTwists()) {
         for (const std::size_t count : kLengths) {
             const Bytes source = RandomBytes(4 * count + 1, 1);
@@ -69,14 +69,14 @@ TEST(ColorTwist, PlainAndWideRowsEqualTheFormulaAtAnyLengthAndAddress) {
             TwistByHand(source.data() + 1, expected.data() + 1, count, twist);
             Bytes expectedInPlace = before;
             TwistByHand(before.data() + 1, expectedInPlace.data() + 1, count, twist);
-            for (const bool wide : {false, true}) {
-                if (wide && !HasAvx2()) continue;
+            for (const RowForm form : kRowForms) {
+                if (!HasForm(form)) continue;
                 Bytes pixels = before;
-                (wide ? TwistRowWide : TwistRowPlain)(source.data() + 1, pixels.data() + 1, count, twist);
-                EXPECT_EQ(pixels, expected) << wide << count;
+                GetTwistRow(form)(source.data() + 1, pixels.data() + 1, count, twist);
+                EXPECT_EQ(pixels, expected) << static_cast<int>(form) << " " << count;
                 pixels = before;
-                (wide ? TwistRowInPlaceWide : TwistRowInPlacePlain)(pixels.data() + 1, count, twist);
-                EXPECT_EQ(pixels, expectedInPlace) << wide << count;
+                GetTwistRowInPlace(form)(pixels.data() + 1, count, twist);
+                EXPECT_EQ(pixels, expectedInPlace) << static_cast<int>(form) << " " << count;
             }
         }
     }
@@ -85,7 +85,7 @@ TEST(ColorTwist, PlainAndWideRowsEqualTheFormulaAtAnyLengthAndAddress) {
 TEST(ColorTwist, RoundsHalfToEvenAndKeepsTheFourthByte) {
     const Twist half = {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 0.5f, 0};
     Bytes pixels = {1, 3, 5, 77, 7, 255, 253, 88};
-    TwistRowInPlacePlain(pixels.data(), 2, half);
+    GetTwistRowInPlace(RowForm::Plain)(pixels.data(), 2, half);
     EXPECT_EQ(pixels, (Bytes{0, 2, 2, 77, 4, 128, 126, 88}));
 }
 
@@ -123,11 +123,11 @@ TEST(EncodeRow, LooksUpAndForcesChannelsThatReachedTheirLimit) {
             std::uint8_t& byte = expected[i + 1];
             byte = channel == 3 ? 0 : source[i + 1] >= limits[channel] ? 255 : table[byte];
         }
-        for (const bool wide : {false, true}) {
-            if (wide && !HasAvx2()) continue;
+        for (const RowForm form : kRowForms) {
+            if (!HasForm(form)) continue;
             Bytes pixels = before;
-            (wide ? EncodeRowWide : EncodeRowPlain)(source.data() + 1, pixels.data() + 1, count, table, limits);
-            EXPECT_EQ(pixels, expected) << wide << count;
+            GetEncodeRow(form)(source.data() + 1, pixels.data() + 1, count, table, limits);
+            EXPECT_EQ(pixels, expected) << static_cast<int>(form) << " " << count;
         }
     }
 }
