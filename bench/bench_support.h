@@ -52,12 +52,15 @@ inline void RunMemcpy(benchmark::State& state, std::size_t bytes) {
     state.SetBytesProcessed(static_cast<std::int64_t>(bytes) * state.iterations());
 }
 
-/// Registers `run(state, size)` as "name/1080p" and "name/4096x3000".
+/// Registers `run(state, size)` as "name/<size's name>".
+template <class Run>
+void RegisterAt(const std::string& name, const BenchSize& size, Run run) {
+    const auto bound = [run, size](benchmark::State& state) { run(state, size); };
+    benchmark::RegisterBenchmark((name + "/" + size.name).c_str(), bound)->Unit(benchmark::kMillisecond);
+}
+
+/// The same as "name/1080p" and "name/4096x3000".
 template <class Run>
 void RegisterAtBothSizes(const std::string& name, Run run) {
-    for (const BenchSize& size : kBenchSizes) {
-        benchmark::RegisterBenchmark((name + "/" + size.name).c_str(), [run, size](benchmark::State& state) {
-            run(state, size);
-        })->Unit(benchmark::kMillisecond);
-    }
+    for (const BenchSize& size : kBenchSizes) RegisterAt(name, size, run);
 }

@@ -193,13 +193,17 @@ constexpr ConvertRow kConvert[] = {
 };
 
 const bool kRegistered = [] {
+    constexpr BenchSize kPatch{"patch48", 48, 48};  // what is measured of a chart's patch
     for (const StatsRow& row : kStats) {
-        RegisterAtBothSizes(
-            row.name, [row](benchmark::State& state, const BenchSize& size) { runStats(state, row.format, size); });
+        const auto ours = [row](benchmark::State& state, const BenchSize& size) { runStats(state, row.format, size); };
+        RegisterAtBothSizes(row.name, ours);
+        RegisterAt(row.name, kPatch, ours);
 #ifdef TONEWRIGHT_HAS_OPENCV
-        RegisterAtBothSizes(row.name + std::string("_OpenCV"), [row](benchmark::State& state, const BenchSize& size) {
+        const auto peers = [row](benchmark::State& state, const BenchSize& size) {
             runPeerStats(state, row.format, row.peerType, size);
-        });
+        };
+        RegisterAtBothSizes(row.name + std::string("_OpenCV"), peers);
+        RegisterAt(row.name + std::string("_OpenCV"), kPatch, peers);
 #endif
     }
     for (const ConvertRow& row : kConvert) {

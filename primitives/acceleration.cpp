@@ -5,6 +5,8 @@
 #include <atomic>
 #include <mutex>
 
+#include "primitives/ctiv_ippi.h"
+
 namespace {
 
 std::atomic<int> accelerationLevel{1};
@@ -25,6 +27,7 @@ int ctiv_GetNumThreads() { return threadCount; }
 
 void ctiv_SetNumThreads(int count) {
     const std::lock_guard guard(threadCountLock);
+    ctiv_ippSetNumThreads(count);
     omp_set_num_threads(count);
     threadCount = count;
 }
