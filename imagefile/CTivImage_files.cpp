@@ -94,9 +94,12 @@ bool CTivImage::Load(const CTivString& path, bool reallocate) {
         if (read) mine.format = record.format;
         return read;
     }
-    const bool set = read && Free() && Set(record.width, record.height, record.format, record.data, true);
+    if (read && Free()) {
+        *GetRecord() = record;  // takes the pixels over: as if copied, and so with 8 significant bits
+        return true;
+    }
     if (record.data) nur_image_free(&record);
-    return set;
+    return false;
 }
 
 bool CTivImage::Save(const CTivString& path, int fileFormat) const {

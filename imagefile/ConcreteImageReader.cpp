@@ -1,5 +1,6 @@
 #include "imagefile/ConcreteImageReader.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -18,14 +19,16 @@ void requireRange(int offset, int size, std::int64_t dataSize) {
     }
 }
 
+int countedBytes(std::int64_t bytes) {
+    return static_cast<int>(std::min<std::int64_t>(bytes, std::numeric_limits<int>::max()));
+}
+
 RecordImageReader::~RecordImageReader() {
     if (record_.data) nur_image_free(&record_);
 }
 
 void RecordImageReader::TakeResults() {
-    const std::int64_t bytes = CTivImage::GetImageBytes(record_.width, record_.height, record_.format);
-    if (bytes > std::numeric_limits<int>::max()) throw std::runtime_error("image data too large");
-    dataSize_ = static_cast<int>(bytes);
+    dataSize_ = CTivImage::GetImageBytes(record_.width, record_.height, record_.format);
     width_ = Result<int>(record_.width);
     height_ = Result<int>(record_.height);
     format_ = Result<CTivData::Format>(record_.format);

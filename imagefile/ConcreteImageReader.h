@@ -68,19 +68,22 @@ protected:
     OptionalResult<std::string> unitName_;
 };
 
+/// @return a size as GetDataSize counts it: at most what an int holds. Larger images pass by ExchangePixels alone.
+int countedBytes(std::int64_t bytes);
+
 /// A reader that decodes the whole file into a record of the lower layer and serves from there.
 class RecordImageReader : public ImageReaderResults {
 public:
     ~RecordImageReader() override;
-    int GetDataSize() const override { return dataSize_; }
+    int GetDataSize() const override { return countedBytes(dataSize_); }
     void ReadData(int offset, int size, void* buffer) override;
     bool ExchangePixels(void*& pixels) override;
 
 protected:
-    /// Fills the results from the record. @throw std::runtime_error for more pixels than an int counts bytes
+    /// Fills the results from the record.
     void TakeResults();
     NurImage record_;
-    int dataSize_ = 0;
+    std::int64_t dataSize_ = 0;
 };
 
 /// The range checks of ReadData that all readers but the CRC stream's share.

@@ -5,7 +5,6 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <stdexcept>
 #include <vector>
 
@@ -72,7 +71,7 @@ public:
             png_set_read_fn(png_, this, ReadMemory);
         }
         png_set_sig_bytes(png_, kSignatureBytes);
-        png_set_user_limits(png_, std::numeric_limits<std::int32_t>::max(), std::numeric_limits<std::int32_t>::max());
+        // The library's own limit of a million pixels each way stands: the table of rows and every product stay small.
         // What no pixel needs stays folded: a small chunk of text may hold a great deal.
         png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(png_, info_);
@@ -177,7 +176,7 @@ void PngImageReader::Read(Decoder& decoder) {
     const CTivData::Format format = gray ? (deep ? CTivData::FormatUShort : CTivData::FormatUByte)
                                          : (deep ? CTivData::FormatRgb16 : CTivData::FormatRgb);
     size_ = decoder.rowBytes * decoder.height;
-    if (size_ > std::numeric_limits<int>::max() || decoder.storedBytes > decoder.SourceBytes() * kMostUnfolding ||
+    if (decoder.storedBytes > decoder.SourceBytes() * kMostUnfolding ||
         decoder.rowBytes != std::int64_t{CTivData::GetFormatSize(format)} * decoder.width) {
         throw std::runtime_error(kFailed);
     }

@@ -19,7 +19,7 @@ public:
     explicit PngImageReader(std::span<const std::uint8_t> memory);
     ~PngImageReader() override;
 
-    int GetDataSize() const override { return static_cast<int>(size_); }
+    int GetDataSize() const override { return countedBytes(size_); }
     void ReadData(int offset, int size, void* buffer) override;
     bool ExchangePixels(void*& pixels) override;
 
