@@ -36,6 +36,7 @@ public:
             ++questions;
             return choice;
         });
+        WaitAtMost(10'000);  // frames come at once, but the machine may be busy
         ClearLastError();
     }
     Simulation(const Simulation&) = delete;
