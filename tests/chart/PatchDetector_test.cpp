@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <tuple>
-
 #include "tests/support/drawn_chart.h"
 #include "tests/support/library.h"
 
@@ -12,18 +10,17 @@ namespace {
 using Color = DrawnChart::Color;
 using testing::Each;
 using testing::ElementsAre;
-using testing::FloatEq;
+
+constexpr int kPitch = DrawnChart::kPitch;
 
 ChartRoi wholeOf(const CTivImage& image) { return {0, 0, image.GetWidth(), image.GetHeight()}; }
 
-std::vector<Color> toColors(const CTivVector& vector) {
+std::vector<Color> toColors(const PatchColors& measured) {
+    const CTivData::Format format = measured.colors.GetFormat();
+    const int bits = format == CTivData::FormatRgb16 ? 16 : format == CTivData::FormatRgb10 ? 10 : 8;
     std::vector<Color> colors;
-    for (int i = 0; i < vector.GetSize(); ++i) {
-        const std::uint64_t word = vector.GetData(i).GetPayload();
-        const int bits = vector.GetFormat() == CTivData::FormatRgb16   ? 16
-                         : vector.GetFormat() == CTivData::FormatRgb10 ? 10
-                                                                       : 8;
-        const auto channel = [&](int place) {
+    for (int i = 0; i < measured.colors.GetSize(); ++i) {
+        const auto channel = [&, word = measured.colors.GetData(i).GetPayload()](int place) {
             return static_cast<std::uint32_t>(word >> place * bits & ((1u << bits) - 1));
         };
         colors.push_back({channel(2), channel(1), channel(0)});
@@ -43,266 +40,188 @@ std::vector<float> columnsOf(const PatchDetector& detector) {
     return columns;
 }
 
-/// Paints a rectangle in one color.
-void paint(CTivImage& image, const CTivRect& rect, const Color& color) {
+void paintWhite(CTivImage& image, const CTivRect& rect) {
     for (int y = rect.y; y < rect.y + rect.height; ++y) {
-        for (int x = rect.x; x < rect.x + rect.width; ++x) {
-            image.SetData(x, y, DrawnChart::Word(image.GetFormat(), color, 0));
-        }
+        for (int x = rect.x; x < rect.x + rect.width; ++x) image.SetData(x, y, CTivData::Rgb(200, 200, 200));
     }
 }
 
-TEST(PatchDetector, FindsEveryPatchOfACleanChart) {
-    const DrawnChart chart;
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-    EXPECT_EQ(detector.GetBlobCount(), 24);
-    EXPECT_EQ(detector.GetPatchWidth(), 20);
-    EXPECT_EQ(detector.GetPatchHeight(), 20);
+class PatchDetectorTest : public testing::Test {
+protected:
+    bool Detect(const ChartSize& chart = {}) { return detector_.DetectPatches(image_, wholeOf(image_), chart); }
+    PatchColors Measure(const ChartSize& chart = {}, PatchDepth depth = PatchDepth::EightBit) {
+        return detector_.GetRawColors(image_, wholeOf(image_), chart, depth);
+    }
+
+    DrawnChart chart_;
+    CTivImage image_ = chart_.Draw();
+    PatchDetector detector_;
+};
+
+TEST_F(PatchDetectorTest, FindsEveryPatchOfACleanChart) {
+    ASSERT_TRUE(Detect());
+    EXPECT_EQ(detector_.GetBlobCount(), 24);
+    EXPECT_EQ(detector_.GetPatchWidth(), 20);
+    EXPECT_EQ(detector_.GetPatchHeight(), 20);
     // The pixels 10 to 49 of a patch have their centre of gravity at 29.5.
-    EXPECT_THAT(columnsOf(detector), ElementsAre(29.5f, 79.5f, 129.5f, 179.5f, 229.5f, 279.5f));
-    EXPECT_THAT(rowsOf(detector), ElementsAre(29.5f, 79.5f, 129.5f, 179.5f));
-    ASSERT_EQ(detector.GetOverlay().size(), 24u);
-    const PatchOverlay& last = detector.GetOverlay().back();
-    EXPECT_THAT(std::tuple(last.x, last.y, last.width, last.height, last.penColor),
-                testing::FieldsAre(269, 169, 20, 20, 0x33FF00u));
-    const PatchColors colors = detector.GetRawColors(image, wholeOf(image), {});
-    EXPECT_EQ(toColors(colors.colors), chart.colors);
-    EXPECT_TRUE(colors.measured);
-    EXPECT_FALSE(colors.saturated);
+    EXPECT_THAT(columnsOf(detector_), ElementsAre(29.5f, 79.5f, 129.5f, 179.5f, 229.5f, 279.5f));
+    EXPECT_THAT(rowsOf(detector_), ElementsAre(29.5f, 79.5f, 129.5f, 179.5f));
+    ASSERT_EQ(detector_.GetOverlay().size(), 24u);
+    EXPECT_THAT(detector_.GetOverlay().back(), testing::FieldsAre(269, 169, 20, 20, 0x33FF00u));
+    EXPECT_EQ(toColors(Measure()), chart_.colors);
 }
 
-TEST(PatchDetector, CountsFromTheRoiAndLeavesTheRegionOfTheImageAlone) {
-    DrawnChart chart;
-    CTivImage image = chart.Draw();
-    image.SetRoi({1, 2, 3, 4});
-    PatchDetector detector;
-    // The last two columns and rows of the chart.
-    const ChartRoi roi = {chart.Left(4) - 5, chart.Top(2) - 5, chart.Width(), chart.Height()};
-    ASSERT_TRUE(detector.DetectPatches(image, roi, {2, 2}));
-    EXPECT_EQ(image.GetRoi(), (CTivRect{1, 2, 3, 4}));
-    EXPECT_THAT(columnsOf(detector), ElementsAre(24.5f, 74.5f));
-    EXPECT_EQ(detector.GetOverlay().front().x, chart.Left(4) + 9);
-    EXPECT_EQ(toColors(detector.GetRawColors(image, roi, {2, 2}).colors),
-              (std::vector{chart.colors[16], chart.colors[17], chart.colors[22], chart.colors[23]}));
+TEST_F(PatchDetectorTest, CountsFromTheRoiAndLeavesTheRegionOfTheImageAlone) {
+    image_.SetRoi({1, 2, 3, 4});
+    const ChartRoi lastTwo = {4 * kPitch + 5, 2 * kPitch + 5, image_.GetWidth(), image_.GetHeight()};
+    ASSERT_TRUE(detector_.DetectPatches(image_, lastTwo, {2, 2}));
+    EXPECT_EQ(image_.GetRoi(), (CTivRect{1, 2, 3, 4}));
+    EXPECT_THAT(columnsOf(detector_), ElementsAre(24.5f, 74.5f));
+    EXPECT_EQ(detector_.GetOverlay().front().x, 4 * kPitch + 19);
+    EXPECT_THAT(toColors(detector_.GetRawColors(image_, lastTwo, {2, 2})),
+                ElementsAre(chart_.colors[16], chart_.colors[17], chart_.colors[22], chart_.colors[23]));
 }
 
-TEST(PatchDetector, DarkPatchesAreCoveredByTheirNeighbours) {
-    DrawnChart chart;
-    for (const std::size_t dark : {0u, 9u, 23u}) chart.colors[dark] = {12, 14, 16};
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-    EXPECT_EQ(detector.GetBlobCount(), 21);
-    EXPECT_EQ(toColors(detector.GetRawColors(image, wholeOf(image), {}).colors), chart.colors);
+TEST_F(PatchDetectorTest, DarkPatchesAreCoveredByTheirNeighbours) {
+    for (const std::size_t dark : {0u, 9u, 23u}) chart_.colors[dark] = {12, 14, 16};
+    image_ = chart_.Draw();
+    ASSERT_TRUE(Detect());
+    EXPECT_EQ(detector_.GetBlobCount(), 21);
+    EXPECT_EQ(toColors(Measure()), chart_.colors);
 }
 
-TEST(PatchDetector, ADarkRowIsMissedAndTheLaterRowsMoveUp) {
-    DrawnChart chart;
-    for (std::size_t i = 6; i < 12; ++i) chart.colors[i] = chart.surround;
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-    EXPECT_THAT(rowsOf(detector), ElementsAre(29.5f, 129.5f, 179.5f, 0.0f));
-    EXPECT_EQ(detector.GetFoundRows(), 3);
-    EXPECT_EQ(detector.GetFoundColumns(), 6);
-    EXPECT_EQ(detector.GetOverlay().size(), 24u);
-    EXPECT_EQ(detector.GetOverlay().back().y, -10);
+TEST_F(PatchDetectorTest, ADarkRowIsMissedAndTheLaterRowsMoveUp) {
+    for (std::size_t i = 6; i < 12; ++i) chart_.colors[i] = chart_.surround;
+    image_ = chart_.Draw();
+    ASSERT_TRUE(Detect());
+    EXPECT_THAT(rowsOf(detector_), ElementsAre(29.5f, 129.5f, 179.5f, 0.0f));
+    EXPECT_EQ(detector_.GetFoundRows(), 3);
+    EXPECT_EQ(detector_.GetFoundColumns(), 6);
+    EXPECT_EQ(detector_.GetOverlay().back().y, -10) << "drawn all the same";
+    ASSERT_TRUE(Detect({4, 2})) << "and of groups that are too many the first are kept";
+    EXPECT_THAT(rowsOf(detector_), ElementsAre(29.5f, 129.5f));
+    EXPECT_THAT(columnsOf(detector_), ElementsAre(29.5f, 79.5f, 129.5f, 179.5f));
 }
 
-TEST(PatchDetector, GroupsThatAreTooManyAreDropped) {
-    const DrawnChart chart;
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {4, 3}));
-    EXPECT_EQ(detector.GetBlobCount(), 24);
-    EXPECT_THAT(columnsOf(detector), ElementsAre(29.5f, 79.5f, 129.5f, 179.5f));
-    EXPECT_THAT(rowsOf(detector), ElementsAre(29.5f, 79.5f, 129.5f));
-}
-
-TEST(PatchDetector, AStepOfTheSamplingSizeOpensTheNextRow) {
-    const struct {
-        int offset;
-        std::vector<float> rows;
-    } cases[] = {
-        {19, {29.5f + 19 * 0.5f, 0.0f}},  // one row, at the mean of both
-        {20, {29.5f, 49.5f}},             // exactly half a patch
-    };
-    for (const auto& [offset, rows] : cases) {
-        CTivImage image(200, 100, CTivData::FormatRgb, nullptr, true);
-        paint(image, {10, 10, 40, 40}, {200, 200, 200});
-        paint(image, {110, 10 + offset, 40, 40}, {200, 200, 200});
-        PatchDetector detector;
-        ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {2, 2}));
-        EXPECT_EQ(rowsOf(detector), rows) << offset;
+TEST_F(PatchDetectorTest, AStepOfTheSamplingSizeOpensTheNextRow) {
+    for (const auto& [offset, rows] : {std::pair{19, std::vector{39.0f, 0.0f}}, {20, {29.5f, 49.5f}}}) {
+        image_ = CTivImage(200, 100, CTivData::FormatRgb, nullptr, true);
+        paintWhite(image_, {10, 10, 40, 40});
+        paintWhite(image_, {110, 10 + offset, 40, 40});
+        ASSERT_TRUE(Detect({2, 2}));
+        EXPECT_EQ(rowsOf(detector_), rows) << offset;
     }
 }
 
-TEST(PatchDetector, WhatIsLargerThanACellOrSmallerThanItsQuarterIsNoPatch) {
-    CTivImage image(400, 100, CTivData::FormatRgb, nullptr, true);
-    paint(image, {10, 10, 60, 60}, {200, 200, 200});
-    paint(image, {110, 10, 101, 60}, {200, 200, 200});  // a cell is 100 wide
-    paint(image, {310, 10, 24, 60}, {200, 200, 200});
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {4, 1}));
-    EXPECT_EQ(detector.GetBlobCount(), 1);
+TEST_F(PatchDetectorTest, WhatIsLargerThanACellOrSmallerThanItsQuarterIsNoPatch) {
+    image_ = CTivImage(400, 100, CTivData::FormatRgb, nullptr, true);  // in cells of 100
+    paintWhite(image_, {10, 10, 60, 60});
+    paintWhite(image_, {110, 10, 101, 60});
+    paintWhite(image_, {310, 10, 24, 60});
+    ASSERT_TRUE(Detect({4, 1}));
+    EXPECT_EQ(detector_.GetBlobCount(), 1);
 }
 
-TEST(PatchDetector, TheWhitePatchTellsHowTheChartLies) {
-    // The chart as it is meant: white (18) at the bottom left of 6 x 4. Seen flipped, it is to come out as meant.
-    const auto meant = DrawnChart::Bright(24);
+TEST_F(PatchDetectorTest, TheWhitePatchTellsHowTheChartLies) {
+    const std::vector<Color> meant = chart_.colors;  // white at the bottom left
     const struct {
-        const char* what;
         bool flipX, flipY;
         int brightest;
-    } cases[] = {{"normal", false, false, 18},
-                 {"rows reversed", false, true, 0},
-                 {"turned", true, true, 5},
-                 {"columns reversed", true, false, 23}};
-    for (const auto& [what, flipX, flipY, brightest] : cases) {
-        DrawnChart chart;
-        for (std::size_t r = 0; r < 4; ++r) {
-            for (std::size_t c = 0; c < 6; ++c) {
-                chart.colors[r * 6 + c] = meant[(flipY ? 3 - r : r) * 6 + (flipX ? 5 - c : c)];
-            }
+    } cases[] = {{false, false, 18}, {false, true, 0}, {true, true, 5}, {true, false, 23}};
+    for (const auto& [flipX, flipY, brightest] : cases) {
+        for (std::size_t i = 0; i < 24; ++i) {
+            const std::size_t row = flipY ? 3 - i / 6 : i / 6, column = flipX ? 5 - i % 6 : i % 6;
+            chart_.colors[i] = meant[row * 6 + column];
         }
-        CTivImage image = chart.Draw();
-        PatchDetector detector;
-        ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-        const PatchColors colors = detector.GetRawColors(image, wholeOf(image), {});
-        EXPECT_EQ(colors.brightest, brightest) << what;
-        EXPECT_EQ(toColors(colors.colors), meant) << what;
+        image_ = chart_.Draw();
+        ASSERT_TRUE(Detect());
+        const PatchColors colors = Measure();
+        EXPECT_EQ(colors.brightest, brightest);
+        EXPECT_EQ(toColors(colors), meant) << brightest;
     }
+    image_.SetRoi({});
+    image_.Clear();
+    EXPECT_EQ(Measure().brightest, 0) << "of black patches the first counts, which reverses the rows";
 }
 
-TEST(PatchDetector, ATallChartIsOrderedByTheSameIndices) {
-    DrawnChart chart;
-    chart.columns = 4;
-    chart.rows = 6;
-    chart.colors = DrawnChart::Bright(24, 5);  // row 1, column 1: no corner, and yet it turns the chart
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {4, 6}));
-    auto turned = chart.colors;
-    std::reverse(turned.begin(), turned.end());
-    EXPECT_EQ(toColors(detector.GetRawColors(image, wholeOf(image), {4, 6}).colors), turned);
+TEST_F(PatchDetectorTest, ATallChartIsOrderedByTheSameIndicesAndOthersAreNot) {
+    chart_ = {4, 6, DrawnChart::Bright(24, 5)};  // row 1, column 1: no corner, and yet it turns the chart
+    image_ = chart_.Draw();
+    ASSERT_TRUE(Detect({4, 6}));
+    EXPECT_EQ(toColors(Measure({4, 6})), std::vector(chart_.colors.rbegin(), chart_.colors.rend()));
+
+    chart_ = {5, 5, DrawnChart::Bright(25, 0)};
+    image_ = chart_.Draw();
+    ASSERT_TRUE(Detect({5, 5}));
+    EXPECT_EQ(toColors(Measure({5, 5})), chart_.colors);
 }
 
-TEST(PatchDetector, OtherChartSizesKeepTheOrderOfTheGrid) {
-    DrawnChart chart;
-    chart.columns = chart.rows = 5;
-    chart.colors = DrawnChart::Bright(25, 0);
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {5, 5}));
-    EXPECT_EQ(toColors(detector.GetRawColors(image, wholeOf(image), {5, 5}).colors), chart.colors);
+TEST_F(PatchDetectorTest, OnlyAMeanOfFullScaleIsSaturated) {
+    chart_.colors[18].red = 255;
+    image_ = chart_.Draw();
+    ASSERT_TRUE(Detect());
+    EXPECT_TRUE(Measure().saturated);
+    EXPECT_TRUE(detector_.GetGrid()[3][0].saturated);
+    EXPECT_FALSE(detector_.GetGrid()[0][0].saturated);
+
+    image_.SetData(29, 179, CTivData::Rgb(254, 241, 242));  // one pixel of 400: a mean of 254.9975
+    ASSERT_TRUE(Detect());
+    EXPECT_FALSE(Measure().saturated);
+    EXPECT_EQ(toColors(Measure())[18].red, 254u);
 }
 
-TEST(PatchDetector, BlackPatchesCountAsRowsReversed) {
-    CTivImage image = DrawnChart().Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-    image.Clear();
-    const PatchColors colors = detector.GetRawColors(image, wholeOf(image), {});
-    EXPECT_EQ(colors.brightest, 0);
-    EXPECT_THAT(toColors(colors.colors), Each(Color{0, 0, 0}));
-}
-
-TEST(PatchDetector, OnlyAMeanOfFullScaleIsSaturated) {
-    DrawnChart chart;
-    chart.colors[18] = {255, 241, 242};
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-    EXPECT_TRUE(detector.GetRawColors(image, wholeOf(image), {}).saturated);
-    EXPECT_TRUE(detector.GetGrid()[3][0].saturated);
-    EXPECT_FALSE(detector.GetGrid()[0][0].saturated);
-
-    image.SetData(29, 179, CTivData::Rgb(254, 241, 242));  // one pixel of 400: a mean of 254.9975
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-    const PatchColors colors = detector.GetRawColors(image, wholeOf(image), {});
-    EXPECT_FALSE(colors.saturated);
-    EXPECT_EQ(toColors(colors.colors)[18].red, 254u);
-}
-
-TEST(PatchDetector, DeepImagesAreMeasuredInTheirOwnWordsWhenAsked) {
-    const struct {
-        CTivData::Format format;
-        int shift;
-        std::uint32_t fullScale;
-    } cases[] = {{CTivData::FormatRgb10, 2, 1023}, {CTivData::FormatRgb16, 8, 65535}};
-    for (const auto& [format, shift, fullScale] : cases) {
-        DrawnChart chart;
-        CTivImage image = chart.Draw(format, shift);
-        PatchDetector detector;
-        ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {}));
-        PatchColors deep = detector.GetRawColors(image, wholeOf(image), {}, PatchDepth::AsImage);
+TEST_F(PatchDetectorTest, DeepImagesAreMeasuredInTheirOwnWordsWhenAsked) {
+    for (const auto& [format, shift] : {std::pair{CTivData::FormatRgb10, 2}, {CTivData::FormatRgb16, 8}}) {
+        image_ = chart_.Draw(format, shift);
+        ASSERT_TRUE(Detect());
+        const PatchColors deep = Measure({}, PatchDepth::AsImage);
         EXPECT_EQ(deep.colors.GetFormat(), format);
-        EXPECT_EQ(toColors(deep.colors)[18], (Color{240u << shift, 241u << shift, 242u << shift}));
+        EXPECT_EQ(toColors(deep)[18], (Color{240u << shift, 241u << shift, 242u << shift}));
         EXPECT_FALSE(deep.saturated);
 
-        const PatchColors bytes = detector.GetRawColors(image, wholeOf(image), {});
+        const PatchColors bytes = Measure();
         EXPECT_EQ(bytes.colors.GetFormat(), CTivData::FormatRgb);
-        const Color low = {240u << shift & 0xFF, 241u << shift & 0xFF, 242u << shift & 0xFF};
-        EXPECT_EQ(toColors(bytes.colors)[18], low) << "the low byte alone";
+        EXPECT_EQ(toColors(bytes)[18], (Color{240u << shift & 0xFF, 241u << shift & 0xFF, 242u << shift & 0xFF}));
 
-        chart.colors[18] = {fullScale, 100u << shift, 100u << shift};
-        chart.colors[0] = {255, 100u << shift, 100u << shift};
-        for (Color& color : chart.colors) color.red = std::max(color.red, 200u);
-        image = chart.Draw(format, 0);
-        ASSERT_TRUE(detector.DetectPatches(image, {0, chart.Top(3) - 5, chart.Width(), chart.Height()}, {6, 1}));
-        deep = detector.GetRawColors(image, {0, chart.Top(3) - 5, chart.Width(), chart.Height()}, {6, 1},
-                                     PatchDepth::AsImage);
-        EXPECT_TRUE(deep.saturated) << fullScale;
+        const auto white = DrawnChart::Word(format, {(256u << shift) - 1, 200u << shift, 200u << shift}, 0);
+        for (int i = 0; i < 400; ++i) image_.SetData(19 + i % 20, 169 + i / 20, white);
+        EXPECT_TRUE(Measure({}, PatchDepth::AsImage).saturated) << "at full scale";
     }
 }
 
-TEST(PatchDetector, APatchOutsideTheImageRepeatsTheOneBefore) {
-    DrawnChart chart;
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {6, 4}));
-    // Measured with a ROI that lies higher, the first row leaves the image: the whole image stands in for it at first.
-    const int pitch = chart.patch + chart.gap;
-    const ChartRoi higher = {0, -pitch, chart.Width(), chart.Height() - pitch};
-    image.SetRoi({chart.Left(5), chart.Top(3), 20, 20});
-    ClearLastError();
-    const PatchColors colors = detector.GetRawColors(image, higher, {6, 3});
-    EXPECT_EQ(LastError(), "CTivImage::SetRoi => ROI rectangle out of range");
-    CTivImage one = chart.Draw();
+TEST_F(PatchDetectorTest, APatchOutsideTheImageRepeatsTheOneBefore) {
+    ASSERT_TRUE(Detect());
+    // Measured a row too high, the first row leaves the image: the whole image stands in, as none was measured before.
     unsigned char whole[3];
     CTivData::Point centre;
-    PatchDetector::GetRoiColor(one, {0, 0, chart.Width() - 1, chart.Height() - 1}, whole, &centre);
-    const auto measured = toColors(colors.colors);
+    PatchDetector::GetRoiColor(image_, {0, 0, image_.GetWidth() - 1, image_.GetHeight() - 1}, whole, &centre);
+    image_.SetRoi({kPitch, kPitch, 20, 20});
+    ClearLastError();
+    const ChartRoi higher = {0, -kPitch, image_.GetWidth(), image_.GetHeight() - kPitch};
+    const auto measured = toColors(detector_.GetRawColors(image_, higher, {6, 3}));
+    EXPECT_EQ(LastError(), "CTivImage::SetRoi => ROI rectangle out of range");
     EXPECT_EQ(measured[0], (Color{whole[2], whole[1], whole[0]}));
     EXPECT_EQ(measured[5], measured[0]);
-    EXPECT_EQ(measured[6], chart.colors[0]);
-    EXPECT_EQ(measured[12], chart.colors[6]);
+    EXPECT_EQ(measured[6], chart_.colors[0]);
+    EXPECT_EQ(measured[17], chart_.colors[11]);
 }
 
-TEST(PatchDetector, CellsThatAnOlderGridLacksStayBlack) {
-    DrawnChart chart;
-    CTivImage image = chart.Draw();
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, wholeOf(image), {6, 4}));
-    const auto colors = toColors(detector.GetRawColors(image, wholeOf(image), {7, 5}).colors);
+TEST_F(PatchDetectorTest, CellsThatAnOlderGridLacksStayBlack) {
+    ASSERT_TRUE(Detect());
+    const auto colors = toColors(Measure({7, 5}));
     ASSERT_EQ(colors.size(), 35u);
-    EXPECT_EQ(colors[5], chart.colors[5]);
+    EXPECT_EQ(colors[5], chart_.colors[5]);
     EXPECT_EQ(colors[6], (Color{0, 0, 0}));
-    EXPECT_EQ(colors[7], chart.colors[6]);
+    EXPECT_EQ(colors[7], chart_.colors[6]);
     EXPECT_EQ(colors[28], (Color{0, 0, 0}));
 }
 
-TEST(PatchDetector, WhatCannotBeFoundLeavesAnEmptyGridAndTheEarlierSize) {
-    CTivImage image = DrawnChart().Draw();
+TEST_F(PatchDetectorTest, WhatCannotBeFoundLeavesAnEmptyGridAndTheEarlierSize) {
+    const ChartRoi whole = wholeOf(image_);
+    ASSERT_TRUE(Detect());
     CTivImage empty;
-    const ChartRoi whole = wholeOf(image);
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(image, whole, {}));
-    EXPECT_FALSE(detector.DetectPatches(empty, whole, {}));
-    EXPECT_EQ(detector.GetBlobCount(), 24) << "without an image nothing happens";
-
+    EXPECT_FALSE(detector_.DetectPatches(empty, whole, {}));
+    EXPECT_EQ(detector_.GetBlobCount(), 24) << "without an image nothing happens";
     const struct {
         const char* what;
         ChartRoi roi;
@@ -317,39 +236,35 @@ TEST(PatchDetector, WhatCannotBeFoundLeavesAnEmptyGridAndTheEarlierSize) {
         {"more patches than pixels", whole, {100000, 100000}},
     };
     for (const auto& [what, roi, chart] : cases) {
-        EXPECT_FALSE(detector.DetectPatches(image, roi, chart)) << what;
-        EXPECT_TRUE(detector.GetOverlay().empty()) << what;
-        EXPECT_EQ(detector.GetPatchWidth(), 20) << what;
+        EXPECT_FALSE(detector_.DetectPatches(image_, roi, chart)) << what;
+        EXPECT_TRUE(detector_.GetOverlay().empty()) << what;
+        EXPECT_EQ(detector_.GetPatchWidth(), 20) << what;
     }
-    image.Clear();
-    EXPECT_FALSE(detector.DetectPatches(image, whole, {}));
-    EXPECT_THAT(rowsOf(detector), Each(FloatEq(0.0f)));
+    image_.Clear();
+    EXPECT_FALSE(Detect());
+    EXPECT_THAT(rowsOf(detector_), Each(0.0f));
 }
 
-TEST(PatchDetector, AGrayImageHasNoColorsToMeasure) {
-    CTivImage color = DrawnChart().Draw();
-    CTivImage gray(color.GetWidth(), color.GetHeight(), CTivData::FormatUByte, nullptr, true);
-    ASSERT_TRUE(gray.ConvertFormat(color, 0));
-    PatchDetector detector;
-    ASSERT_TRUE(detector.DetectPatches(gray, wholeOf(gray), {}));
-    EXPECT_EQ(detector.GetBlobCount(), 24);
+TEST_F(PatchDetectorTest, AGrayImageHasNoColorsToMeasure) {
+    CTivImage gray(image_.GetWidth(), image_.GetHeight(), CTivData::FormatUByte, nullptr, true);
+    ASSERT_TRUE(gray.ConvertFormat(image_, 0));
+    image_ = gray;
+    ASSERT_TRUE(Detect());
+    EXPECT_EQ(detector_.GetBlobCount(), 24);
     ClearLastError();
-    const PatchColors colors = detector.GetRawColors(gray, wholeOf(gray), {});
-    EXPECT_FALSE(colors.measured);
-    EXPECT_THAT(toColors(colors.colors), Each(Color{0, 0, 0}));
+    EXPECT_FALSE(Measure().measured);
     EXPECT_EQ(LastError(), "stats: cannot get color stats on monochrome input\n");
 }
 
-TEST(PatchDetector, ARoiMeasuredAsOnePatchIncludesBothItsEdges) {
-    CTivImage image(20, 20, CTivData::FormatRgb, nullptr, true);
-    image.SetData(5, 6, CTivData::Rgb(240, 120, 60));
+TEST_F(PatchDetectorTest, ARoiMeasuredAsOnePatchIncludesBothItsEdges) {
+    image_.Clear();
+    image_.SetData(5, 6, CTivData::Rgb(240, 120, 60));
     unsigned char bgr[3];
     CTivData::Point centre;
-    PatchDetector::GetRoiColor(image, {4, 5, 5, 6}, bgr, &centre);
+    PatchDetector::GetRoiColor(image_, {4, 5, 5, 6}, bgr, &centre);
     EXPECT_THAT(bgr, ElementsAre(15, 30, 60));  // one pixel of four
     EXPECT_EQ(centre.x, 4);
     EXPECT_EQ(centre.y, 5);
-    EXPECT_EQ(image.GetRoi(), (CTivRect{4, 5, 2, 2}));
 }
 
 }  // namespace

@@ -7,11 +7,9 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr int kZvk = 0, kBmp = 5;
-
 class Apply : public ToolTest {
 protected:
-    Apply() : chart_(WriteImage("chart.bmp", DrawnChart().Draw(), kBmp)) {}
+    Apply() : chart_(WriteImage("chart.bmp", DrawnChart().Draw())) {}
 
     /// Calibrates on the drawn chart. @return the name of the coefficient file; beside it lies p.twkp
     std::string Calibrated(const std::string& terms) {
@@ -43,7 +41,7 @@ TEST_F(Apply, ParametersAndCoefficientsCorrectAsTheCalibrationDid) {
 TEST_F(Apply, OneBadInputDoesNotStopTheOthers) {
     Calibrated("4");
     const std::string bad = Write("bad.bmp", "BM");
-    const std::string other = WriteImage("other.zvk", DrawnChart().Draw(), kZvk);
+    const std::string other = WriteImage("other.zvk", DrawnChart().Draw(), ImageFileNative);
     const ToolRun run = RunTool(
         {"apply", bad, chart_, other, "--parameters", Path("p.twkp"), "--output", Path("out"), "--type", "tif"});
     EXPECT_EQ(run.status, 1);
@@ -61,7 +59,7 @@ TEST_F(Apply, OneBadInputDoesNotStopTheOthers) {
 
 TEST_F(Apply, AFolderNeitherTakesTwoOfANameNorAnInputsPlace) {
     Calibrated("4");
-    const std::string twin = WriteImage("chart.zvk", DrawnChart().Draw(), kZvk);
+    const std::string twin = WriteImage("chart.zvk", DrawnChart().Draw(), ImageFileNative);
     const std::string before = ReadBytes(chart_);
     const ToolRun over = RunTool({"apply", chart_, "--parameters", Path("p.twkp"), "--output", Path("")});
     EXPECT_EQ(over.status, 1);
@@ -78,7 +76,7 @@ TEST_F(Apply, RefusesWhatACoefficientFileCannotServe) {
     EXPECT_THAT(four.err, HasSubstr("4 terms"));
     EXPECT_EQ(four.out, "");
 
-    const std::string deep = WriteImage("deep.zvk", DrawnChart().Draw(CTivData::FormatRgb16, 8), kZvk);
+    const std::string deep = WriteImage("deep.zvk", DrawnChart().Draw(CTivData::FormatRgb16, 8), ImageFileNative);
     const ToolRun depth = RunTool({"apply", deep, "--coefficients", Calibrated("7"), "--output", Path("out.bmp")});
     EXPECT_EQ(depth.status, 1);
     EXPECT_THAT(depth.err, HasSubstr("depth"));

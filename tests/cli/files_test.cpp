@@ -9,8 +9,6 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr int kZvk = 0, kTiff = 4, kBmp = 5, kCrc = 6;
-
 class Files : public ToolTest {
 protected:
     /// Writes a picture as a PNG of 16 bits a channel.
@@ -44,10 +42,10 @@ TEST_F(Files, InfoTellsTheKindsOfImagesByTheirContent) {
         const char* format;
     } cases[] = {
         // BMP and TIFF hold the region alone, the others the image with its region.
-        {WriteImage("a.bmp", image, kBmp), "bmp", {3, 2}, {0, 0, 3, 2}, "FormatUByte"},
-        {WriteImage("a.tif", image, kTiff), "tiff", {3, 2}, {0, 0, 3, 2}, "FormatUShort"},
-        {WriteImage("a.zvk", image, kZvk), "native image", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
-        {WriteImage("a.crc", image, kCrc), "crc", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
+        {WriteImage("a.bmp", image, ImageFileBmp), "bmp", {3, 2}, {0, 0, 3, 2}, "FormatUByte"},
+        {WriteImage("a.tif", image, ImageFileTiff), "tiff", {3, 2}, {0, 0, 3, 2}, "FormatUShort"},
+        {WriteImage("a.zvk", image, ImageFileNative), "native image", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
+        {WriteImage("a.crc", image, ImageFileCrc), "crc", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
         {TONEWRIGHT_TEST_DATA "/charts/shelf.png", "png", {400, 300}, {0, 0, 400, 300}, "FormatRgb"},
     };
     for (const auto& [path, kind, size, roi, format] : cases) {
@@ -67,7 +65,7 @@ TEST_F(Files, InfoTellsTheKindsOfImagesByTheirContent) {
 
 TEST_F(Files, InfoTellsWhatCalibrationFilesHold) {
     DrawnChart chart;
-    const std::string picture = WriteImage("chart.bmp", chart.Draw(), kBmp);
+    const std::string picture = WriteImage("chart.bmp", chart.Draw(), ImageFileBmp);
     ASSERT_EQ(RunTool({"calibrate", picture, "--illuminant", "F2", "--terms", "7", "--gamma", "0.5", "--saturation",
                        "250,251,252", "--parameters", Path("p.twkp"), "--coefficients", Path("c.ccor")})
                   .status,
@@ -107,32 +105,27 @@ TEST_F(Files, InfoTellsWhatCalibrationFilesHold) {
     EXPECT_EQ(InfoOf(Write("s.ccor", saturated))["saturation"], (json{1.0, 0.5, 0.0}));
 }
 
-TEST_F(Files, InfoReadsNativeVectors) {
+TEST_F(Files, InfoReadsNativeVectorsAndGoesOnBehindAFileThatFails) {
     std::string bytes(32, '\0');
     bytes.replace(0, 10, "CTivVector");
     for (const std::uint32_t field : {100u, 3u, 7u}) bytes += WithU32("    ", 0, field);
-    const json info = InfoOf(Write("v.zvk", bytes + std::string("\x01\0\xff\xff\0\x80", 6)));
-    EXPECT_EQ(info["kind"], "native vector");
-    EXPECT_EQ(info["format"], "FormatShort");
-    EXPECT_EQ(info["size"], 3);
-    EXPECT_EQ(info["values"], (json{1, -1, -32768}));
-}
-
-TEST_F(Files, InfoGoesOnBehindAFileThatFails) {
-    const std::string text = Write("text", "no such kind");
-    const ToolRun run = RunTool({"info", text, Path("missing"), kSample});
+    const std::string vector = Write("v.zvk", bytes + std::string("\x01\0\xff\xff\0\x80", 6));
+    const ToolRun run = RunTool({"info", Write("text", "no such kind"), Path("missing"), vector});
     EXPECT_EQ(run.status, 1);
     const json document = run.Document();
-    ASSERT_EQ(document.size(), 3u);
-    EXPECT_TRUE(document[0].contains("error") && document[1].contains("error"));
-    EXPECT_EQ(document[2]["width"], 922);
+    EXPECT_TRUE(document.at(0).contains("error") && document.at(1).contains("error"));
+    EXPECT_EQ(document.at(2), (json{{"file", vector},
+                                    {"kind", "native vector"},
+                                    {"format", "FormatShort"},
+                                    {"size", 3},
+                                    {"values", {1, -1, -32768}}}));
 }
 
 TEST_F(Files, ConvertSavesByExtensionAndChangesTheFormat) {
     DrawnChart chart;
     CTivImage image = chart.Draw();
     ASSERT_TRUE(image.SetRoi({10, 10, 20, 20}));  // is widened: every image is taken whole
-    const std::string source = WriteImage("chart.zvk", image, kZvk);
+    const std::string source = WriteImage("chart.zvk", image, ImageFileNative);
     const struct {
         std::vector<std::string> arguments;
         const char* kind;
@@ -152,11 +145,12 @@ TEST_F(Files, ConvertSavesByExtensionAndChangesTheFormat) {
         const json info = InfoOf(arguments[0]);
         EXPECT_EQ(info["kind"], kind) << arguments[0];
         EXPECT_EQ(info["format"], format) << arguments[0];
-        EXPECT_EQ(info["width"], chart.Width()) << arguments[0];
+        EXPECT_EQ(info["width"], 310) << arguments[0];
     }
     CTivImage deep;
     ASSERT_TRUE(deep.Load(Path("a.tif"), true));
-    EXPECT_EQ(deep.GetData(chart.Left(0), chart.Top(3)).AsRgb16(), 240ull << 40 | 241ull << 24 | 242ull << 8);
+    EXPECT_EQ(deep.GetData(DrawnChart::kGap, 3 * DrawnChart::kPitch + DrawnChart::kGap).AsRgb16(),
+              240ull << 40 | 241ull << 24 | 242ull << 8);
 
     const ToolRun refused = RunTool({"convert", source, Path("b.zvk"), "--format", "FormatDouble"});
     EXPECT_EQ(refused.status, 1);

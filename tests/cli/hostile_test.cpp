@@ -5,7 +5,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr int kZvk = 0, kBmp = 5;
 // A run takes about 20 MB by itself; a declared size of 2 GiB and more must not show in it.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr long kPeakKilobytes = 1000 * 1024;
@@ -15,18 +14,17 @@ constexpr long kPeakKilobytes = 120 * 1024;
 
 class HostileFiles : public ToolTest {
 protected:
-    /// Every command that reads such a file must end with 1, say why, print no document but info's, write nothing, and
-    /// stay small.
+    /// Every command that reads such a file must end with 1, say why, write nothing, and stay small.
     void ExpectRefusal(const std::string& bytes, const std::string& what, const std::string& told = {}) {
-        const std::string file = Write("hostile", bytes);
-        const std::vector<std::string> lines[] = {
-            {"detect", file},
-            {"calibrate", file, "--coefficients", Path("out.ccor"), "--corrected", Path("out.bmp")},
-            {"convert", file, Path("out.bmp")},
-            {"info", file},
-            {"apply", good_, "--parameters", file, "--output", Path("out.bmp")},
-            {"apply", good_, "--coefficients", file, "--output", Path("out.bmp")},
-        };
+        const std::string file = Write("hostile", bytes), out = Path("out.bmp");
+        std::vector<std::vector<std::string>> lines = {{"info", file}};
+        if (bytes.starts_with("CTivTonewrightDC")) {
+            lines.push_back({"apply", good_, "--parameters", file, "--output", out});
+            lines.push_back({"apply", good_, "--coefficients", file, "--output", out});
+        } else {
+            lines.push_back({"calibrate", file, "--coefficients", Path("out.ccor"), "--corrected", out});
+            lines.push_back({"convert", file, out});
+        }
         for (const auto& line : lines) {
             const ToolRun run = RunTool(line);
             EXPECT_EQ(run.status, 1) << what << ": " << line[0] << "\n" << run.err;
@@ -37,7 +35,7 @@ protected:
         EXPECT_THAT(Files(), testing::ElementsAre("good.bmp", "hostile")) << what;
     }
 
-    std::string good_ = WriteImage("good.bmp", DrawnChart().Draw(), kBmp);
+    std::string good_ = WriteImage("good.bmp", DrawnChart().Draw());
 };
 
 /// The lengths at which to cut a file: around its heads, and in its data.
@@ -54,7 +52,7 @@ std::vector<std::size_t> cuts(const std::string& bytes) {
 TEST_F(HostileFiles, ImagesOfImpossibleSizes) {
     const std::string bmp = ReadBytes(good_);
     CTivImage image(4, 4, CTivData::FormatRgb, nullptr, true);
-    const std::string record = ReadBytes(WriteImage("r.zvk", image, kZvk));
+    const std::string record = ReadBytes(WriteImage("r.zvk", image, ImageFileNative));
     std::filesystem::remove(Path("r.zvk"));
     for (const std::uint32_t size : {0u, 0xFFFFFFFFu, 0x7FFFFFFFu, 0x80000000u}) {
         const std::string number = std::to_string(size);
@@ -72,7 +70,7 @@ TEST_F(HostileFiles, RecordsAndCalibrationsThatBreakOff) {
     ASSERT_EQ(RunTool({"calibrate", good_, "--parameters", Path("p"), "--coefficients", Path("c")}).status, 0);
     CTivImage image(20, 20, CTivData::FormatRgb, nullptr, true);
     const std::string files[] = {ReadBytes(Path("p")), ReadBytes(Path("c")),
-                                 ReadBytes(WriteImage("r.zvk", image, kZvk))};
+                                 ReadBytes(WriteImage("r.zvk", image, ImageFileNative))};
     for (const char* name : {"p", "c", "r.zvk"}) std::filesystem::remove(Path(name));
     for (const std::string& file : files) {
         for (const std::size_t length : cuts(file)) {

@@ -8,23 +8,27 @@
 #include <vector>
 
 #include "foundation/CTivImage.h"
+#include "imagefile/CTivImageFileFormat.h"
 #include "tests/support/library.h"
 
 /// What a run of the real program gave.
 struct ToolRun {
-    int status = -1;  ///< the exit status; -1: ended by a signal, or by the time limit of the runner
+    int status = -1;  ///< the exit status; above 128: ended by a signal, or by the runner after half a minute
     std::string out;
     std::string err;
-    long peakKilobytes = 0;
+    long peakKilobytes = 0;  ///< the most that this run or one before it took
 
     nlohmann::json Document() const { return nlohmann::json::parse(out); }
 };
 
-/// Runs `tonewright` with these arguments. What takes longer than half a minute is ended.
+/// Runs `tonewright` with these arguments.
 ToolRun RunTool(const std::vector<std::string>& arguments);
 
 /// Gives each test a folder of its own that is gone afterwards.
 class ToolTest : public testing::Test {
+public:
+    static std::string ReadBytes(const std::string& path);
+
 protected:
     ToolTest();
     ~ToolTest() override;
@@ -34,8 +38,7 @@ protected:
     std::vector<std::string> Files() const;
     /// Writes a file. @return its path
     std::string Write(const std::string& name, const std::string& bytes) const;
-    std::string WriteImage(const std::string& name, const CTivImage& image, int fileFormat) const;
-    static std::string ReadBytes(const std::string& path);
+    std::string WriteImage(const std::string& name, const CTivImage& image, int fileFormat = ImageFileBmp) const;
 
 private:
     std::filesystem::path folder_;
