@@ -218,7 +218,7 @@ private:
         if (width < record.roi.width || head_.height < record.roi.height) {
             return refuse("%s: output image size too small\n", "readBMP");
         }
-        filledWidth_ = std::min(head_.width, record.roi.width);
+        filledWidth_ = std::min(int{head_.width}, record.roi.width);
         filledHeight_ = record.roi.height;
         return 0;
     }
