@@ -229,7 +229,7 @@ int ctiv_ippiCompareC_8u_C3R(const std::uint8_t* source, std::int64_t sourcePitc
             std::uint8_t* out = rowOf(mask, maskPitch, y);
             for (int x = 0; x < width; ++x) {
                 const std::uint8_t* pixel = row + 3 * x;
-                const bool all = holds(pixel[0], value[0]) & holds(pixel[1], value[1]) & holds(pixel[2], value[2]);
+                const bool all = holds(pixel[0], value[0]) && holds(pixel[1], value[1]) && holds(pixel[2], value[2]);
                 out[x] = all ? 255 : 0;
             }
         });
