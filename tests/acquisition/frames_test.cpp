@@ -81,6 +81,19 @@ TEST(Frames, AnImageLoadedIntoASlotGivesWayToTheNextFrameThere) {
     EXPECT_EQ(device.Session().GetImage(-1)->GetWidth(), 256);
 }
 
+TEST(Frames, ThoseOfBuffersThatAreGoneNeverReachTheCallback) {
+    Gate gate;
+    Connected device("", [&gate] { gate.Pass(); });
+    for (int i = 0; i < 3; ++i) device.Session().Snap();
+    EXPECT_EQ(device.recorded.WaitForFrames(1), inTurn(1));
+    EXPECT_TRUE(device.Session().Reconnect());
+    gate.Open();
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_EQ(device.recorded.GetFrames(), inTurn(1));
+    device.Session().Snap();
+    EXPECT_EQ(device.recorded.WaitForFrames(2), (std::vector<Frame>{{0, 1}, {0, 1}}));
+}
+
 TEST(Frames, EachBufferFormatBecomesItsImageFormat) {
     // Pixel (255, 200) of the first frame is red 255, green 200, blue 1, and gray 194.
     const struct {
