@@ -138,6 +138,7 @@ void CMainFrame::UpdateCommands() {
 void CMainFrame::RunCommand(int id) {
     const CommandRow* const row = FindCommand(id);
     if (!row) return;
+    m_ribbon->CommitPendingEdits();
     if (row->run && row->enabled(GetState())) {
         try {
             row->run(*this, id);

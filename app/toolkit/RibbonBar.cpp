@@ -88,6 +88,10 @@ QString RibbonBar::EditText(int id) const {
     return found != edits_.end() ? found->second->text() : QString();
 }
 
+void RibbonBar::CommitPendingEdits() {
+    for (const auto& [id, edit] : edits_) edit->CommitPending();
+}
+
 void RibbonBar::SetSliderValue(int id, int value) {
     if (const auto found = sliders_.find(id); found != sliders_.end()) found->second->ShowValue(value);
 }

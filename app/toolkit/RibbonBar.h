@@ -28,6 +28,8 @@ public:
 
     void SetEditText(int id, const QString& text);
     QString EditText(int id) const;  ///< empty for an unknown number
+    /// Commits what was typed into an edit and not committed yet: a press on a button leaves the focus there.
+    void CommitPendingEdits();
     void SetSliderValue(int id, int value);
     int SliderValue(int id) const;  ///< 0 for an unknown number
     void SetRecentDocuments(const QStringList& paths);

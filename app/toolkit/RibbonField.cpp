@@ -50,7 +50,11 @@ void RibbonEdit::keyPressEvent(QKeyEvent* event) {
 
 void RibbonEdit::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
-    if (event->reason() != Qt::PopupFocusReason && text() != shown_) Commit();
+    if (event->reason() != Qt::PopupFocusReason) CommitPending();
+}
+
+void RibbonEdit::CommitPending() {
+    if (text() != shown_) Commit();
 }
 
 void RibbonEdit::Commit() {

@@ -15,6 +15,8 @@ class RibbonEdit : public QLineEdit {
 public:
     explicit RibbonEdit(QWidget* parent) : QLineEdit(parent) {}
     void ShowText(const QString& text);
+    /// Commits a text that was typed and not committed yet.
+    void CommitPending();
 
 signals:
     void committed();

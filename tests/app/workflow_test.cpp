@@ -7,6 +7,7 @@
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Profile.h"
 #include "app/toolkit/RibbonBar.h"
+#include "app/toolkit/RibbonField.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "tests/app/studio.h"
@@ -143,6 +144,13 @@ TEST_F(Workflow, EditsTakeNumbersWithinTheirRange) {
         EXPECT_EQ(GetEngine().GetSaturationRgb().AsRgb() & 0xFFFFFF, 0xFF00FFu | QString(c.saturation).toUInt() << 8)
             << c.typed;
     }
+}
+
+TEST_F(Workflow, ATypedNumberCountsForTheCommandThatIsPressedNext) {
+    auto* edit = frame->Ribbon().findChild<RibbonEdit*>();  // the first one is gamma's
+    edit->setText("60");
+    Run(ID_BTN_SATURATION_NONE);
+    EXPECT_FLOAT_EQ(GetEngine().GetGamma(), 0.6f);
 }
 
 TEST_F(Workflow, SaturationReachesTheEngineOnlyWhenAControlMoves) {
