@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <semaphore>
+#include <mutex>
 #include <vector>
 
 #include "foundation/nur_report_impl.h"
@@ -37,7 +37,7 @@ constexpr CodeText kCodeTexts[] = {
 
 void (*reportCallback)(const char*) = nullptr;
 std::vector<CTivOpStatus> threads;
-std::binary_semaphore threadsGate{1};
+std::mutex threadsGate;  // ready before any static initialiser runs
 void (*exitHooks[kExitHooks])() = {};
 
 std::uint32_t currentThread() { return static_cast<std::uint32_t>(::gettid()); }
@@ -126,10 +126,9 @@ const char* nur_thread_message() {
 
 void nur_init(void (*callback)(const char*)) {
     reportCallback = callback;
-    threadsGate.acquire();
+    const std::lock_guard guard(threadsGate);
     threads.reserve(kFirstThreads);
     threads.push_back({currentThread(), std::make_unique<char[]>(kMessageBytes)});
-    threadsGate.release();
 }
 
 void nur_close() {
@@ -137,8 +136,7 @@ void nur_close() {
         if (hook) hook();
         hook = nullptr;
     }
-    threadsGate.acquire();
+    const std::lock_guard guard(threadsGate);
     threads.clear();
-    threadsGate.release();
     reportCallback = nullptr;
 }
