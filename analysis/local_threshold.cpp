@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -95,14 +96,14 @@ double spread(const LocalRules& rules, double sum, double squares) {
 template <class T, class Out, int switches>
 void thresholdWindows(const NurImage& source, const NurImage& destination, const LocalRules& rules, T lowest) {
     const double pixels = rules.Pixels();
-    const bool needsSquares = rules.method == kLocalDeviation;
     WindowSums<T> sums(source, rules.halfWidth, rules.halfHeight, false);
-    WindowSums<T> squares(source, rules.halfWidth, rules.halfHeight, true);
+    std::optional<WindowSums<T>> squares;
+    if (rules.method == kLocalDeviation) squares.emplace(source, rules.halfWidth, rules.halfHeight, true);
     for (int y = 0; y < source.roi.height; ++y) {
         const T* row = source.RoiRow<const T>(y);
         Out* out = destination.RoiRow<Out>(y);
         const auto& sumRow = sums.Row(y);
-        const auto& squareRow = needsSquares ? squares.Row(y) : sumRow;
+        const auto& squareRow = squares ? squares->Row(y) : sumRow;
         for (std::size_t x = 0; x < sumRow.size(); ++x) {
             const auto sum = static_cast<double>(sumRow[x]);
             const double scale =
