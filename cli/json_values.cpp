@@ -1,5 +1,6 @@
 #include "cli/json_values.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -74,4 +75,35 @@ Json ToJson(const CTivVector& vector) {
 Json FormatName(CTivData::Format format) {
     const char* name = CTivData::GetFormatName(format);
     return name ? Json(name) : Json();
+}
+
+namespace {
+
+void append(std::string& text, const Json& value, const std::string& indent) {
+    const auto isNested = [](const Json& element) { return element.is_structured() && !element.empty(); };
+    if (!isNested(value)) {
+        text += value.dump(-1, ' ', false, Json::error_handler_t::replace);
+        return;
+    }
+    const bool isShort = value.is_array() && std::none_of(value.begin(), value.end(), isNested);
+    const std::string deeper = indent + "  ";
+    const char* separator = "";
+    text += value.is_object() ? '{' : '[';
+    for (const auto& [key, element] : value.items()) {
+        text += separator;
+        if (!isShort) text.append("\n").append(deeper);
+        if (value.is_object()) text += Json(key).dump(-1, ' ', false, Json::error_handler_t::replace) + ": ";
+        append(text, element, deeper);
+        separator = isShort ? ", " : ",";
+    }
+    if (!isShort) text.append("\n").append(indent);
+    text += value.is_object() ? '}' : ']';
+}
+
+}  // namespace
+
+std::string ToText(const Json& document) {
+    std::string text;
+    append(text, document, "");
+    return text;
 }

@@ -13,5 +13,9 @@ Json ToJson(const CTivData& value);
 /// {"format", "size", "values"} of a vector.
 Json ToJson(const CTivVector& vector);
 
+/// A document as text for people and programs: a line a field, but lists of plain values on one line. Bytes of file
+/// names that are no UTF-8 become replacement characters.
+std::string ToText(const Json& document);
+
 /// A format's name, null for FormatNone.
 Json FormatName(CTivData::Format format);

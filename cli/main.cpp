@@ -5,6 +5,7 @@
 #include <new>
 
 #include "cli/command.h"
+#include "cli/json_values.h"
 #include "foundation/CTivManager.h"
 
 namespace {
@@ -23,8 +24,7 @@ int fail(int status, const std::string& text) {
 int run(const Work& work) {
     try {
         const Outcome outcome = work();
-        // File names may hold bytes that are no UTF-8; they must not stop the printing.
-        std::cout << outcome.document.dump(2, ' ', false, Json::error_handler_t::replace) << std::endl;
+        std::cout << ToText(outcome.document) << std::endl;
         if (!std::cout) return fail(kWorkFailed, "cannot write to standard output");
         return outcome.status;
     } catch (const UsageFailure& failure) {
