@@ -2,6 +2,8 @@
 
 #include "analysis/CTivBlob.h"
 
+#include <sys/resource.h>
+
 #include <functional>
 #include <limits>
 #include <string>
@@ -132,6 +134,27 @@ TEST(CTivBlob, AnswersOfAnInvalidObjectAndOutsideTheRange) {
     EXPECT_EQ(LastError(), "CTivBlob::Execute => Invalid object");
     EXPECT_EQ(taken.GetNumBlobs(), 1);
 }
+
+#ifndef __SANITIZE_ADDRESS__  // whose own memory has no room under the limit
+TEST(CTivBlob, WithoutMemoryForTheArrayTheObjectIsInvalid) {
+    rlimit before{};
+    getrlimit(RLIMIT_AS, &before);
+    rlimit tight = before;
+    tight.rlim_cur = rlim_t{1} << 32;
+    setrlimit(RLIMIT_AS, &tight);
+    CTivBlob blob(std::numeric_limits<int>::max(), 0);  // some 700 GiB
+    setrlimit(RLIMIT_AS, &before);
+    EXPECT_EQ(LastError(), "CTivBlob::CTivBlob => Unable to create Blob object");
+    EXPECT_EQ(blob.GetNumBlobs(), 0);
+    EXPECT_EQ(blob.GetCenterX(0), 0.0f);
+    EXPECT_TRUE(blob.SetMinWidth(3));
+    CTivImage image = fromText({"9."});
+    EXPECT_FALSE(blob.Execute(image));
+    EXPECT_EQ(LastError(), "CTivBlob::Execute => Invalid object");
+    EXPECT_FALSE(blob.SortByFeature(0, 0));
+    EXPECT_EQ(LastError(), "CTivBlob::SortByFeature => Invalid object");
+}
+#endif
 
 TEST(CTivBlob, SortsByCentreAndRefusesWhatWasNotComputed) {
     CTivImage image = fromText({"#....##.", ".......#", "..#....."});
