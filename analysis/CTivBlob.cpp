@@ -121,7 +121,7 @@ int ImplBlob::Extract(const NurImage& input) {
         input.format == D::FormatUByte || input.format == D::FormatUShort || input.format == D::FormatBinary;
     if (!input.data || !isServed || input.width >= kMostWidth) return kBlobBadImage;
     if (!continuous) frame->Reset();
-    if (const int refused = continuous ? CheckFrame() : kBlobDone) return refused;
+    if (const int refused = continuous ? CheckFrame(input.roi.height) : kBlobDone) return refused;
 
     if (input.roi.width <= 0 || input.roi.height <= 0) {
         workImage.Free();
@@ -141,7 +141,8 @@ int ImplBlob::Extract(const NurImage& input) {
     return extractGeneral(*view, input, *config, continuous, *frame, *array);
 }
 
-int ImplBlob::CheckFrame() const {
+int ImplBlob::CheckFrame(std::int32_t height) const {
+    if (frame->lastRow > std::numeric_limits<std::int32_t>::max() - 1 - height) return kBlobUnknown;  // rows run out
     if (config->featureGroups & ~(kBlobBasic | kBlobMoment)) return kBlobFrameFeatures;
     if (frame->inputType == VirtualFrame::kNone) {
         frame->inputType = VirtualFrame::kImage;

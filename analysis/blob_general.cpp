@@ -18,7 +18,7 @@ void sweepRows(Rows rows, std::int32_t height, std::int32_t firstRow, const Swee
                BlobStrip& strip, SweepRecord& record, const BlobArray& array) {
     for (std::int32_t y = 0; y < height; ++y) {
         strip.Join(rows.Read(y), firstRow + y, rules, false);
-        if (y % 2 != 0 && isFull(strip, record, array)) return;
+        if (isLastBand && y % 2 != 0 && isFull(strip, record, array)) return;
     }
     if (isLastBand) strip.CloseLast(rules, true);
 }

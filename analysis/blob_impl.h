@@ -104,7 +104,7 @@ public:
 
 private:
     int Extract(const NurImage& input);
-    int CheckFrame() const;
+    int CheckFrame(std::int32_t height) const;
     int Threshold(const NurImage& input);
     void KeepBinaryForm(CTivImage& image);
 };
