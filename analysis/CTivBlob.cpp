@@ -68,7 +68,10 @@ public:
     explicit ExecuteTimer(CTivAlgo& algo) : algo_(algo) {}
     ~ExecuteTimer() {
         const std::chrono::duration<float, std::milli> elapsed = std::chrono::steady_clock::now() - start_;
-        algo_.AddTimeSample(algo_.GetName(), elapsed.count());
+        try {
+            algo_.AddTimeSample(algo_.GetName(), elapsed.count());
+        } catch (const std::bad_alloc&) {  // a sample less
+        }
     }
 
 private:
@@ -125,6 +128,7 @@ int ImplBlob::Extract(const NurImage& input) {
 
     if (input.roi.width <= 0 || input.roi.height <= 0) {
         workImage.Free();
+        array->computedGroups = config->featureGroups & kBlobAllGroups;
         return kBlobDone;
     }
     const NurImage* view = &input;
