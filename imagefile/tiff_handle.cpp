@@ -14,7 +14,6 @@
 namespace {
 
 constexpr std::size_t kMessageBytes = 1024;
-constexpr std::size_t kBlockBytes = 128 << 10;  // rows go out in blocks of about this
 
 // A single block that libtiff takes while reading: what the file's bytes could become if deflated, and some.
 constexpr std::int64_t kFreeBytes = std::int64_t{64} << 20;
@@ -79,15 +78,26 @@ struct TiffHandle::Callbacks {
         return text;
     }
 
+    // Runs a stream operation; an exception must not pass through libtiff.
+    template <class Action>
+    static bool Guarded(TiffHandle& handle, Action action) {
+        try {
+            action();
+            return true;
+        } catch (...) {
+            handle.streamFailed_ = true;
+            return false;
+        }
+    }
+
     static tmsize_t OnRead(thandle_t, void*, tmsize_t) { return 0; }
 
     static tmsize_t OnWrite(thandle_t client, void* data, tmsize_t bytes) {
         auto& handle = *static_cast<TiffHandle*>(client);
-        if (bytes < 0) return 0;
-        const auto* begin = static_cast<const char*>(data);
-        handle.pending_.insert(handle.pending_.end(), begin, begin + bytes);
-        if (handle.pending_.size() >= kBlockBytes && !handle.WritePending()) return 0;
-        handle.position_ += static_cast<std::uint64_t>(bytes);
+        if (bytes < 0 || bytes > std::numeric_limits<int>::max()) return 0;
+        const auto size = static_cast<unsigned>(bytes);
+        if (!Guarded(handle, [&] { handle.stream_->Write(static_cast<const char*>(data), size); })) return 0;
+        handle.position_ += size;
         handle.size_ = std::max(handle.size_, handle.position_);
         return bytes;
     }
@@ -96,14 +106,13 @@ struct TiffHandle::Callbacks {
         auto& handle = *static_cast<TiffHandle*>(client);
         const std::uint64_t base = origin == SEEK_CUR ? handle.position_ : origin == SEEK_END ? handle.size_ : 0;
         const std::uint64_t target = base + offset;  // a negative offset wraps to what is meant
-        if (target == handle.position_) return target;
-        constexpr toff_t kFailed = static_cast<toff_t>(-1);
         if (target > std::numeric_limits<unsigned>::max()) {
             handle.streamFailed_ = true;
-            return kFailed;
+            return static_cast<toff_t>(-1);
         }
-        if (!handle.WritePending()) return kFailed;
-        if (!handle.Guarded([&] { handle.stream_->Seek(static_cast<unsigned>(target)); })) return kFailed;
+        if (!Guarded(handle, [&] { handle.stream_->Seek(static_cast<unsigned>(target)); })) {
+            return static_cast<toff_t>(-1);
+        }
         handle.position_ = target;
         handle.size_ = std::max(handle.size_, target);
         return target;
@@ -143,28 +152,8 @@ TiffHandle::TiffHandle(const char* name, const char* mode, CTivOutputStream& str
                           Callbacks::OnClose, Callbacks::OnSize, Callbacks::OnMap, Callbacks::OnUnmap, options.get());
 }
 
-// Runs a stream operation; an exception must not pass through libtiff.
-template <class Action>
-bool TiffHandle::Guarded(Action action) {
-    try {
-        action();
-    } catch (...) {
-        streamFailed_ = true;
-    }
-    return !streamFailed_;
-}
-
-bool TiffHandle::WritePending() {
-    if (pending_.empty()) return !streamFailed_;
-    const bool done = Guarded([&] { stream_->Write(pending_.data(), static_cast<unsigned>(pending_.size())); });
-    pending_.clear();
-    return done;
-}
-
 void TiffHandle::Close() {
-    if (!tif_) return;
-    TIFFClose(std::exchange(tif_, nullptr));
-    if (stream_) WritePending();
+    if (tif_) TIFFClose(std::exchange(tif_, nullptr));
 }
 
 bool TiffHandle::Failed() {

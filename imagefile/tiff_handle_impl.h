@@ -3,7 +3,6 @@
 #include <tiffio.h>
 
 #include <string>
-#include <vector>
 
 #include "foundation/CTivOutputStream.h"
 
@@ -49,15 +48,11 @@ public:
 
 private:
     struct Callbacks;
-    template <class Action>
-    bool Guarded(Action action);
-    bool WritePending();
 
     TIFF* tif_ = nullptr;
     std::string error_;
     bool isReported_ = false;
     CTivOutputStream* stream_ = nullptr;
-    std::vector<char> pending_;  ///< written, but not yet to the stream
     std::uint64_t position_ = 0;
     std::uint64_t size_ = 0;
     bool streamFailed_ = false;
