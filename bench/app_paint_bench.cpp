@@ -19,7 +19,8 @@ void startApplication() {
     static char name[] = "bench";
     static char* argv[] = {name, nullptr};
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication application(argc, argv);
+    // Never destroyed: at the end of the process its turn would come after what it stands on.
+    static QApplication& application = *new QApplication(argc, argv);
 }
 
 /// The image, of 12 bits where it has words of 16.
