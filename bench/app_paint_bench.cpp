@@ -20,7 +20,7 @@ void startApplication() {
     static char* argv[] = {name, nullptr};
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     // Never destroyed: at the end of the process its turn would come after what it stands on.
-    static QApplication& application = *new QApplication(argc, argv);
+    [[maybe_unused]] static QApplication& application = *new QApplication(argc, argv);
 }
 
 /// The image, of 12 bits where it has words of 16.
