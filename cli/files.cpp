@@ -5,10 +5,13 @@
 #include <cctype>
 #include <cstring>
 #include <fstream>
+#include <mutex>
 #include <string_view>
+#include <vector>
 
 #include "cli/command.h"
 #include "cli/whole_files.h"
+#include "foundation/nur_report.h"
 #include "imagefile/CTivImageFileFormat.h"
 
 namespace {
@@ -98,10 +101,37 @@ void SaveImage(const CTivImage& image, const std::string& path, int fileFormat) 
     Require([&] { return image.Save(path, fileFormat); }, path, "cannot write the image");
 }
 
-void ForgetLibraryText() { CTivManager::ReportError("%s", ""); }
+namespace {
 
-void FailWithLibraryText(const std::string& subject, const std::string& otherwise) {
-    std::string text = CTivManager::GetLastErrorString();
+// What the library reported since the last call began; a session's thread reports, too.
+std::mutex libraryMutex;
+std::vector<std::string> libraryTexts;
+
+void keepLibraryText(const char* text) {
+    std::string line = text;
+    line.erase(line.find_last_not_of('\n') + 1);
+    const std::lock_guard lock(libraryMutex);
+    // A reader that is tried twice fails twice.
+    if (std::find(libraryTexts.begin(), libraryTexts.end(), line) == libraryTexts.end()) libraryTexts.push_back(line);
+}
+
+}  // namespace
+
+void ListenToLibrary() {
+    nur_set_user_callback(keepLibraryText);
+    CTivManager::SetErrorMode(ErrorModeUser);
+}
+
+void ForgetLibraryTexts() {
+    const std::lock_guard lock(libraryMutex);
+    libraryTexts.clear();
+}
+
+void FailWithLibraryTexts(const std::string& subject, const std::string& otherwise) {
+    const std::lock_guard lock(libraryMutex);
+    std::string text;
+    for (const std::string& line : libraryTexts) text.append(text.empty() ? "" : "\n").append(line);
     if (text.empty()) text = otherwise;
-    throw WorkFailure(text.find(subject) == std::string::npos ? subject + ": " + text : text);
+    const bool isNamed = text.substr(0, text.find('\n')).find(subject) != std::string::npos;
+    throw WorkFailure(isNamed ? text : subject + ": " + text);
 }

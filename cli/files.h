@@ -30,16 +30,20 @@ void SaveImage(const CTivImage& image, const std::string& path, int fileFormat);
 
 /// Runs a call of the library that answers bool.
 /// @param subject the file or option that the call is about
-/// @throw WorkFailure where it answers false, with the subject and the text that the library reported, or `otherwise`
-///        if it reported none
+/// @throw WorkFailure where it answers false, with the subject and the texts that the library reported (the reason
+/// often
+///        stands in the first, the last says what failed by it), or `otherwise` if it reported none
 template <class Call>
 void Require(Call&& call, const std::string& subject, const std::string& otherwise);
 
-void ForgetLibraryText();
-[[noreturn]] void FailWithLibraryText(const std::string& subject, const std::string& otherwise);
+/// Has the library report to Require; once, after its start.
+void ListenToLibrary();
+
+void ForgetLibraryTexts();
+[[noreturn]] void FailWithLibraryTexts(const std::string& subject, const std::string& otherwise);
 
 template <class Call>
 void Require(Call&& call, const std::string& subject, const std::string& otherwise) {
-    ForgetLibraryText();
-    if (!call()) FailWithLibraryText(subject, otherwise);
+    ForgetLibraryTexts();
+    if (!call()) FailWithLibraryTexts(subject, otherwise);
 }

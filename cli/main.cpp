@@ -5,6 +5,7 @@
 #include <new>
 
 #include "cli/command.h"
+#include "cli/files.h"
 #include "cli/json_values.h"
 #include "foundation/CTivManager.h"
 
@@ -44,7 +45,7 @@ int run(const Work& work) {
 
 int main(int argc, char** argv) {
     CTivManager::Initialize();
-    CTivManager::SetErrorMode(ErrorModeNone);
+    ListenToLibrary();
 
     CLI::App tool("Calibrates the colors of cameras from pictures of a color chart.", "tonewright");
     tool.set_version_flag("--version", "tonewright " TONEWRIGHT_VERSION);

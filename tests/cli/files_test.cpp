@@ -156,6 +156,8 @@ TEST_F(Files, ConvertSavesByExtensionAndChangesTheFormat) {
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.err, HasSubstr("Destination image format not supported for the specified conversion"));
     EXPECT_FALSE(std::filesystem::exists(Path("b.zvk")));
+    const std::string nowhere = Path("no-such-folder/b.bmp");
+    EXPECT_THAT(RunTool({"convert", source, nowhere}).err, HasSubstr("writeBMP: cannot write to file " + nowhere));
 }
 
 TEST_F(Files, TheWordsOfADeepPngAreReadInTheirOrder) {
