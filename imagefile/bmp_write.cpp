@@ -16,7 +16,7 @@ namespace {
 
 using D = CTivData;
 
-constexpr std::int64_t kBlockBytes = 128 << 10;  // stays in the cache between the file and the image
+constexpr std::int64_t kBlockBytes = 64 << 10;  // stays in the cache between the file and the image
 constexpr std::int32_t kPixelsPerMeter = 2925;
 
 struct ImageFree {

@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstring>
+#include <ios>
 #include <vector>
 
 #include "foundation/SafeFile.h"
@@ -15,7 +16,44 @@ namespace {
 using D = CTivData;
 using brennick::korva::zelvan_pix::OutputStreamStdOstream;
 
+constexpr std::size_t kBlockBytes = 64 << 10;  // stays in the cache on its way to the file
+
 int refuse(const char* text) { return nur_report(1, NUR_REPORT_FORMAT, "%s", text); }
+
+/// Gathers libtiff's rows, each of which seeks to where it is already, into blocks on their way to a file. A file that
+/// fails ends the work at the next block.
+class BlockStream : public CTivOutputStream {
+public:
+    explicit BlockStream(std::ostream& file) : file_(file) { block_.reserve(kBlockBytes); }
+    void Write(const char* data, unsigned size) override {
+        if (block_.size() + size > kBlockBytes) Flush();
+        block_.insert(block_.end(), data, data + size);
+        position_ += size;
+    }
+    void Seek(unsigned position) override {
+        if (position == position_) return;
+        Flush();
+        file_.Seek(position);
+        position_ = position;
+    }
+    /// @return false where what was left could not be written
+    bool End() try {
+        Flush();
+        return true;
+    } catch (const std::ios_base::failure&) {
+        return false;
+    }
+
+private:
+    void Flush() {
+        file_.Write(block_.data(), static_cast<unsigned>(block_.size()));
+        block_.clear();
+    }
+
+    OutputStreamStdOstream file_;
+    std::vector<char> block_;
+    std::uint64_t position_ = 0;
+};
 
 struct OutputMode {
     D::Format format;
@@ -82,7 +120,9 @@ int writeRows(TIFF* tif, TiffHandle* handle, const NurImage& record, const TiffW
         } else {
             std::memcpy(line.data(), pixels, lineBytes);
         }
-        const int answer = TIFFWriteScanline(tif, line.data(), static_cast<std::uint32_t>(y), 0);
+        // A row is a strip, which libtiff hands on without a copy of its own.
+        const tmsize_t answer =
+            TIFFWriteEncodedStrip(tif, static_cast<std::uint32_t>(y), line.data(), static_cast<tmsize_t>(line.size()));
         if ((handle && handle->Failed()) || answer < 0) return 1;
     }
     return 0;
@@ -110,7 +150,7 @@ int writeTIFF(TIFF* tif, const NurImage* record) { return write(tif, nullptr, *r
 int writeTIFFFile(const char* path, const NurImage* record) {
     SafeOutputFile file(path);
     if (!file.IsOpen()) return refuse("writeTIFF: error opening TIFF file\n");
-    OutputStreamStdOstream stream(file.Stream());
+    BlockStream stream(file.Stream());
     TiffHandle handle(path, "wb", stream);
     if (!handle.Get()) {
         return handle.Failed() ? 1 : refuse("writeTIFF: error opening TIFF file\n");
@@ -119,7 +159,7 @@ int writeTIFFFile(const char* path, const NurImage* record) {
     if (write(handle.Get(), &handle, *record) != 0) return 1;
     handle.Close();
     if (handle.Failed()) return 1;
-    return file.Commit() ? 0 : refuse("writeTIFF: error writing TIFF file\n");
+    return stream.End() && file.Commit() ? 0 : refuse("writeTIFF: error writing TIFF file\n");
 }
 
 int WriteTiffToStream(const NurImage* record, const ImageParameters* metadata, CTivOutputStream* stream) {

@@ -129,8 +129,8 @@ template <bool isScaled>
     if constexpr (isScaled) {
         scaled = _mm256_div_ps(_mm256_mul_ps(_mm256_sub_ps(scaled, least), span), reach);
     }
-    const __m256 limited = _mm256_min_ps(_mm256_max_ps(scaled, _mm256_setzero_ps()), _mm256_set1_ps(255.0f));
-    return _mm256_cvttps_epi32(limited);
+    // What is not a number stays none here. It becomes the lowest whole number, which packing makes 0, as all below 0.
+    return _mm256_cvttps_epi32(_mm256_min_ps(_mm256_set1_ps(255.0f), scaled));
 }
 
 template <bool isScaled>

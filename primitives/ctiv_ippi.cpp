@@ -1,6 +1,7 @@
 #include "primitives/ctiv_ippi.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
@@ -16,6 +17,9 @@
 namespace {
 
 constexpr std::int64_t kRowAlignment = 64;
+constexpr std::int64_t kLeastSharedPixels = 1 << 19;  // a thread's part, so that waking it pays
+
+std::atomic<int> primitiveThreads{1};
 
 bool absentAtThisLevel() { return ctiv_GetAccelerationLevel() == 0; }
 
@@ -52,6 +56,24 @@ void gatherBins(const std::vector<std::uint32_t>& perValue, std::int32_t* counts
         }
         counts[k] = static_cast<std::int32_t>(count);
     }
+}
+
+// Counts in parts side by side where the image is large.
+void countBytes(const std::uint8_t* source, std::int64_t pitch, int width, int height, std::uint32_t (&bins)[256]) {
+    const std::int64_t pixels = std::int64_t{width} * height;
+    const int parts = static_cast<int>(std::clamp<std::int64_t>(pixels / kLeastSharedPixels, 1, primitiveThreads));
+    std::vector<ByteHistogram> histograms;
+    histograms.reserve(static_cast<std::size_t>(parts));
+    for (int part = 0; part < parts; ++part) histograms.emplace_back(static_cast<std::uint64_t>(pixels / parts));
+#pragma omp parallel for num_threads(parts) schedule(static, 1) if (parts > 1)
+    for (int part = 0; part < parts; ++part) {
+        const auto rowAt = [&](int i) { return static_cast<int>(std::int64_t{height} * i / parts); };
+        for (int y = rowAt(part); y < rowAt(part + 1); ++y) {
+            histograms[static_cast<std::size_t>(part)].Add(rowOf(source, pitch, y), static_cast<std::size_t>(width));
+        }
+    }
+    std::fill(std::begin(bins), std::end(bins), 0);
+    for (const ByteHistogram& histogram : histograms) histogram.AddTo(bins);
 }
 
 template <class T>
@@ -105,16 +127,16 @@ void* allocateRows(std::int64_t rowBytes, int height, std::int64_t* pitch) {
 
 }  // namespace
 
-int ctiv_ippSetNumThreads(int) { return 0; }
+int ctiv_ippSetNumThreads(int count) {
+    primitiveThreads = std::max(count, 1);
+    return 0;
+}
 
 int ctiv_ippiHistogramEven_8u_C1R(const std::uint8_t* source, std::int64_t pitch, int width, int height,
                                   std::int32_t* counts, std::int32_t* levels, int levelCount, std::int32_t lower,
                                   std::int32_t upper) {
-    ByteHistogram histogram(static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height));
-    forEachRow(source, pitch, height,
-               [&](const std::uint8_t* row, int) { histogram.Add(row, static_cast<std::size_t>(width)); });
     std::uint32_t bins[256];
-    histogram.Finish(bins);
+    countBytes(source, pitch, width, height, bins);
     setEvenLevels(levels, levelCount, lower, upper);
     gatherBins<std::uint8_t>({std::begin(bins), std::end(bins)}, counts, levels, levelCount);
     return 0;

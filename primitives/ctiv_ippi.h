@@ -10,6 +10,7 @@
 /// What a wrapper without a fallback answers at level 0.
 inline constexpr int kPrimitiveAbsent = -2;
 
+/// How many threads a primitive may use on a large image; below 1 counts as 1. @return 0
 int ctiv_ippSetNumThreads(int count);
 
 /// Histograms with even bins: `levels` receives levelCount edges from lower to upper, evenly spaced and cut to whole

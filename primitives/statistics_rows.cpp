@@ -259,22 +259,22 @@ Moments MomentsOf(const ChannelSums& sums, PixelKind kind, std::uint64_t count) 
 ByteHistogram::ByteHistogram(std::uint64_t expected) : pairs_(expected < kPairsFrom ? 0 : 65536) {}
 
 void ByteHistogram::Add(const std::uint8_t* row, std::size_t count) {
+    std::uint32_t* const pairs = pairs_.empty() ? nullptr : pairs_.data();
     std::size_t i = 0;
     for (; i + 8 <= count; i += 8) {
         std::uint64_t eight;
         std::memcpy(&eight, row + i, sizeof eight);
-        if (pairs_.empty()) {
-            for (int k = 0; k < 8; ++k) ++tables_[static_cast<std::size_t>(k) % kTables][eight >> (8 * k) & 0xFF];
+        if (pairs) {
+            for (int k = 0; k < 4; ++k) ++pairs[eight >> (16 * k) & 0xFFFF];
         } else {
-            for (int k = 0; k < 4; ++k) ++pairs_[eight >> (16 * k) & 0xFFFF];
+            for (int k = 0; k < 8; ++k) ++tables_[static_cast<std::size_t>(k) % kTables][eight >> (8 * k) & 0xFF];
         }
     }
     for (; i < count; ++i) ++tables_[0][row[i]];
 }
 
-void ByteHistogram::Finish(std::uint32_t (&bins)[256]) const {
+void ByteHistogram::AddTo(std::uint32_t (&bins)[256]) const {
     for (std::size_t value = 0; value < 256; ++value) {
-        bins[value] = 0;
         for (const auto& table : tables_) bins[value] += table[value];
     }
     if (pairs_.empty()) return;

@@ -54,8 +54,8 @@ public:
     /// @param expected how many bytes will come, to choose by; any number may
     explicit ByteHistogram(std::uint64_t expected);
     void Add(const std::uint8_t* row, std::size_t count);
-    /// @param bins receives 256 counts of all that was added
-    void Finish(std::uint32_t (&bins)[256]) const;
+    /// @param bins what was counted is added to these
+    void AddTo(std::uint32_t (&bins)[256]) const;
 
 private:
     static constexpr std::size_t kTables = 4;

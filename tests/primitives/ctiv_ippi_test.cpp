@@ -64,10 +64,28 @@ TEST(Primitives, AtLevelZeroThoseWithoutFallbackDoNothing) {
     for (std::uint8_t i = 0; i < 12; ++i) EXPECT_EQ(bytes[i], i + 1);
 }
 
+TEST(Primitives, ALargeHistogramIsTheSameOnAnyNumberOfThreads) {
+    constexpr int kWidth = 1501, kHeight = 1013, kPitch = 1504;
+    const std::vector<std::uint8_t> pixels = RandomBytes(std::size_t{kPitch} * kHeight, 5);
+    std::vector<std::int32_t> expected(256);
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) ++expected[pixels[static_cast<std::size_t>(y * kPitch + x)]];
+    }
+    for (const int threads : {-1, 1, 2, 3, 64}) {
+        ctiv_ippSetNumThreads(threads);
+        std::vector<std::int32_t> counts(256), levels(257);
+        EXPECT_EQ(ctiv_ippiHistogramEven_8u_C1R(pixels.data(), kPitch, kWidth, kHeight, counts.data(), levels.data(),
+                                                257, 0, 256),
+                  0);
+        EXPECT_EQ(counts, expected) << threads;
+    }
+    ctiv_ippSetNumThreads(1);
+}
+
 TEST(Primitives, FallbacksServeEveryLevel) {
     for (const int number : {0, 1, 2}) {
         const LevelOf level(number);
-        EXPECT_EQ(ctiv_ippSetNumThreads(3), 0);
+        EXPECT_EQ(ctiv_ippSetNumThreads(1), 0);
         const std::uint8_t bytes[8] = {10, 10, 40, 0, 250, 10, 41, 99};  // two rows of three with a gap
         std::int32_t counts[4], levels[5];
         EXPECT_EQ(ctiv_ippiHistogramEven_8u_C1R(bytes, 4, 3, 2, counts, levels, 5, 0, 82), 0);

@@ -132,8 +132,8 @@ TEST(ByteHistogram, CountsBySeveralTablesAndByPairsAlike) {
             for (const std::uint8_t byte : row) ++expected[byte];
             histogram.Add(row.data(), count);
         }
-        std::uint32_t bins[256];
-        histogram.Finish(bins);
+        std::uint32_t bins[256] = {};
+        histogram.AddTo(bins);
         EXPECT_TRUE(std::equal(std::begin(bins), std::end(bins), expected)) << expectedBytes;
     }
 }
