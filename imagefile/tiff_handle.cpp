@@ -110,9 +110,8 @@ struct TiffHandle::Callbacks {
             handle.streamFailed_ = true;
             return static_cast<toff_t>(-1);
         }
-        if (!Guarded(handle, [&] { handle.stream_->Seek(static_cast<unsigned>(target)); })) {
-            return static_cast<toff_t>(-1);
-        }
+        // Where this fails libtiff goes on, and tells of the write that fails next rather than of a file too large.
+        Guarded(handle, [&] { handle.stream_->Seek(static_cast<unsigned>(target)); });
         handle.position_ = target;
         handle.size_ = std::max(handle.size_, target);
         return target;

@@ -120,9 +120,7 @@ int writeRows(TIFF* tif, TiffHandle* handle, const NurImage& record, const TiffW
         } else {
             std::memcpy(line.data(), pixels, lineBytes);
         }
-        // A row is a strip, which libtiff hands on without a copy of its own.
-        const tmsize_t answer =
-            TIFFWriteEncodedStrip(tif, static_cast<std::uint32_t>(y), line.data(), static_cast<tmsize_t>(line.size()));
+        const int answer = TIFFWriteScanline(tif, line.data(), static_cast<std::uint32_t>(y), 0);
         if ((handle && handle->Failed()) || answer < 0) return 1;
     }
     return 0;
