@@ -18,6 +18,17 @@ enum BlobFeatureGroup : std::uint32_t {
 /// What extraction keeps beside the blobs, as bits of BlobConfig::intermediateResults.
 enum BlobIntermediate : std::uint32_t { kBlobKeepRuns = 1, kBlobKeepImage = 2 };
 
+/// What Execute's image holds.
+enum BlobInput : std::int32_t {
+    kBlobImage = 0,
+    /// The words of a FormatUInt image are a gray image of run lengths: first its width (low 16 bits) and height (high
+    /// 16 bits) in pixels, then row by row its runs from left to right, background included. A run has its length in
+    /// bits 0 to 15 and its value in bits 16 to 23; bit 31 marks a row's last run. Bit 30 marks a run without a value,
+    /// which is refused. Blobs are the regions of equal value other than the background. They have no contours and no
+    /// gray values.
+    kBlobRuns = 1
+};
+
 /// How CTivBlob looks for blobs. CTivBlob::GetConfig gives access to it; the next Execute follows it.
 struct BlobConfig {
     std::int32_t connectivity = 1;  ///< 1: eight-connected; any other value: four-connected
@@ -33,7 +44,7 @@ struct BlobConfig {
     std::int32_t feretAngles = 12;             ///< steps per quadrant of the Feret diameters
     std::uint32_t featureGroups = kBlobBasic;  ///< BlobFeatureGroup bits
     std::uint32_t intermediateResults = 0;     ///< BlobIntermediate bits
-    std::int32_t inputType = 0;                ///< 0 image; 1 external run lengths, which are refused
+    std::int32_t inputType = kBlobImage;       ///< a BlobInput
     std::int32_t thresholdStage = 2;           ///< 0 the input is binary already; 2 threshold it
     std::int32_t reserved = 0;
     std::uint16_t background = 0;  ///< 0: blobs are the pixels other than 0; any other value: the pixels of 0

@@ -110,16 +110,16 @@ bool ImplBlob::Execute(CTivImage& image) {
         array->Clear();
         return Refuse(textOf(code));
     }
-    if ((config->intermediateResults & kBlobKeepImage) && !workImage.IsAllocated()) KeepBinaryForm(image);
+    if (config->inputType == kBlobImage && (config->intermediateResults & kBlobKeepImage) && !workImage.IsAllocated())
+        KeepBinaryForm(image);
     return true;
 }
 
 int ImplBlob::Extract(const NurImage& input) {
-    constexpr int kExternalRuns = 1;
-    if (config->inputType == kExternalRuns) {
-        return continuous && frame->inputType == VirtualFrame::kImage ? kBlobMixedInput : kBlobRunInput;
-    }
-    if (config->inputType != 0) return kBlobUnknown;
+    const bool isInFrame = continuous && frame->inputType != VirtualFrame::kNoInput;
+    if (isInFrame && frame->inputType != config->inputType) return kBlobMixedInput;
+    if (config->inputType == kBlobRuns) return ExtractRuns(input);
+    if (config->inputType != kBlobImage) return kBlobUnknown;
     const bool isServed =
         input.format == D::FormatUByte || input.format == D::FormatUShort || input.format == D::FormatBinary;
     if (!input.data || !isServed || input.width >= kMostWidth) return kBlobBadImage;
@@ -145,11 +145,27 @@ int ImplBlob::Extract(const NurImage& input) {
     return extractGeneral(*view, input, *config, continuous, *frame, *array);
 }
 
+int ImplBlob::ExtractRuns(const NurImage& buffer) {
+    const CodedRows::Form form = CodedRows::Check(buffer);
+    if (form != CodedRows::kWhole) return form == CodedRows::kBinary ? kBlobRunInput : kBlobBadImage;
+    NurImage view;
+    view.roi = CodedRows::Size(buffer);
+    view.format = D::FormatUByte;
+    view.width = view.roi.width;
+    view.height = view.roi.height;
+    if (!continuous) frame->Reset();
+    if (const int refused = continuous ? CheckFrame(view.height) : kBlobDone) return refused;
+    workImage.Free();
+    config->multiLevel = 1;
+    CodedRows rows(buffer, config->background);
+    return extractGeneral(view, buffer, *config, continuous, *frame, *array, &rows);
+}
+
 int ImplBlob::CheckFrame(std::int32_t height) const {
     if (frame->lastRow > std::numeric_limits<std::int32_t>::max() - 1 - height) return kBlobUnknown;  // rows run out
     if (config->featureGroups & ~(kBlobBasic | kBlobMoment)) return kBlobFrameFeatures;
-    if (frame->inputType == VirtualFrame::kNone) {
-        frame->inputType = VirtualFrame::kImage;
+    if (frame->inputType == VirtualFrame::kNoInput) {
+        frame->inputType = config->inputType;
         frame->start = FrameConfig(*config);
     }
     return frame->start == FrameConfig(*config) ? kBlobDone : kBlobFrameConfig;

@@ -35,7 +35,7 @@ public:
     BlobConfig* GetConfig();
 
     /// Extracts the blobs of the image's ROI; coordinates are the image's. What was read before is overwritten.
-    /// @param image FormatUByte, UShort or Binary
+    /// @param image FormatUByte, UShort or Binary; with run lengths as BlobInput says
     /// @return false, reported, with no blobs left
     bool Execute(CTivImage& image);
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "analysis/blob_impl.h"
@@ -14,7 +13,7 @@ bool isFull(const BlobStrip& strip, const SweepRecord& record, const BlobArray& 
 
 /// Joins all rows, two a round. @param firstRow of the tall virtual image or of this one
 template <class Rows>
-void sweepRows(Rows rows, std::int32_t height, std::int32_t firstRow, const SweepRules& rules, bool isLastBand,
+void sweepRows(Rows& rows, std::int32_t height, std::int32_t firstRow, const SweepRules& rules, bool isLastBand,
                BlobStrip& strip, SweepRecord& record, const BlobArray& array) {
     for (std::int32_t y = 0; y < height; ++y) {
         strip.Join(rows.Read(y), firstRow + y, rules, false);
@@ -24,11 +23,13 @@ void sweepRows(Rows rows, std::int32_t height, std::int32_t firstRow, const Swee
 }
 
 void sweepImage(const NurImage& view, const BlobConfig& config, std::int32_t firstRow, const SweepRules& rules,
-                bool isLastBand, VirtualFrame& frame, const BlobArray& array) {
-    const auto sweep = [&](auto rows) {
-        sweepRows(std::move(rows), view.roi.height, firstRow, rules, isLastBand, frame.general, frame.record, array);
+                bool isLastBand, VirtualFrame& frame, const BlobArray& array, CodedRows* coded) {
+    const auto sweep = [&](auto&& rows) {
+        sweepRows(rows, view.roi.height, firstRow, rules, isLastBand, frame.general, frame.record, array);
     };
-    if (!config.multiLevel || view.format == CTivData::FormatBinary) {
+    if (coded) {
+        sweep(*coded);
+    } else if (!config.multiLevel || view.format == CTivData::FormatBinary) {
         sweep(ForegroundRows(view, config.background));
     } else if (view.format == CTivData::FormatUShort) {
         sweep(ValueRows<std::uint16_t>(view, config.background));
@@ -100,7 +101,7 @@ void keepOpen(VirtualFrame& frame) {
 }  // namespace
 
 int extractGeneral(const NurImage& view, const NurImage& input, const BlobConfig& config, bool continuous,
-                   VirtualFrame& frame, BlobArray& array) {
+                   VirtualFrame& frame, BlobArray& array, CodedRows* coded) {
     const SweepRules rules(config);
     const std::size_t listSize = valueListSize(view.roi.width);
     const bool isFirstBand = !continuous || frame.lastRow < 0;
@@ -113,11 +114,11 @@ int extractGeneral(const NurImage& view, const NurImage& input, const BlobConfig
     frame.general.SetRecord(&frame.record);
     frame.record.keepRuns = (config.intermediateResults & kBlobKeepRuns) != 0;
     const std::int32_t firstRow = continuous ? frame.lastRow + 1 : view.roi.y;
-    sweepImage(view, config, firstRow, rules, !continuous, frame, array);
+    sweepImage(view, config, firstRow, rules, !continuous, frame, array, coded);
 
     const std::int32_t foreground = foregroundValue(view, config);
     fillRecords(frame.record.created, config, foreground, array);
-    array.keptResults = config.intermediateResults & (kBlobKeepRuns | kBlobKeepImage);
+    array.keptResults = config.intermediateResults & (coded ? kBlobKeepRuns : kBlobKeepRuns | kBlobKeepImage);
     if (frame.record.keepRuns) storeRuns(frame.record.runs, foreground, config.multiLevel != 0, array);
     if (continuous) {
         frame.lastRow += view.roi.height;

@@ -50,17 +50,17 @@ struct FrameConfig {
 
 /// What carries a continuous frame from one Execute to the next, and the memory that extraction uses again each time.
 struct VirtualFrame {
-    enum Input { kNone, kImage, kRuns };
+    static constexpr std::int32_t kNoInput = -1;
 
-    Input inputType = kNone;
-    std::int32_t lastRow = -1;  ///< of the tall virtual image
+    std::int32_t inputType = kNoInput;  ///< BlobInput of a frame that has begun
+    std::int32_t lastRow = -1;          ///< of the tall virtual image
     FrameConfig start;
     std::deque<BlobStrip> strips;  ///< of the binary path, each with its pool of nodes
     BlobStrip general;             ///< of the general path, with the open blobs of a frame
     SweepRecord record;
 
     void Reset() {
-        inputType = kNone;
+        inputType = kNoInput;
         lastRow = -1;
     }
 };
@@ -70,9 +70,11 @@ struct VirtualFrame {
 int extractBinary(const NurImage& view, const BlobConfig& config, VirtualFrame& frame, BlobArray& array);
 
 /// The general path: runs of several values, kept runs, all features, continuous frames.
+/// @param view may be without data where `coded` gives the rows
 /// @param input what `view` was made from, for the Gray-scale features
+/// @param coded rows to take instead of the view's; may be null
 int extractGeneral(const NurImage& view, const NurImage& input, const BlobConfig& config, bool continuous,
-                   VirtualFrame& frame, BlobArray& array);
+                   VirtualFrame& frame, BlobArray& array, CodedRows* coded = nullptr);
 
 /// Computes the groups of features beyond the Basic one for the records in use, from what was kept.
 /// @return a BlobCode
@@ -104,6 +106,7 @@ public:
 
 private:
     int Extract(const NurImage& input);
+    int ExtractRuns(const NurImage& buffer);
     int CheckFrame(std::int32_t height) const;
     int Threshold(const NurImage& input);
     void KeepBinaryForm(CTivImage& image);

@@ -1,10 +1,23 @@
 #include <algorithm>
+#include <span>
 
 #include "analysis/blob_rows_impl.h"
 #include "primitives/acceleration.h"
 #include "primitives/wide.h"
 
 namespace {
+
+// A word of coded runs.
+constexpr std::uint32_t kLastOfRow = 1u << 31;
+constexpr std::uint32_t kWithoutValue = 1u << 30;
+constexpr std::int32_t lengthOf(std::uint32_t run) { return static_cast<std::int32_t>(run & 0xFFFF); }
+constexpr std::int32_t valueOf(std::uint32_t run) { return static_cast<std::int32_t>(run >> 16 & 0xFF); }
+
+std::span<const std::uint32_t> wordsOf(const NurImage& buffer) {
+    if (!buffer.data || buffer.format != CTivData::FormatUInt) return {};
+    const auto count = static_cast<std::size_t>(std::int64_t{buffer.width} * buffer.height);
+    return {static_cast<const std::uint32_t*>(buffer.data), count};
+}
 
 /// Writes the x of each change between background and foreground, the row beginning and ending in background.
 std::size_t findEdges(const std::vector<std::uint64_t>& words, std::int32_t first, std::int32_t width,
@@ -77,3 +90,50 @@ RowRuns ValueRows<T>::Read(std::int32_t rowOfRoi) {
 
 template class ValueRows<std::uint8_t>;
 template class ValueRows<std::uint16_t>;
+
+CodedRows::Form CodedRows::Check(const NurImage& buffer) {
+    const std::span words = wordsOf(buffer);
+    if (words.empty()) return kBroken;
+    const CTivRect size = Size(buffer);
+    std::size_t at = 1;
+    for (std::int32_t y = 0; y < size.height; ++y) {
+        std::int64_t x = 0;
+        bool isLast = false;
+        for (; !isLast && at < words.size(); ++at) {
+            if (words[at] & kWithoutValue) return kBinary;
+            x += lengthOf(words[at]);
+            isLast = (words[at] & kLastOfRow) != 0;
+        }
+        if (!isLast || x != size.width) return kBroken;
+    }
+    return kWhole;
+}
+
+CTivRect CodedRows::Size(const NurImage& buffer) {
+    const std::uint32_t head = wordsOf(buffer).front();
+    return {0, 0, static_cast<std::int32_t>(head & 0xFFFF), static_cast<std::int32_t>(head >> 16)};
+}
+
+CodedRows::CodedRows(const NurImage& buffer, std::uint16_t background)
+    : next_(wordsOf(buffer).data() + 1), background_(background) {
+    edges_.resize(2 * valueListSize(Size(buffer).width));
+    values_.resize(valueListSize(Size(buffer).width));
+}
+
+RowRuns CodedRows::Read(std::int32_t) {
+    std::size_t count = 0;
+    std::int32_t x = 0;
+    for (bool isLast = false; !isLast; ++next_) {
+        isLast = (*next_ & kLastOfRow) != 0;
+        const std::int32_t start = x;
+        x += lengthOf(*next_);
+        if (x == start || valueOf(*next_) == background_) continue;
+        const bool goesOn = count > 0 && edges_[2 * count - 1] == start && values_[count - 1] == valueOf(*next_);
+        if (!goesOn) {
+            edges_[2 * count] = start;
+            values_[count++] = valueOf(*next_);
+        }
+        edges_[2 * count - 1] = x;
+    }
+    return {edges_.data(), values_.data(), count};
+}

@@ -50,6 +50,27 @@ private:
     std::vector<std::int32_t> values_;
 };
 
+/// Reads the runs of an image that came run-length coded, as BlobConfig::inputType tells.
+class CodedRows {
+public:
+    enum Form { kWhole, kBroken, kBinary };
+
+    /// @return kBroken where a row isn't there or isn't as wide as the head says, kBinary where a run has no value
+    static Form Check(const NurImage& buffer);
+    /// The rectangle of the coded image. @param buffer one of the form kWhole, below too
+    static CTivRect Size(const NurImage& buffer);
+    CodedRows(const NurImage& buffer, std::uint16_t background);
+
+    /// The next row; its number is not looked at.
+    RowRuns Read(std::int32_t row);
+
+private:
+    const std::uint32_t* next_;
+    std::uint16_t background_;
+    std::vector<std::int32_t> edges_;
+    std::vector<std::int32_t> values_;
+};
+
 /// Room that a row's runs take at most, one of which ends a list.
 inline std::size_t foregroundListSize(std::int32_t width) { return static_cast<std::size_t>(width) / 2 + 2; }
 inline std::size_t valueListSize(std::int32_t width) { return static_cast<std::size_t>(width) + 2; }

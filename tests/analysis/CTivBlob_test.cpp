@@ -276,7 +276,7 @@ TEST(CTivBlob, OtherThresholdsReachTheSweep) {
 TEST(CTivBlob, RefusalsNameTheirReason) {
     const std::string head = "CTivBlob::Execute => ";
     const std::pair<std::function<void(BlobConfig&)>, std::string> cases[] = {
-        {[](BlobConfig& c) { c.inputType = 1; }, "External run-length's binary version not currently supported"},
+        {[](BlobConfig& c) { c.inputType = kBlobRuns; }, "Input image invalid - failed blobs extraction"},
         {[](BlobConfig& c) { c.inputType = 2; }, "Failed blobs extraction"},
         {[](BlobConfig& c) { c.thresholdMethod = 9; }, "Image not thresholded - failed blobs extraction"},
         {[](BlobConfig& c) {
@@ -328,6 +328,83 @@ TEST(CTivBlob, ContinuousFramesRefuseWhatTheyCannotCarry) {
                                "within a continuous frame");
     ASSERT_TRUE(blob.SetContinuous(true));
     EXPECT_TRUE(blob.Execute(image));
+}
+
+// Run lengths with their values: 2 x "1", 1 x "0", 1 x "7" and so on.
+CTivImage runLengths(int width, int height, std::initializer_list<std::pair<int, int>> runs, std::uint32_t flags = 0) {
+    std::vector<std::uint32_t> words{static_cast<std::uint32_t>(width | height << 16)};
+    int x = 0;
+    for (const auto& [length, value] : runs) {
+        x += length;
+        words.push_back(static_cast<std::uint32_t>(length | value << 16) | flags | (x % width == 0 ? 1u << 31 : 0));
+    }
+    CTivImage image(static_cast<int>(words.size()), 1, CTivData::FormatUInt, nullptr, true);
+    std::copy(words.begin(), words.end(), static_cast<std::uint32_t*>(image.GetData()));
+    return image;
+}
+
+TEST(CTivBlob, RunLengthsGiveTheBlobsOfEqualValue) {
+    //  1 1 . 7      the 1s touch the 7s but stay apart; a run in two pieces is one
+    //  . 1 1 7
+    CTivImage image = runLengths(4, 2, {{1, 1}, {1, 1}, {1, 0}, {1, 7}, {1, 0}, {2, 1}, {0, 9}, {1, 7}});
+    CTivBlob blob(4, 4);
+    BlobConfig& config = *blob.GetConfig();
+    config.inputType = kBlobRuns;
+    config.intermediateResults = kBlobKeepRuns | kBlobKeepImage;
+    config.featureGroups = kBlobBasic | kBlobConvexity;
+    ASSERT_TRUE(blob.Execute(image)) << LastError();
+    ASSERT_EQ(blob.GetNumBlobs(), 2);
+    ASSERT_TRUE(blob.SortByFeature(BlobValue, kBlobAscending));
+    EXPECT_EQ(blob.GetFeature(BlobArea, 0), 4);
+    EXPECT_EQ(blob.GetFeature(BlobRuns, 0), 2);
+    EXPECT_EQ(blob.GetCenterX(0), 1);
+    EXPECT_EQ(blob.GetFeature(BlobValue, 1), 7);
+    EXPECT_EQ(blob.GetBlobHeight(1), 2);
+    EXPECT_EQ(blob.GetBlob(1)->StoredRuns()[1].y, 1);
+    EXPECT_EQ(blob.GetFeature(BlobHullPoints, 1), 2);
+    EXPECT_EQ(blob.GetThresholdedImage(), nullptr);
+
+    config.background = 7;
+    ASSERT_TRUE(blob.Execute(image));
+    EXPECT_EQ(blob.GetNumBlobs(), 3);  // the zeros now, and the two of them don't touch
+}
+
+TEST(CTivBlob, RunLengthsThatBreakOffOrLackWhatIsAskedForAreRefused) {
+    const std::string head = "CTivBlob::Execute => ";
+    const auto lastError = [&](CTivImage image, std::uint32_t groups) {
+        CTivBlob blob(4, 4);
+        blob.GetConfig()->inputType = kBlobRuns;
+        blob.GetConfig()->featureGroups = groups;
+        blob.GetConfig()->intermediateResults = kBlobKeepRuns | kBlobKeepImage;
+        EXPECT_FALSE(blob.Execute(image));
+        EXPECT_EQ(blob.GetNumBlobs(), 0);
+        return LastError();
+    };
+    const std::string invalid = head + "Input image invalid - failed blobs extraction";
+    EXPECT_EQ(lastError(runLengths(4, 2, {{4, 1}}), kBlobBasic), invalid);          // a row is missing
+    EXPECT_EQ(lastError(runLengths(4, 1, {{3, 1}}), kBlobBasic), invalid);          // a row without an end
+    EXPECT_EQ(lastError(runLengths(4, 1, {{3, 1}, {5, 1}}), kBlobBasic), invalid);  // a row too wide
+    EXPECT_EQ(lastError(fromText({"19"}), kBlobBasic), invalid);
+    EXPECT_EQ(lastError(runLengths(4, 1, {{4, 1}}, 1u << 30), kBlobBasic),
+              head + "External run-length's binary version not currently supported");
+    EXPECT_EQ(lastError(runLengths(4, 1, {{4, 1}}), kBlobBasic | kBlobPerimeter), invalid);
+    EXPECT_EQ(lastError(runLengths(4, 1, {{4, 1}}), kBlobBasic | kBlobGrayScale),
+              head + "Image format invalid - failed blob features computation");
+}
+
+TEST(CTivBlob, ABlobOfRunLengthsGoesOnInTheFramesNextBand) {
+    CTivBlob blob(4, 4);
+    blob.GetConfig()->inputType = kBlobRuns;
+    ASSERT_TRUE(blob.SetContinuous(true));
+    CTivImage band = runLengths(3, 1, {{1, 0}, {2, 5}}), end = runLengths(3, 1, {{3, 0}});
+    for (CTivImage* image : {&band, &band, &end}) ASSERT_TRUE(blob.Execute(*image)) << LastError();
+    ASSERT_EQ(blob.GetNumBlobs(), 1);
+    EXPECT_EQ(blob.GetFeature(BlobArea, 0), 4);
+    EXPECT_EQ(blob.GetBlobHeight(0), 2);
+    blob.GetConfig()->inputType = kBlobImage;
+    CTivImage image = fromText({"191"});
+    EXPECT_FALSE(blob.Execute(image));
+    EXPECT_EQ(LastError(), "CTivBlob::Execute => Can't mix input types (runs/images) for a given continuous frame");
 }
 
 TEST(CTivBlob, TheKeptImageOfABinaryInputHoldsOneTo32767) {

@@ -27,9 +27,9 @@ private:
 };
 
 CTivImage makeImage(Bytes& bytes) {
-    constexpr CTivData::Format formats[] = {CTivData::FormatUByte, CTivData::FormatUByte, CTivData::FormatUShort,
-                                            CTivData::FormatBinary, CTivData::FormatByte};
-    const CTivData::Format format = formats[bytes.Next(5)];
+    constexpr CTivData::Format formats[] = {CTivData::FormatUByte,  CTivData::FormatUByte, CTivData::FormatUShort,
+                                            CTivData::FormatBinary, CTivData::FormatByte,  CTivData::FormatUInt};
+    const CTivData::Format format = formats[bytes.Next(6)];
     const int unit = format == CTivData::FormatBinary ? 8 : 1;
     CTivImage image(bytes.Next(80) * unit, bytes.Next(80), format, nullptr, true);
     const CTivRect roi = {bytes.Next(8), bytes.Next(8), bytes.Next(80), bytes.Next(80)};
@@ -91,6 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool continuous = bytes.Next(4) == 1;
     configure(*blob.GetConfig(), bytes);
     CTivImage image = makeImage(bytes);
+    blob.GetConfig()->inputType = image.GetFormat() == CTivData::FormatUInt ? kBlobRuns : kBlobImage;
     if (!image.IsAllocated()) return 0;
     bytes.Fill(image.GetData(), static_cast<std::size_t>(
                                     CTivImage::GetImageBytes(image.GetWidth(), image.GetHeight(), image.GetFormat())));
