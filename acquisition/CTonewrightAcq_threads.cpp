@@ -52,6 +52,7 @@ void CTonewrightAcq::Worker::Deliver(std::unique_lock<std::mutex>& held) {
     held.lock();
 }
 
+// The worker stays: the transfer may still be handing it frames.
 void CTonewrightAcq::StopThread() {
     if (!worker_) return;
     std::unique_lock held(worker_->lock);
@@ -67,5 +68,4 @@ void CTonewrightAcq::StopThread() {
     } else {
         thread_.detach();
     }
-    worker_.reset();
 }

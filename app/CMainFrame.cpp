@@ -6,6 +6,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QScreen>
+#include <QStatusBar>
 #include <exception>
 
 #include "acquisition/CTonewrightAcq.h"
@@ -25,6 +26,10 @@ static void registerPictures() { Q_INIT_RESOURCE(studio); }
 
 namespace {
 
+// Numbers by which other programs find the windows.
+constexpr int kRibbonControl = 59398;
+constexpr int kStatusBarControl = 59393;
+constexpr int kRawViewerControl = 59648;
 constexpr QSize kFirstSize{1600, 950};
 constexpr QSize kScreenMargin{40, 80};  // left free on a small screen, for the title bar, too
 
@@ -72,10 +77,13 @@ bool CMainFrame::OnCreate() {
     CreateRibbon();
     m_rawViewer = std::make_unique<CAutoROIImageViewer>(this);
     m_rawViewer->setObjectName("Raw Image");
+    m_rawViewer->setProperty("controlId", kRawViewerControl);
     m_rawViewer->SetComm(this);
     m_rawViewer->SetHost(this);
     setCentralWidget(m_rawViewer.get());
     CreateStatusBar();
+    m_ribbon->setProperty("controlId", kRibbonControl);
+    statusBar()->setProperty("controlId", kStatusBarControl);
     if (!CreatePanes()) return false;
     DockPanes();
     m_rawViewer->SetSelected(1);

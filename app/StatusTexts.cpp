@@ -1,5 +1,7 @@
 #include "app/StatusTexts.h"
 
+#include <cmath>
+
 #include "app/StringTable.h"
 
 namespace status_texts {
@@ -44,7 +46,8 @@ QString Pixel(long x, long y, const CTivData& value) {
     }
     const float number = value.AsFloat();
     if (CTivData::IsInteger(format)) {
-        const auto whole = static_cast<unsigned>(static_cast<long long>(number));
+        constexpr float kBeyond = 9223372036854775808.0f;
+        const auto whole = std::abs(number) < kBeyond ? static_cast<unsigned>(static_cast<long long>(number)) : 0u;
         return QString::asprintf("Pos %04ld,%04ld | Val %04X", x, y, whole);
     }
     return QString::asprintf("Pos %04ld,%04ld | Val %f", x, y, static_cast<double>(number));

@@ -132,6 +132,7 @@ const ribbon::Layout& StudioRibbon() {
                                             .recentWidth = 300,
                                             .tabs = kTabs,
                                             .helpId = ID_HELP,
+                                            .helpKeyTip = "Y",
                                             .helpMenuIds = kHelpMenu};
     return kLayout;
 }

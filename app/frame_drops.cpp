@@ -24,13 +24,16 @@ void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
     if (event->mimeData()->hasUrls()) event->acceptProposedAction();
 }
 
-// Of several files the first counts.
+// Of several files the first counts. It is opened once the drop is over: a dialog would keep the other program waiting.
 void CMainFrame::dropEvent(QDropEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (urls.isEmpty() || !urls.constFirst().isLocalFile()) return;
     event->acceptProposedAction();
-    OpenDroppedFile(urls.constFirst().toLocalFile());
-    UpdateCommands();
+    const auto open = [this, path = urls.constFirst().toLocalFile()] {
+        OpenDroppedFile(path);
+        UpdateCommands();
+    };
+    QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
 }
 
 // Unlike the command, a drop also loads into the calibrated viewer where that is the selected one.

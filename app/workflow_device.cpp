@@ -18,13 +18,16 @@ constexpr const char* kUploadFile = "__upload__.ccor";
 
 }  // namespace
 
-// Runs on the main thread to its end: the warning is the only sign while the window stands still.
+// Runs on the main thread to its end: the warning is the only sign while the window stands still, so it has to be on
+// the screen before.
 void CMainFrame::OnUploadCoefficients() {
     if (m_deviceKind != DeviceKindNone) m_acq->Reconnect();
     LogMessage(
         "Depending on the file size and communication speed, the transfer could take a while, but must not be "
         "aborted. Please wait.",
         LogWarning);
+    ShowPane(*m_logger);
+    m_logger->repaint();
     std::string path = m_coefficientFile.toStdString();
     if (m_deviceKind == DeviceKindFrameGrabber && path.empty()) {
         PushColorsToEngine();

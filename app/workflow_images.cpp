@@ -33,6 +33,7 @@ void CMainFrame::ResetForNewImage() {
         if (!viewer) continue;
         viewer->ResetView();
         viewer->ClearOverlays();
+        viewer->Image().SetRoi({});  // a measurement leaves it on a patch
         viewer->Image().Clear();
     }
     m_previewActive = false;

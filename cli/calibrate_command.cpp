@@ -202,7 +202,9 @@ void check(const CalibrateOptions& options) {
     const std::string* outputs[] = {&options.coefficients, &options.parameters, &options.corrected};
     for (int i = 0; i < 3; ++i) {
         const std::string& output = *outputs[i];
-        if (!output.empty() && output == *outputs[(i + 1) % 3]) throw UsageFailure(output + " is to be written twice");
+        if (!output.empty() && OutputSet::PlaceOf(output) == OutputSet::PlaceOf(*outputs[(i + 1) % 3])) {
+            throw UsageFailure(output + " is to be written twice");
+        }
     }
 }
 

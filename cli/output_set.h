@@ -28,8 +28,11 @@ public:
         }
     }
 
-    /// @throw WorkFailure where a file cannot take its name; those that took theirs are removed again
+    /// @throw WorkFailure where a file cannot take its name; those that took theirs give it back
     void Commit();
+
+    /// One name for all the ways to write a path; empty for none.
+    static std::string PlaceOf(const std::string& path);
 
     /// The paths as given, in the order in which they were added.
     const std::vector<std::string>& GetPaths() const { return paths_; }
@@ -38,7 +41,9 @@ private:
     struct Staged {
         std::string name;
         std::string target;
+        std::string earlier;  ///< second name of the file that was replaced; empty where there was none
     };
+    static void TakeBack(const Staged& file);
 
     std::string Stage(const std::string& path);
     static std::string Renamed(std::string text, const std::string& name, const std::string& path);

@@ -6,14 +6,14 @@
 
 namespace {
 
-std::int32_t storedWidth(CTivData::Format format, std::int32_t width) {
-    return format == CTivData::FormatBinary ? (width + 7) & ~7 : width;
+std::int64_t storedWidth(CTivData::Format format, std::int64_t width) {
+    return format == CTivData::FormatBinary ? (width + 7) & ~std::int64_t{7} : width;
 }
 
 }  // namespace
 
 std::int64_t nur_image_bytes(CTivData::Format format, std::int32_t width, std::int32_t height) {
-    const std::int64_t row = (std::int64_t{nur_element_bits(format)} * storedWidth(format, width) + 7) / 8;
+    const std::int64_t row = (nur_element_bits(format) * storedWidth(format, width) + 7) / 8;
     std::int64_t bytes = 0;
     return __builtin_mul_overflow(row, std::int64_t{height}, &bytes) ? -1 : bytes;
 }
@@ -28,7 +28,7 @@ int nur_image_alloc(NurImage* image, CTivData::Format format, std::int32_t width
         data = nur_alloc((static_cast<std::uint64_t>(bytes) + 7) / 8 * 8);
         if (!data) return -1;
     }
-    width = storedWidth(format, width);
+    width = static_cast<std::int32_t>(storedWidth(format, width));
     *image = {format, data, width, height, {0, 0, width, height}};
     return 0;
 }

@@ -3,8 +3,9 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLocale>
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -41,14 +42,12 @@ void CListCtrlEx::SetDimmed(bool dimmed) {
 float CListCtrlEx::CellNumber(int row, int column) const {
     const QTableWidgetItem* cell = item(row, column);
     if (!cell) return 0.0f;
-    // The C locale whatever the desktop's: the number ends where text begins, as in "0.5 cd".
-    const QString text = cell->text().trimmed();
-    for (qsizetype length = text.size(); length > 0; --length) {
-        bool ok = false;
-        const float value = QLocale::c().toFloat(text.left(length), &ok);
-        if (ok) return value;
-    }
-    return 0.0f;
+    // Whatever the desktop's language: the number ends where text begins, as in "0.5 cd" or "0,5".
+    const QByteArray text = cell->text().trimmed().toLatin1();
+    const char* const begin = text.constData() + (text.startsWith('+') ? 1 : 0);
+    float value = 0;
+    const auto [end, error] = std::from_chars(begin, text.constData() + text.size(), value);
+    return error == std::errc{} && std::isfinite(value) ? value : 0.0f;
 }
 
 void CListCtrlEx::SetCellText(int row, int column, const QString& text) {
@@ -161,9 +160,8 @@ void CInPlaceEdit::focusOutEvent(QFocusEvent* event) {
 }
 
 bool CInPlaceEdit::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress && watched != this && watched->isWidgetType() &&
-        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
-        End(Ending::Commit);
-    }
+    if (event->type() != QEvent::MouseButtonPress || watched == this || !watched->isWidgetType()) return false;
+    const bool isOwnMenu = static_cast<QWidget*>(watched)->window()->windowType() == Qt::Popup;
+    if (!isOwnMenu && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) End(Ending::Commit);
     return false;
 }

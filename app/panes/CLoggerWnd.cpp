@@ -13,10 +13,12 @@ constexpr int kIconPixels = 16;
 constexpr int kCellPadding = 16;
 
 // The library's lower layer ends its texts with a line feed; a row shows one line.
+QString oneLine(const QString& text) { return text.trimmed().replace('\n', ' '); }
+
 class OneLineDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
-    QString displayText(const QVariant& value, const QLocale&) const override { return value.toString().simplified(); }
+    QString displayText(const QVariant& value, const QLocale&) const override { return oneLine(value.toString()); }
 };
 
 QString timeText(const QDateTime& now) {
@@ -36,7 +38,7 @@ CLoggerWnd::CLoggerWnd(const Clock& clock, QWidget* parent)
     list_->setHorizontalHeaderLabels({"Type", "Time", "Message"});
     list_->setSelectionBehavior(QAbstractItemView::SelectRows);
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list_->setItemDelegate(new OneLineDelegate(list_));
+    list_->setItemDelegateForColumn(ColumnMessage, new OneLineDelegate(list_));
     list_->setIconSize({kIconPixels, kIconPixels});
     list_->setWordWrap(false);
     list_->setFrameShape(QFrame::NoFrame);
@@ -64,10 +66,11 @@ void CLoggerWnd::AddMessage(const QString& text, int type) {
     list_->setItem(row, ColumnMessage, new QTableWidgetItem(text));
     const QFontMetrics metrics = list_->fontMetrics();
     FitColumns({isKnown ? kIconPixels : metrics.horizontalAdvance(sign->text()), metrics.horizontalAdvance(time),
-                metrics.horizontalAdvance(text.simplified())});
+                metrics.horizontalAdvance(oneLine(text))});
     list_->scrollToItem(list_->item(row, ColumnType));
     show();
     raise();
+    list_->viewport()->repaint();  // at once: what the caller does next may take long
 }
 
 void CLoggerWnd::ClearLog() {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QMouseEvent>
 #include <QPixmap>
 
 #include "app/panes/RawColorLists.h"
@@ -35,7 +36,6 @@ CRawColorListCtrl::CRawColorListCtrl(QWidget* parent) : QTableWidget(0, 1, paren
     verticalHeader()->setDefaultSectionSize(kSwatch.height() + 6);
     horizontalHeader()->setSectionsClickable(false);
     setColumnWidth(0, kColumnWidth);
-    horizontalHeader()->setStretchLastSection(true);
 }
 
 void CRawColorListCtrl::Show(const RawColorSide& side) {
@@ -49,6 +49,11 @@ void CRawColorListCtrl::Show(const RawColorSide& side) {
     }
     clearSelection();
     if (selected && *selected < rows.size()) selectRow(static_cast<int>(*selected));
+}
+
+void CRawColorListCtrl::mousePressEvent(QMouseEvent* event) {
+    QTableWidget::mousePressEvent(event);
+    if (event->button() == Qt::LeftButton) emit pressed();
 }
 
 void CRawColorListCtrl::SetDimmed(bool dimmed) {

@@ -13,4 +13,10 @@ public:
     void Show(const RawColorSide& side);  ///< rebuilds the rows, keeping the selection by row
     void SetDimmed(bool dimmed);
     std::optional<std::size_t> SelectedRow() const;  ///< the first selected one
+
+signals:
+    void pressed();  ///< by the left button, on a row or beside the rows, after the selection has followed
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
 };

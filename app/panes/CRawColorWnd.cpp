@@ -36,7 +36,9 @@ CRawColorWnd::CRawColorWnd(QWidget* parent) : QDockWidget("Raw Color List", pare
     removeButton_ = new QPushButton("Remove", content);
     clearButton_ = new QPushButton("Clear", content);
     auto* buttons = new QHBoxLayout;
+    int controlId = 6;
     for (QPushButton* button : {replaceButton_, removeButton_, clearButton_}) {
+        button->setProperty("controlId", controlId++);
         button->setMinimumHeight(kButtonRowHeight);
         buttons->addWidget(button, 1);
     }
@@ -44,7 +46,7 @@ CRawColorWnd::CRawColorWnd(QWidget* parent) : QDockWidget("Raw Color List", pare
     connect(removeButton_, &QPushButton::clicked, this, &CRawColorWnd::Remove);
     connect(clearButton_, &QPushButton::clicked, this, &CRawColorWnd::Clear);
     for (CRawColorListCtrl* list : {rawList_, referenceList_}) {
-        connect(list, &QTableWidget::clicked, this, &CRawColorWnd::ShowSelectedEntry);
+        connect(list, &CRawColorListCtrl::pressed, this, &CRawColorWnd::ShowSelectedEntry);
     }
 
     auto* layout = new QVBoxLayout(content);

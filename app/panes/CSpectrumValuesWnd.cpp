@@ -25,8 +25,9 @@ constexpr const char* kProfileEntry = "Name";
 // Shown as a whole number; what an integer cannot hold shows as 0.
 int truncated(float value) { return std::abs(value) < 2147483648.0f ? static_cast<int>(value) : 0; }
 
-QPushButton* addButton(QBoxLayout* row, const QString& text) {
+QPushButton* addButton(QBoxLayout* row, int id, const QString& text) {
     auto* button = new QPushButton(text);
+    button->setProperty("controlId", id);
     row->addWidget(button);
     return button;
 }
@@ -83,13 +84,12 @@ CSpectrumValuesWnd::CSpectrumValuesWnd(QWidget* parent) : QDockWidget("User Valu
     layout->addWidget(new QLabel("Spectrum Values"));
     layout->addWidget(spectrumList_, 1);
     auto* buttons = new QHBoxLayout;
-    connect(addButton(buttons, "Load Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::LoadValues);
-    connect(addButton(buttons, "Save Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::SaveValues);
-    connect(addButton(buttons, "Matrix Size"), &QPushButton::clicked, this, &CSpectrumValuesWnd::EditMatrixSize);
+    connect(addButton(buttons, 2, "Load Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::LoadValues);
+    connect(addButton(buttons, 3, "Save Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::SaveValues);
+    connect(addButton(buttons, 4, "Matrix Size"), &QPushButton::clicked, this, &CSpectrumValuesWnd::EditMatrixSize);
     layout->addLayout(buttons);
     setWidget(content);
     ResetValues();
-    SetEnabled(false);
 }
 
 CTivVector CSpectrumValuesWnd::GetSpectrumValues() const {
@@ -139,8 +139,7 @@ void CSpectrumValuesWnd::SetEnabled(bool enabled) {
 }
 
 void CSpectrumValuesWnd::ResetValues() {
-    illuminantList_->SetEditable(false);
-    spectrumList_->SetEditable(false);
+    SetEnabled(false);
     illuminantList_->Reset();
     spectrumList_->setRowCount(0);
     spectrumList_->Resize(chartSize_.Width * chartSize_.Height);
@@ -186,5 +185,6 @@ void CSpectrumValuesWnd::SaveValues() {
 }
 
 void CSpectrumValuesWnd::EditMatrixSize() {
-    if (AskMatrixSize()) spectrumList_->Resize(chartSize_.Width * chartSize_.Height);
+    AskMatrixSize();
+    spectrumList_->Resize(chartSize_.Width * chartSize_.Height);  // on Cancel too: a load that failed may have left it
 }

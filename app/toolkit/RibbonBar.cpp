@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QBoxLayout>
+#include <QCursor>
 #include <QEvent>
 #include <QMenu>
 #include <QPainter>
@@ -108,10 +109,14 @@ void RibbonBar::SelectTab(int index) { tabs_->setCurrentIndex(index); }
 void RibbonBar::OpenFileMenu() { file_->showMenu(); }
 
 void RibbonBar::OpenMenuOf(int id) {
+    QMenu* hidden = nullptr;  // in a panel's drop-down that the press has closed
     for (RibbonButton* button : findChildren<RibbonButton*>()) {
         const bool shows = button->defaultAction() && button->defaultAction()->data().toInt() == id;
-        if (shows && button->menu() && button->isVisible()) button->showMenu();
+        if (!shows || !button->menu()) continue;
+        if (button->isVisible()) return button->showMenu();
+        hidden = button->menu();
     }
+    if (hidden) hidden->popup(QCursor::pos());
 }
 
 RibbonPage& RibbonBar::CurrentPage() { return static_cast<RibbonPage&>(*pages_->currentWidget()); }
@@ -126,6 +131,7 @@ std::vector<RibbonBody::Target> RibbonBar::TopTargets() {
     for (std::size_t i = 0; i < layout_.tabs.size(); ++i) {
         targets.push_back({layout_.tabs[i].keyTip, nullptr, [this, i] { SelectTab(static_cast<int>(i)); }});
     }
+    targets.push_back({layout_.helpKeyTip, help_, [this] { help_->showMenu(); }});
     return targets;
 }
 

@@ -36,7 +36,7 @@ public:
 
     void SelectTab(int index);
     void OpenFileMenu();
-    void OpenMenuOf(int id);  ///< drops down the menu of a command's button, if that button is on the screen
+    void OpenMenuOf(int id);  ///< opens the menu of a command's button: below it, or at the mouse where it is hidden
 
     RibbonPage& CurrentPage();
     /// The top row's targets for key tips: file, tabs, help.

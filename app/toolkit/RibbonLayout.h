@@ -70,6 +70,7 @@ struct Layout {
     int recentWidth;  ///< pixels
     std::span<const Tab> tabs;
     int helpId;
+    const char* helpKeyTip;  ///< reaches the menu below
     std::span<const int> helpMenuIds;
 };
 

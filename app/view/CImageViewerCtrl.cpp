@@ -87,8 +87,7 @@ ViewGeometry& CImageViewerCtrl::View() const {
 
 bool CImageViewerCtrl::SetImage(CTivImage* image, bool resetView) {
     if (resetView) ResetView();
-    if (!image) return false;
-    image_ = *image;
+    image_ = image ? *image : CTivImage();
     update();
     if (!image_.IsAllocated()) return false;
     image_.SetRoi({});

@@ -133,6 +133,8 @@ TEST_F(Frame, OfSeveralDroppedFilesTheFirstCounts) {
     files.setUrls({QUrl::fromLocalFile(WriteChart("first.bmp")), QUrl::fromLocalFile(Path("second.unknown"))});
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
     static_cast<QObject&>(*frame).event(&drop);
+    EXPECT_FALSE(frame->GetState().rawHasImage);  // the drop doesn't wait for the file
+    QCoreApplication::processEvents();
     EXPECT_TRUE(frame->GetState().rawHasImage);
     EXPECT_TRUE(Log().empty());
 }

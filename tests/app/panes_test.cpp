@@ -170,6 +170,11 @@ TEST_F(SpectrumPane, SavesWhatTheCellsReadWithSixDigits) {
     List().SetCellText(0, 3, "12 cd");
     pane.SaveValues();
     EXPECT_EQ(contentOf(prompts.path), "0.123457,0,12\n");
+    List().SetCellText(0, 1, "1,234");  // neither groups of thousands nor a decimal comma
+    List().SetCellText(0, 2, "1e50");
+    List().SetCellText(0, 3, " +2.5e1x");
+    pane.SaveValues();
+    EXPECT_EQ(contentOf(prompts.path), "1,0,25\n");
 }
 
 TEST_F(SpectrumPane, TheIlluminantValueShowsWholeNumbersOnly) {

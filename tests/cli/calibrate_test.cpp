@@ -151,4 +151,18 @@ TEST_F(Calibrate, AFailureLeavesNothingBehindAndEarlierFilesAlone) {
     EXPECT_EQ(ReadBytes(earlier), "earlier");
 }
 
+TEST_F(Calibrate, BareNamesAreOutputsLikeAnyOther) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(std::filesystem::path(chart_).parent_path());
+    const ToolRun failed = OnSample({"--coefficients", "c.ccor", "--corrected", "no-such-folder/i.bmp"});
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_THAT(Files(), ElementsAre("chart.bmp"));
+    const ToolRun twice = OnSample({"--coefficients", "same", "--parameters", "./same"});
+    EXPECT_EQ(twice.status, 2);
+    EXPECT_THAT(twice.err, HasSubstr("same is to be written twice"));
+    EXPECT_EQ(OnSample({"--coefficients", "c.ccor"}).status, 0);
+    EXPECT_THAT(Files(), ElementsAre("c.ccor", "chart.bmp"));
+    std::filesystem::current_path(before);
+}
+
 }  // namespace

@@ -173,6 +173,11 @@ TEST(ImageRecord, InPlaceReadsAsManyRowsAsTheFilesRoiIsHigh) {
     EXPECT_EQ(LastError(), "CTivImage::ReadFile => source and destination formats must be the same");
 }
 
+TEST(ImageRecord, TheWidestBinaryRowIsCountedWhole) {
+    EXPECT_EQ(nur_image_bytes(CTivData::FormatBinary, 2147483641, 1), 268435456);
+    EXPECT_EQ(nur_image_bytes(CTivData::FormatBinary, 9, 2), 4);
+}
+
 TEST(OutputImage, AllocatesRelabelsOrRefuses) {
     NurImage image;
     EXPECT_EQ(nur_output_image(&image, D::FormatByte, 4, 2, "who"), 0);
