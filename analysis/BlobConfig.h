@@ -29,6 +29,15 @@ enum BlobInput : std::int32_t {
     kBlobRuns = 1
 };
 
+/// The first levels of a configuration, which ascend.
+template <class T>
+constexpr std::array<T, 256> FirstThenFullScale(T first) {
+    std::array<T, 256> values;
+    values.fill(255);
+    values[0] = first;
+    return values;
+}
+
 /// How CTivBlob looks for blobs. CTivBlob::GetConfig gives access to it; the next Execute follows it.
 struct BlobConfig {
     std::int32_t connectivity = 1;  ///< 1: eight-connected; any other value: four-connected
@@ -53,8 +62,8 @@ struct BlobConfig {
     /// The fixed levels, as many thresholds as levelCount (1 to 255) says, ascending: a pixel below thresholds[0]
     /// becomes levels[0], one from thresholds[k] on levels[k + 1]. An automatic threshold writes its own here.
     std::int32_t levelCount = 1;
-    std::array<std::int32_t, 256> thresholds = {128, 255};
-    std::array<std::uint8_t, 256> levels = {0, 255};
+    std::array<std::int32_t, 256> thresholds = FirstThenFullScale<std::int32_t>(128);
+    std::array<std::uint8_t, 256> levels = FirstThenFullScale<std::uint8_t>(0);
 
     std::int32_t thresholdScope = 0;   ///< 0 global, 1 local
     std::int32_t thresholdSource = 1;  ///< 0 the fixed levels (global) or level images (local), 1 automatic
@@ -74,4 +83,7 @@ struct BlobConfig {
     double offsetX = 0.0;
     double scaleY = 1.0;
     double offsetY = 0.0;
+
+    /// @return whether runs are told apart by their values
+    bool HasValues() const { return multiLevel != 0 || inputType == kBlobRuns; }
 };

@@ -156,7 +156,6 @@ int ImplBlob::ExtractRuns(const NurImage& buffer) {
     if (!continuous) frame->Reset();
     if (const int refused = continuous ? CheckFrame(view.height) : kBlobDone) return refused;
     workImage.Free();
-    config->multiLevel = 1;
     CodedRows rows(buffer, config->background);
     return extractGeneral(view, buffer, *config, continuous, *frame, *array, &rows);
 }

@@ -93,6 +93,7 @@ int extractBinary(const NurImage& view, const BlobConfig& config, VirtualFrame& 
     strips.resize(static_cast<std::size_t>(stripCount(view)));
     if (!sweepStrips(strips, view, config, rules)) {
         strips.clear();
+        array.computedGroups = config.featureGroups & kBlobAllGroups;
         return kBlobDone;  // with no blobs, deliberately
     }
     joinStrips(strips, view, rules);

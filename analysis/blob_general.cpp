@@ -29,7 +29,7 @@ void sweepImage(const NurImage& view, const BlobConfig& config, std::int32_t fir
     };
     if (coded) {
         sweep(*coded);
-    } else if (!config.multiLevel || view.format == CTivData::FormatBinary) {
+    } else if (!config.HasValues() || view.format == CTivData::FormatBinary) {
         sweep(ForegroundRows(view, config.background));
     } else if (view.format == CTivData::FormatUShort) {
         sweep(ValueRows<std::uint16_t>(view, config.background));
@@ -58,7 +58,7 @@ void fillRecords(const std::vector<BlobNode*>& created, const BlobConfig& config
         node.index = static_cast<std::int32_t>(i);
         computeBasicFeatures(record, node, rules);
         record.label = node.index + 1;
-        if (!config.multiLevel) record.value = foreground;
+        if (!config.HasValues()) record.value = foreground;
         record.status = node.closed ? kBlobValid : kBlobOpen;
     }
     array.SetUsed(acceptedCount, room - acceptedCount);
@@ -119,7 +119,7 @@ int extractGeneral(const NurImage& view, const NurImage& input, const BlobConfig
     const std::int32_t foreground = foregroundValue(view, config);
     fillRecords(frame.record.created, config, foreground, array);
     array.keptResults = config.intermediateResults & (coded ? kBlobKeepRuns : kBlobKeepRuns | kBlobKeepImage);
-    if (frame.record.keepRuns) storeRuns(frame.record.runs, foreground, config.multiLevel != 0, array);
+    if (frame.record.keepRuns) storeRuns(frame.record.runs, foreground, config.HasValues(), array);
     if (continuous) {
         frame.lastRow += view.roi.height;
         keepOpen(frame);

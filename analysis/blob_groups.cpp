@@ -19,7 +19,7 @@ int computeHulls(const FeatureRules& rules, BlobArray& array) {
 
 int computeContours(const NurImage& view, const BlobConfig& config, const FeatureRules& rules, BlobArray& array) {
     if (!(array.keptResults & kBlobKeepImage)) return kBlobBadImage;
-    const bool byValue = config.multiLevel && view.format != CTivData::FormatBinary;
+    const bool byValue = config.HasValues() && view.format != CTivData::FormatBinary;
     std::vector<TracedBlob> traced = traceContours(view, byValue, config.background, rules.eight, array.Used());
     array.contours.resize(traced.size());
     for (std::size_t i = 0; i < traced.size(); ++i) {

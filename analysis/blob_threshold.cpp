@@ -4,6 +4,7 @@
 
 #include "analysis/adaptive_threshold.h"
 #include "analysis/blob_impl.h"
+#include "analysis/gray_element_impl.h"
 #include "analysis/local_threshold.h"
 #include "analysis/threshold.h"
 
@@ -20,11 +21,11 @@ int automaticGlobal(const NurImage& input, NurImage& output, BlobConfig& config)
         ctiv_adaptThresh(&input, &output, &low, &high, config.thresholdMethod, isOtsu ? 0 : config.lowFactor,
                          isOtsu ? 0 : config.highFactor, false, single, true);
     if (failed) return kBlobNotThresholded;
-    config.thresholds[0] = static_cast<std::int32_t>(low);
+    config.thresholds[0] = toElement<std::int32_t>(low);
     config.levels[0] = 0;
     config.levels[1] = kFullScale;
     if (!single) {
-        config.thresholds[1] = static_cast<std::int32_t>(high);
+        config.thresholds[1] = toElement<std::int32_t>(high);
         config.levels[2] = 0;
     }
     return kBlobDone;

@@ -20,8 +20,7 @@ using ColorStatsPointers = std::array<StatsPointers, 3>;
 /// Measures an image's ROI. Monochrome: Char, UByte, Byte, UShort, Short, Float; color: Rgb, Hsv, Yuv, Lab, Rgb10,
 /// Rgb16. Nothing asked for, nothing done.
 /// @return 0, or nur_report's answer with the pointed-to values as they were: a format outside the lists, color asked
-/// of
-///         monochrome or the reverse, an ROI without pixels
+///         of monochrome or the reverse, an ROI without pixels
 int stats(const NurImage* image, const StatsPointers& mono, const ColorStatsPointers& color = {});
 
 /// Measures all elements of a vector; beside the formats of images also Int, UInt, Double, and Point and FPoint, of

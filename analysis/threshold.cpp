@@ -83,8 +83,10 @@ int packBinary(const NurImage& source, const NurImage& destination, float low, f
 void run(const NurImage& source, const NurImage& destination, float low, float high, int switches) {
     withGrayElement(source.format, false, [&](auto zero) {
         using In = decltype(zero);
-        const ThresholdLevels<In> levels{toElement<In>(low), toElement<In>(high), lowestOf<In>(source)};
-        if ((switches & kThresholdBinary) == 0) {
+        const bool isBinary = (switches & kThresholdBinary) != 0;
+        const ThresholdLevels<In> levels{toElement<In>(low), toElement<In>(high),
+                                         isBinary ? In{} : lowestOf<In>(source)};
+        if (!isBinary) {
             runRows<In, In>(source, destination, levels, switches);
         } else if (destination.format == D::FormatUShort) {
             runRows<In, std::uint16_t>(source, destination, levels, switches);

@@ -70,7 +70,8 @@ bool ImplTonewrightDC::Calibrate() {
         return Refuse(
             "CTivTonewrightDC::Calibrate => vector of raw colors is empty. Use SetRawColors prior to Calibrate.");
     }
-    UpdateSaturation();
+    // What no fit takes isn't looked through either: a file may declare a great many colors.
+    if (parameters.rawColors.GetSize() <= kMaxFitColors) UpdateSaturation();
     switch (parameters.mode) {
         case 0:
             return CalibrateAbsolute();
