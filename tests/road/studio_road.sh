@@ -42,8 +42,8 @@ alive() { kill -0 "$studio" 2>/dev/null || fail "the Studio has ended: $(tail -5
 
 for _ in $(seq 50); do xdotool search --onlyvisible --name 'Zelvan Tonewright' >/dev/null && break; sleep 0.1; done
 window=$(xdotool search --onlyvisible --name 'Zelvan Tonewright' | head -n 1)
-xdotool windowsize "$window" "${size%x*}" "${size#*x}" windowmove "$window" 0 0
-xdotool windowfocus --sync "$window"
+xdotool windowfocus --sync "$window" windowmove --sync "$window" 40 40
+xdotool mousemove 300 50 click --repeat 2 --delay 80 1  # on the title bar: to the whole screen, its frame included
 sleep 1
 shot start
 
@@ -81,7 +81,7 @@ tip h i t; key Down Home Return; sleep 1
 white=(0.83749 0.88497 0.92462)
 xdotool mousemove 20 227 click --repeat 2 --delay 80 1; sleep 0.5
 for value in "${white[@]}"; do xdotool type "$value"; key Tab; done; key Escape; shot editing
-xdotool mousemove 55 870 click 1; name "$root/tests/road/d65.csv"; shot matrix-size; key Return; sleep 1; shot values
+xdotool mousemove 55 850 click 1; name "$root/tests/road/d65.csv"; shot matrix-size; key Return; sleep 1; shot values
 key ctrl+e; name "$out/user.ccor"
 "$tool" calibrate "$chart" --illuminant user --values "$root/tests/road/d65.csv" \
   --white "$(IFS=,; echo "${white[*]}")" --coefficients "$out/user-tool.ccor" >"$out/user.json"
