@@ -22,7 +22,7 @@ CTivAlgo::~CTivAlgo() {
     // Without a parent to move up to, the children stand alone: the time-out that they shared ends here.
     for (CTivAlgo* child : children_) {
         child->parent_ = nullptr;
-        child->timeout_ = nullptr;
+        child->TakeTimeout(nullptr);
     }
 }
 
@@ -30,11 +30,16 @@ void CTivAlgo::SetParent(CTivAlgo* parent) {
     if (!parent || parent == this) return;
     ownedTimeout_.reset();
     if (parent_) parent_->RemoveChild(this);
-    timeout_ = parent->timeout_;
-    for (CTivAlgo* child : children_) child->timeout_ = timeout_;
+    TakeTimeout(parent->timeout_);
     parent_ = parent;
     parent->AddChild(this);
     for (int which = 0; which < 2; ++which) TakeFlag(which, parent->inheritedFlags_[which]);
+}
+
+// Down the whole subtree, which shares one.
+void CTivAlgo::TakeTimeout(CTivTimeout* timeout) {
+    timeout_ = timeout;
+    for (CTivAlgo* child : children_) child->TakeTimeout(timeout);
 }
 
 void CTivAlgo::TakeFlag(int which, bool value) {

@@ -47,6 +47,7 @@ protected:
     bool inheritedFlags_[2] = {false, false};  ///< taken over from a parent, down the whole subtree
 
 private:
+    void TakeTimeout(CTivTimeout* timeout);
     void TakeFlag(int which, bool value);
 
     CTivString name_;

@@ -78,7 +78,7 @@ bool CTivImage::Set(int width, int height, CTivData::Format format, void* data, 
         impl_->significantBits = CTivData::GetBitsPerChannel(format);
         return true;
     }
-    const int answer = nur_image_alloc(&impl_->record, format, width, height);
+    const int answer = nur_image_alloc(&impl_->record, format, width, height, !data);
     if (answer != 0 && data) return Refuse("CTivImage::Set => Cannot copy image data");
     if (answer == -2) {
         return Refuse("CTivImage::Set => Cannot allocate image with negative dimension(s) or invalid format");

@@ -18,14 +18,14 @@ std::int64_t nur_image_bytes(CTivData::Format format, std::int32_t width, std::i
     return __builtin_mul_overflow(row, std::int64_t{height}, &bytes) ? -1 : bytes;
 }
 
-int nur_image_alloc(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height) {
+int nur_image_alloc(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height, bool isPromise) {
     if (format < 0 || width < 0 || height < 0) return -2;
     if (width > 0x7FFFFFF8) return -1;
     const std::int64_t bytes = nur_image_bytes(format, width, height);
     if (bytes < 0) return -1;
     void* data = nullptr;
     if (bytes > 0) {
-        data = nur_alloc((static_cast<std::uint64_t>(bytes) + 7) / 8 * 8);
+        data = nur_alloc((static_cast<std::uint64_t>(bytes) + 7) / 8 * 8, isPromise);
         if (!data) return -1;
     }
     width = static_cast<std::int32_t>(storedWidth(format, width));

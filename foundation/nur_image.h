@@ -31,8 +31,10 @@ struct NurImage {
 std::int64_t nur_image_bytes(CTivData::Format format, std::int32_t width, std::int32_t height);
 
 /// Allocates zeroed pixels into an empty record and sets the ROI to the whole image.
+/// @param isPromise as nur_alloc has it
 /// @return 0; -2 for a negative argument, -1 without memory. A size of 0 gives null data and is no failure.
-int nur_image_alloc(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height);
+int nur_image_alloc(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height,
+                    bool isPromise = true);
 
 /// Frees the data and empties the record. @return 0; -1 for a format outside the object-type table
 int nur_image_free(NurImage* image);

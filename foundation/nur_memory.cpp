@@ -24,14 +24,14 @@ void* place(void* base, BlockHead head) {
     return static_cast<char*>(base) + kAlignment;
 }
 
-void* mapBlock(std::uint64_t bytes) {
+void* mapBlock(std::uint64_t bytes, bool isPromise) {
     const bool huge = bytes >= kHugeFrom;
     std::uint64_t used = bytes + kAlignment;
     // Whole huge pages to the end: a rest in small ones costs more than all the others.
     if (huge) used = (used + kHugePage - 1) / kHugePage * kHugePage;
     const std::uint64_t wanted = used + (huge ? kHugePage : 0);
-    // Without reserve: a size that a file declares is only a promise, and pages count when they are touched.
-    void* mapping = mmap(nullptr, wanted, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    const int reserve = isPromise ? MAP_NORESERVE : 0;
+    void* mapping = mmap(nullptr, wanted, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | reserve, -1, 0);
     if (mapping == MAP_FAILED) return nullptr;
     auto address = reinterpret_cast<std::uintptr_t>(mapping);
     if (huge) {
@@ -43,9 +43,9 @@ void* mapBlock(std::uint64_t bytes) {
 
 }  // namespace
 
-void* nur_alloc(std::uint64_t bytes) {
+void* nur_alloc(std::uint64_t bytes, bool isPromise) {
     if (bytes == 0 || bytes > (std::uint64_t{1} << 46)) return nullptr;
-    if (bytes >= kMappedFrom) return mapBlock(bytes);
+    if (bytes >= kMappedFrom) return mapBlock(bytes, isPromise);
     const std::uint64_t whole = (bytes + 2 * kAlignment - 1) / kAlignment * kAlignment;
     void* base = std::aligned_alloc(kAlignment, whole);
     if (!base) return nullptr;

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -35,15 +36,16 @@ constexpr CodeText kCodeTexts[] = {
     {NUR_REPORT_NO_THREAD, "Thread not registered with CTivOpStatus\n"},
 };
 
-void (*reportCallback)(const char*) = nullptr;
+using ReportCallback = void (*)(const char*);
+std::atomic<ReportCallback> reportCallback{nullptr};  // a thread that was left behind may report while the library ends
 std::vector<CTivOpStatus> threads;
 std::mutex threadsGate;  // ready before any static initialiser runs
 void (*exitHooks[kExitHooks])() = {};
 
 std::uint32_t currentThread() { return static_cast<std::uint32_t>(::gettid()); }
 
-// Runs without the gate: the registry changes only while the library starts and ends.
 CTivOpStatus* findThread() {
+    const std::lock_guard guard(threadsGate);
     const std::uint32_t id = currentThread();
     for (CTivOpStatus& record : threads) {
         if (record.threadId == id) return &record;
@@ -59,10 +61,10 @@ const char* codeText(int code) {
 }
 
 // Finds the record to write to and tells the callback where there is none.
-CTivOpStatus* recordForReport() {
+CTivOpStatus* recordForReport(ReportCallback callback) {
     CTivOpStatus* record = findThread();
     if (!record) {
-        reportCallback(codeText(NUR_REPORT_NO_THREAD));
+        callback(codeText(NUR_REPORT_NO_THREAD));
         return nullptr;
     }
     record->status = 0;
@@ -72,8 +74,9 @@ CTivOpStatus* recordForReport() {
 }  // namespace
 
 int nur_report(int level, int code, ...) {
-    if (!reportCallback) return level;
-    CTivOpStatus* record = recordForReport();
+    const ReportCallback callback = reportCallback;
+    if (!callback) return level;
+    CTivOpStatus* record = recordForReport(callback);
     if (!record) return level;
     std::va_list arguments;
     va_start(arguments, code);
@@ -84,17 +87,18 @@ int nur_report(int level, int code, ...) {
         std::vsnprintf(record->message.get(), kMessageBytes, format, arguments);
     }
     va_end(arguments);
-    reportCallback(record->message.get());
+    callback(record->message.get());
     return level;
 }
 
 int nur_report_second_pass(const char* text) {
-    if (!reportCallback) return 1;
-    CTivOpStatus* record = recordForReport();
+    const ReportCallback callback = reportCallback;
+    if (!callback) return 1;
+    CTivOpStatus* record = recordForReport(callback);
     if (!record) return 1;
     const std::string passed = FormatWithoutArguments(text);
     std::snprintf(record->message.get(), kMessageBytes, "%s", passed.c_str());
-    reportCallback(record->message.get());
+    callback(record->message.get());
     return 1;
 }
 
@@ -136,7 +140,7 @@ void nur_close() {
         if (hook) hook();
         hook = nullptr;
     }
+    reportCallback = nullptr;
     const std::lock_guard guard(threadsGate);
     threads.clear();
-    reportCallback = nullptr;
 }

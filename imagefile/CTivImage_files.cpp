@@ -88,7 +88,12 @@ bool CTivImage::Load(const CTivString& path, bool reallocate) {
     NurImage record;
     NurImage& mine = *GetRecord();
     if (!reallocate) record = mine;
-    const bool read = ctiv_readImageFromFile(&record, name.c_str(), nullptr) == 0;
+    bool read = false;
+    try {
+        read = ctiv_readImageFromFile(&record, name.c_str(), nullptr) == 0;
+    } catch (const std::exception& failure) {
+        read = Refuse(std::string("CTivImage::Load => ") + failure.what());
+    }
     if (record.data && record.data == mine.data) {
         // Filled in place; a reader may have changed the sign of the format.
         if (read) mine.format = record.format;

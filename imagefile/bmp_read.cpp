@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "foundation/nur_report.h"
+#include "foundation/nur_types.h"
 #include "imagefile/bit_order_impl.h"
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
@@ -212,12 +213,16 @@ private:
         return !IsRunLength() && BytesLeft() < static_cast<std::uint64_t>(needed) ? refuse(kReadingBits) : 0;
     }
 
-    int CheckPreallocated(const NurImage& record) {
-        if (record.format != format_) return refuse("readBMP: invalid buffer type\n");
+    int CheckPreallocated(NurImage& record) {
+        isGiven_ = true;
         const std::int64_t width = format_ == D::FormatBinary ? (std::int64_t{head_.width} + 7) & ~7 : head_.width;
         if (width < record.roi.width || head_.height < record.roi.height) {
             return refuse("%s: output image size too small\n", "readBMP");
         }
+        if (record.format != format_ && !nur_same_but_sign(record.format, format_)) {
+            return refuse("readBMP: invalid buffer type\n");
+        }
+        record.format = format_;
         filledWidth_ = std::min(int{head_.width}, record.roi.width);
         filledHeight_ = record.roi.height;
         return 0;
@@ -243,8 +248,9 @@ private:
     }
 
     int ReadRuns(const NurImage& record) {
-        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(BytesLeft()));
-        if (!Take(bytes.data(), bytes.size())) return refuse(kReadingBits);
+        // What the runs jump over is 0 in the caller's record too.
+        const std::size_t rowBytes = static_cast<std::size_t>(filledWidth_) * (format_ == D::FormatUByte ? 1 : 4);
+        for (std::int32_t y = 0; isGiven_ && y < filledHeight_; ++y) std::memset(record.RoiRow(y), 0, rowBytes);
         const bool gray = format_ == D::FormatUByte;
         const auto put = [&](std::int64_t x, std::int64_t fileRow, std::uint8_t index) {
             const std::int64_t y = head_.height - 1 - fileRow;
@@ -256,7 +262,8 @@ private:
                 std::memcpy(row + 4 * x, &palette_.colors[index], 4);
             }
         };
-        const bool whole = decodeBmpRuns(bytes, head_.bitsPerPixel, head_.width, head_.height, put);
+        const auto take = [this](void* bytes, std::size_t count) { return Take(bytes, count); };
+        const bool whole = decodeBmpRuns(take, head_.bitsPerPixel, head_.width, head_.height, put);
         return whole ? 0 : refuse(kReadingBits);
     }
 
@@ -269,6 +276,7 @@ private:
     RowReader row_ = nullptr;
     std::int32_t filledWidth_ = 0;
     std::int32_t filledHeight_ = 0;
+    bool isGiven_ = false;  // the record is the caller's
 };
 
 }  // namespace

@@ -91,7 +91,9 @@ CrcImageReader::CrcImageReader(const std::string& path) : stream_(path, std::ios
     bytesPerPixel_ = Result<int>(head.bytesPerPixel);
     // The pixels must be as many as the format asks for: an image of another size would be filled in part only.
     const CTivData::Format format = formatOfBuffer(head.formatCode);
-    const bool fits = std::int64_t{CTivData::GetFormatBits(format)} * head.width / 8 * head.height <= size;
+    const std::int64_t row = std::int64_t{CTivData::GetFormatBits(format)} * head.width / 8;
+    std::int64_t needed = 0;
+    const bool fits = !__builtin_mul_overflow(row, std::int64_t{head.height}, &needed) && needed <= size;
     format_ = Result<CTivData::Format>(fits ? format : CTivData::FormatNone);
     roi_ = OptionalResult<CTivRect>(
         {head.roiX, head.roiY, std::min(head.roiWidth, head.width), std::min(head.roiHeight, head.height)});

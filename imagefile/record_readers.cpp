@@ -36,7 +36,7 @@ TiffImageReader::TiffImageReader(const std::string& path) {
 
 CTivImageBasedImageReader::CTivImageBasedImageReader(const std::string& path) {
     CTivImage image;
-    if (!CTivImage::IsFile(path.c_str()) || !LoadNativeFile(image, path, true)) {
+    if (!LoadNativeFile(image, path, true)) {
         throw std::runtime_error("error loading image from file: " + CTivManager::GetLastErrorString());
     }
     record_ = *image.GetRecord();

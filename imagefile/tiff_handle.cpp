@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::size_t kMessageBytes = 1024;
 
-// A single block that libtiff takes while reading: what the file's bytes could become if deflated, and some.
+// What a file may become: its bytes unfolded by the scheme that packs most, which is LZW, and a blank page's worth.
 constexpr std::int64_t kFreeBytes = std::int64_t{64} << 20;
-constexpr std::int64_t kBytesAFileByte = 1032;
+constexpr std::int64_t kBytesAFileByte = 1400;
 constexpr std::int64_t kMostFileBytes = std::int64_t{1} << 50;
 
 constexpr TIFFFieldInfo doubleTag(std::uint32_t tag, const char* name) {
@@ -139,8 +139,8 @@ TiffHandle::TiffHandle(const char* path, const char* mode) {
     const Callbacks::Options options = Callbacks::MakeOptions(this);
     struct stat status {};
     const std::int64_t fileBytes = ::stat(path, &status) == 0 ? std::int64_t{status.st_size} : 0;
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(),
-                                        kFreeBytes + kBytesAFileByte * std::min(fileBytes, kMostFileBytes));
+    mostBytes_ = kFreeBytes + kBytesAFileByte * std::min(fileBytes, kMostFileBytes);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), mostBytes_);
     tif_ = TIFFOpenExt(path, mode, options.get());
 }
 

@@ -44,6 +44,8 @@ public:
     /// Reports libtiff's first error, once, if there was one. Not to be called from inside libtiff.
     /// @return whether there was one
     bool Failed();
+    /// The most that a file of this size can hold unpacked; a head that declares more is a lie.
+    std::int64_t MostBytes() const { return mostBytes_; }
     bool StreamFailed() const { return streamFailed_; }
 
 private:
@@ -52,6 +54,7 @@ private:
     TIFF* tif_ = nullptr;
     std::string error_;
     bool isReported_ = false;
+    std::int64_t mostBytes_ = 0;
     CTivOutputStream* stream_ = nullptr;
     std::uint64_t position_ = 0;
     std::uint64_t size_ = 0;

@@ -249,6 +249,11 @@ private:
         lineBytes_ = TIFFScanlineSize(tif_);
         if (Broken()) return 1;
         if (lineBytes_ < needed) return refuse(kNoFormat);
+        // Also where strips share the file's bytes, so that they seem to hold it all.
+        const std::int64_t planes = isPlanar_ ? samples_ : 1;
+        std::int64_t stored = 0;
+        const bool isBeyond = __builtin_mul_overflow(lineBytes_ * planes, std::int64_t{height_}, &stored);
+        if (handle_ && (isBeyond || stored > handle_->MostBytes())) return refuse(kNoMemory);
         line_ = makeBlock(lineBytes_);
         isPacked_ = bits_ < 16 && bits_ != 8 && format_ != D::FormatBinary;
         sampleBytes_ = isPacked_ ? (bits_ < 8 ? 1 : 2) : std::max(bits_ / 8, 1);

@@ -355,6 +355,31 @@ TEST(Tiff, AFileThatBreaksOffIsRefusedOrHasLostNoPixel) {
     EXPECT_GT(refusals, 100);  // the pixels end before the last of the tags
 }
 
+TEST(Tiff, StripsThatShareBytesDoNotMakeAFileLarger) {
+    constexpr std::uint32_t kSize = 20000;
+    const std::string path = scratchFile("shared.tif");
+    const auto le32 = [](std::uint32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); };
+    const auto le16 = [](std::uint16_t value) { return std::string(reinterpret_cast<const char*>(&value), 2); };
+    const std::uint32_t offsets = 8 + kSize, counts = offsets + 4 * kSize, directory = counts + 4 * kSize;
+    std::string bytes = "II*" + std::string(1, '\0') + le32(directory) + std::string(kSize, '\x7F');
+    for (std::uint32_t y = 0; y < kSize; ++y) bytes += le32(8);
+    for (std::uint32_t y = 0; y < kSize; ++y) bytes += le32(kSize);
+    const std::vector<std::pair<std::uint16_t, std::array<std::uint32_t, 3>>> tags = {
+        {256, {4, 1, kSize}},       {257, {4, 1, kSize}}, {258, {3, 1, 8}}, {259, {3, 1, 1}},         {262, {3, 1, 1}},
+        {273, {4, kSize, offsets}}, {277, {3, 1, 1}},     {278, {4, 1, 1}}, {279, {4, kSize, counts}}};
+    bytes += le16(static_cast<std::uint16_t>(tags.size()));
+    for (const auto& [tag, entry] : tags) {
+        bytes += le16(tag) + le16(static_cast<std::uint16_t>(entry[0])) + le32(entry[1]) + le32(entry[2]);
+    }
+    writeFile(path, bytes + le32(0));
+    const long long taken = memoryTakenBy([&] {
+        CTivImage image;
+        EXPECT_FALSE(image.Load(path, true));
+        EXPECT_NE(LastError().find("readTIFF: memory allocation failed"), std::string::npos) << LastError();
+    });
+    EXPECT_LT(taken, 64LL << 20);
+}
+
 TEST(Tiff, DeclaredSizesTakeMemoryOnlyAsDataArrives) {
     const std::string path = scratchFile("huge.tif");
     for (const int compression : {COMPRESSION_NONE, COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE, COMPRESSION_PACKBITS,
