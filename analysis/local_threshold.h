@@ -20,9 +20,8 @@ enum LocalMethod : int {
 ///             don't count
 /// A pixel is selected as by `thresh`, whose switches these are.
 /// @param source FormatByte, Short, UByte, UShort or Float
-/// @param destination another image; empty, or with a ROI of the source's size: FormatUByte for a mask, else the
-/// source's
-///                    format
+/// @param destination another image; empty, or with a ROI of the source's size: FormatUByte for a mask, else
+///                    the source's format
 /// @param windowWidth, windowHeight raised to 3 and to the next odd number; limited so that half a window stays below
 ///                    the ROI's size
 /// @return 0, or nur_report's answer with the reason reported

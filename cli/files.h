@@ -30,9 +30,8 @@ void SaveImage(const CTivImage& image, const std::string& path, int fileFormat);
 
 /// Runs a call of the library that answers bool.
 /// @param subject the file or option that the call is about
-/// @throw WorkFailure where it answers false, with the subject and the texts that the library reported (the reason
-/// often
-///        stands in the first, the last says what failed by it), or `otherwise` if it reported none
+/// @throw WorkFailure where it answers false, with the subject and the texts that the library reported, or `otherwise`
+///        if it reported none. The reason often stands in the first, and the last says what failed by it
 template <class Call>
 void Require(Call&& call, const std::string& subject, const std::string& otherwise);
 

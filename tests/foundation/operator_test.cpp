@@ -77,6 +77,9 @@ TEST(Algo, ChildrenShareTheRootsTimeout) {
     EXPECT_EQ(root.GetChild(0), &child);
     EXPECT_EQ(root.GetChild(1), nullptr);
     EXPECT_EQ(root.GetChild(-1), nullptr);
+    CTivAlgo above("above");
+    root.SetParent(&above);  // ends the root's own one
+    EXPECT_EQ(grandchild.GetTimeoutObject(), above.GetTimeoutObject());
 }
 
 TEST(Algo, ChildrenMoveUpWhenTheirParentEnds) {

@@ -54,6 +54,11 @@ TEST(Crc, SizesThatDisagreeWithTheFormatStayInsideTheImage) {
     CTivImage image;
     ASSERT_TRUE(image.Load(scratchFile("fat.crc"), true)) << LastError();
     EXPECT_EQ(image.GetData(1, 1).AsInt(), 'x');
+    std::string endless = written(countingImage(2, 2, D::FormatPoint));
+    for (const std::size_t offset : {12, 16}) endless = withU32(endless, offset, 0x7FFFFFFF);
+    writeFile(scratchFile("endless.crc"), withU32(endless, 64, 0));  // pixels of no bytes: all of them are there
+    EXPECT_FALSE(image.Load(scratchFile("endless.crc"), true));
+    EXPECT_EQ(ctiv::CrcImageReader(scratchFile("endless.crc")).GetFormat().Get(), D::FormatNone);
     CTivImage bits = countingImage(16, 2, D::FormatBinary);
     ASSERT_TRUE(bits.Save(scratchFile("bits.crc"), 6));
     EXPECT_EQ(readFile(scratchFile("bits.crc")).size(), kHeadBytes + 32 + 180);
