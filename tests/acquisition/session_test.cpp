@@ -1,4 +1,5 @@
 #include "tests/acquisition/simulation.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -222,7 +223,7 @@ TEST(GetImage, IndicesOutsideTakeSlotZero) {
     EXPECT_EQ(session.GetImage(4), session.GetImage(0));
     EXPECT_EQ(LastError(), "GetImage => index out of range");
     // Without a device the slot serves for pictures from files.
-    EXPECT_TRUE(session.GetImage(-1)->Load(TONEWRIGHT_SAMPLES "/Tonewright/Images/chart.bmp", true));
+    EXPECT_TRUE(session.GetImage(-1)->Load(sampleFile("Tonewright/Images/chart.bmp"), true));
     EXPECT_EQ(session.GetImage(0)->GetWidth(), 922);
 }
 

@@ -2,6 +2,7 @@
 
 #include "acquisition/zvn/ZvnManager.h"
 #include "tests/acquisition/simulation.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -102,7 +103,7 @@ TEST(SimulatedFrames, AFolderWithoutAPictureThatLoadsDoesNotOpen) {
 
 TEST(SampleSimulation, AFrameGrabberAndACameraDeliverTheSampleChart) {
     Simulation simulation("");
-    setenv("ZVN_SIMULATION", TONEWRIGHT_SAMPLES "/simulation.ini", 1);
+    setenv("ZVN_SIMULATION", sampleFile("simulation.ini").c_str(), 1);
     ASSERT_EQ(ZvnManager::GetServerCount(), 2);
     std::vector<int> kinds;
     for (int server = 0; server < 2; ++server) {

@@ -9,6 +9,7 @@
 #include "app/CommandTable.h"
 #include "app/StringTable.h"
 #include "app/StudioRibbon.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -135,7 +136,7 @@ TEST(Commands, TipsSplitIntoTitleAndDescription) {
 
 // What the layout names must exist, and each large button must have a picture.
 TEST(Commands, RibbonShowsOnlyCommandsAndEachLargeButtonHasAPicture) {
-    const QString pictures = QString(TONEWRIGHT_SAMPLES) + "/../app/resources/icons/%1.svg";
+    const QString pictures = QString::fromStdString(sourceFile("app/resources/icons/%1.svg"));
     const auto known = [](int id) { return FindCommand(id) != nullptr; };
     const ribbon::Layout& layout = StudioRibbon();
     for (const ribbon::FileEntry& entry : layout.fileEntries) EXPECT_TRUE(known(entry.id)) << entry.text;

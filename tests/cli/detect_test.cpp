@@ -2,6 +2,7 @@
 
 #include "tests/cli/tool_test.h"
 #include "tests/support/drawn_chart.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -28,10 +29,10 @@ int patchesWithin(const json& found, const json& listed, int levels) {
 }
 
 TEST_F(Detect, FindsTheChartInPhotographs) {
-    std::ifstream index(TONEWRIGHT_TEST_DATA "/charts/index.json");
+    std::ifstream index(testData("charts/index.json"));
     for (const json& picture : json::parse(index)) {
         const std::string name = picture["name"];
-        const std::string path = name == "studio" ? kSample : TONEWRIGHT_TEST_DATA "/charts/" + name + ".png";
+        const std::string path = name == "studio" ? kSample : testData("charts/" + name + ".png");
         const ToolRun run = RunTool({"detect", path, "--roi", listOf(picture["roi"])});
         ASSERT_EQ(run.status, 0) << name << run.err;
         const json document = run.Document();

@@ -2,6 +2,7 @@
 
 #include "tests/cli/tool_test.h"
 #include "tests/support/drawn_chart.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -46,7 +47,7 @@ TEST_F(Files, InfoTellsTheKindsOfImagesByTheirContent) {
         {WriteImage("a.tif", image, ImageFileTiff), "tiff", {3, 2}, {0, 0, 3, 2}, "FormatUShort"},
         {WriteImage("a.zvk", image, ImageFileNative), "native image", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
         {WriteImage("a.crc", image, ImageFileCrc), "crc", {8, 4}, {1, 1, 3, 2}, "FormatUShort"},
-        {TONEWRIGHT_TEST_DATA "/charts/shelf.png", "png", {400, 300}, {0, 0, 400, 300}, "FormatRgb"},
+        {testData("charts/shelf.png"), "png", {400, 300}, {0, 0, 400, 300}, "FormatRgb"},
     };
     for (const auto& [path, kind, size, roi, format] : cases) {
         const json info = InfoOf(path);

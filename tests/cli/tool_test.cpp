@@ -1,4 +1,5 @@
 #include "tests/cli/tool_test.h"
+#include "tests/support/places.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -25,7 +26,7 @@ fs::path newFolder() {
 
 ToolRun RunTool(const std::vector<std::string>& arguments) {
     const fs::path folder = newFolder();
-    std::string line = "timeout -s KILL 30 " + quoted(TONEWRIGHT_BINARY);
+    std::string line = "timeout -s KILL 30 " + quoted(buildFile("cli/tonewright"));
     for (const std::string& argument : arguments) line += quoted(argument);
     line += "</dev/null >" + quoted(folder / "out") + "2>" + quoted(folder / "err");
     const int status = std::system(line.c_str());

@@ -10,6 +10,7 @@
 #include "foundation/CTivImage.h"
 #include "imagefile/CTivImageFileFormat.h"
 #include "tests/support/library.h"
+#include "tests/support/places.h"
 
 /// What a run of the real program gave.
 struct ToolRun {
@@ -47,5 +48,5 @@ private:
 /// Puts a little-endian integer over a file's bytes.
 std::string WithU32(std::string bytes, std::size_t offset, std::uint32_t value);
 
-inline const std::string kSample = TONEWRIGHT_SAMPLES "/Tonewright/Images/chart.bmp";
+inline const std::string kSample = sampleFile("Tonewright/Images/chart.bmp");
 inline const std::string kSampleRoi = "154,100,738,506";

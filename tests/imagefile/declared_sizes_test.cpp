@@ -2,6 +2,7 @@
 
 #include "tests/imagefile/file_support.h"
 #include "tests/imagefile/memory_support.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ std::uint32_t checkSum(const std::string& bytes) {
     return ~sum;
 }
 
-std::string sample(const char* name) { return readFile(std::string(TONEWRIGHT_TEST_DATA "/imagefiles/") + name); }
+std::string sample(const char* name) { return readFile(testData(std::string("imagefiles/") + name)); }
 
 std::string png(const char* name, std::uint32_t width, std::uint32_t height) {
     const std::string bytes = withBigEndianU32(withBigEndianU32(sample(name), 16, width), 20, height);

@@ -6,6 +6,7 @@
 
 #include "foundation/nur_image.h"
 #include "tests/imagefile/file_support.h"
+#include "tests/support/places.h"
 
 using D = CTivData;
 
@@ -113,7 +114,7 @@ Color colorAt(const CTivImage& image, int x, int y) {
 
 class FilesOfOthers : public testing::TestWithParam<OthersFile> {
 protected:
-    const std::string path_ = std::string(TONEWRIGHT_TEST_DATA "/imagefiles/") + GetParam().name;
+    const std::string path_ = testData(std::string("imagefiles/") + GetParam().name);
 };
 
 // PNG always takes an image of its own.
@@ -176,7 +177,7 @@ INSTANTIATE_TEST_SUITE_P(ImageFiles, FilesOfOthersInPlace, testing::ValuesIn(fil
 
 TEST(FilesOfOthersRefused, TilesCannotBeReadByLines) {
     CTivImage image;
-    EXPECT_FALSE(image.Load(std::string(TONEWRIGHT_TEST_DATA "/imagefiles/tiled.tif"), true));
+    EXPECT_FALSE(image.Load(testData("imagefiles/tiled.tif"), true));
     EXPECT_NE(LastError().find("rdImage: "), std::string::npos) << LastError();
     EXPECT_FALSE(image.IsAllocated());
 }

@@ -11,6 +11,7 @@
 #include "imagefile/write_image.h"
 #include "tests/imagefile/file_support.h"
 #include "tests/imagefile/memory_support.h"
+#include "tests/support/places.h"
 
 using D = CTivData;
 using brennick::korva::zelvan_pix::OutputStreamStdOstream;
@@ -332,7 +333,7 @@ TEST(Tiff, AStreamThatThrowsEndsTheWriteWithItsText) {
 }
 
 TEST(Tiff, AFileThatBreaksOffIsRefusedOrHasLostNoPixel) {
-    const std::string original = TONEWRIGHT_TEST_DATA "/imagefiles/lzw.tif";
+    const std::string original = testData("imagefiles/lzw.tif");
     const std::string path = scratchFile("broken.tif");
     CTivImage whole;
     ASSERT_TRUE(whole.Load(original, true));
