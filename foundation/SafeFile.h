@@ -1,25 +1,26 @@
 #pragma once
 
-#include <fstream>
+#include <ext/stdio_filebuf.h>
+
 #include <ostream>
 #include <string>
 
-/// A file being written that takes its name only once it is whole: a save that fails halfway, or a process that dies
-/// in it, leaves the earlier file as it was.
-///
-/// Writes to a new file in the target's own folder, with the earlier file's permissions, and renames it on Commit. The
-/// end of a chain of symbolic links is what is replaced. Where renaming would not do, the target is written in place:
-/// devices, pipes, /dev/stdout, and a writable file in a folder that takes no new files.
+#include "foundation/StagedFile.h"
+
+/// A file being written that takes its name only once it is whole and on the disk: a save that fails halfway, or a
+/// process that dies in it, leaves the earlier file as it was. StagedFile tells how, and which targets are written in
+/// place instead or refused.
 class SafeOutputFile {
 public:
-    /// Opens for binary output. Fails exactly where `path` itself (UTF-8, as given) could not be opened for writing.
+    /// Opens for binary output. Fails where `path` itself (UTF-8, as given) could not be opened for writing, and where
+    /// StagedFile refuses it.
     explicit SafeOutputFile(const std::string& path);
     SafeOutputFile(const SafeOutputFile&) = delete;
     SafeOutputFile& operator=(const SafeOutputFile&) = delete;
     /// Without a Commit before it, drops what was written.
-    ~SafeOutputFile();
+    ~SafeOutputFile() = default;
 
-    bool IsOpen() const { return stream_.is_open(); }
+    bool IsOpen() const { return buffer_.is_open(); }
     /// Seekable, unless the target is a pipe.
     std::ostream& Stream() { return stream_; }
     /// Ends the writing and puts the file in its place; once.
@@ -27,9 +28,7 @@ public:
     bool Commit();
 
 private:
-    bool OpenBeside(const std::string& target);
-
-    std::ofstream stream_;
-    std::string target_;
-    std::string temporary_;  ///< empty while writing in place
+    StagedFile staged_;
+    __gnu_cxx::stdio_filebuf<char> buffer_;  // over the descriptor: a name could be somebody else's file by now
+    std::ostream stream_{&buffer_};
 };

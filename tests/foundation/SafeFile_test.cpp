@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -154,4 +155,96 @@ TEST_F(SafeFile, FullDiskOrDeathHalfwayLeavesTheEarlierFile) {
         ::raise(SIGKILL);
     });
     EXPECT_TRUE(WIFSIGNALED(killed));
+}
+
+TEST_F(SafeFile, StagedNameIsNewEachTimeAndAPlantedLinkIsNotWrittenThrough) {
+    const std::string victim = Put("victim", "keep");
+    StagedFile first((folder_ / "a.bmp").native());
+    const StagedFile second((folder_ / "a.bmp").native());
+    EXPECT_NE(first.GetName(), second.GetName());
+    EXPECT_EQ(fs::path(first.GetName()).extension(), ".bmp");
+    EXPECT_EQ(first.GetName().find(std::to_string(::getpid())), std::string::npos);
+    fs::remove(first.GetName());
+    fs::create_symlink(victim, first.GetName());
+    ASSERT_EQ(::chmod(victim.c_str(), 0600), 0);
+    EXPECT_EQ(first.Commit(), std::errc::too_many_symbolic_link_levels);
+    EXPECT_EQ(Read(victim), "keep");
+    EXPECT_FALSE(fs::exists(folder_ / "a.bmp"));
+}
+
+TEST_F(SafeFile, StrangersLinkInAnOpenFolderIsRefused) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can make a stranger's link";
+    constexpr uid_t kStranger = 12345;
+    const std::string victim = Put("victim", "keep");
+    fs::create_directory(folder_ / "open");
+    const fs::path link = folder_ / "open" / "link";
+    fs::create_symlink(victim, link);
+    struct Case {
+        mode_t folder;
+        uid_t linkOwner;
+        bool isFollowed;
+    };
+    for (const Case& c : {Case{01777, kStranger, false}, Case{0777, kStranger, false}, Case{01777, 0, true},
+                          Case{0755, kStranger, true}}) {
+        ASSERT_EQ(::chmod((folder_ / "open").c_str(), c.folder), 0);
+        ASSERT_EQ(::lchown(link.c_str(), c.linkOwner, c.linkOwner), 0);
+        Put("victim", "keep");
+        SafeOutputFile file(link.native());
+        file.Stream() << "lost";
+        EXPECT_EQ(file.Commit(), c.isFollowed) << c.folder << ' ' << c.linkOwner;
+        EXPECT_EQ(Read(victim), c.isFollowed ? "lost" : "keep") << c.folder << ' ' << c.linkOwner;
+        EXPECT_EQ(StagedFile(link.native()).GetError() == std::errc::permission_denied, !c.isFollowed);
+    }
+}
+
+TEST_F(SafeFile, SetOfFilesTakesItsPlacesWholeOrNotAtAll) {
+    const std::string first = Put("first", "earlier");
+    ASSERT_EQ(::chmod(first.c_str(), 0604), 0);
+    if (::geteuid() == 0) {
+        ASSERT_EQ(::chown(first.c_str(), 12345, 12345), 0);
+    }
+    struct stat before {};
+    ::stat(first.c_str(), &before);
+    std::vector<StagedFile> files;
+    for (const char* name : {"first", "fresh", "blocked"}) {
+        files.emplace_back((folder_ / name).native());
+        SafeOutputFile writer(files.back().GetName());  // as a writer does that knows only names
+        writer.Stream() << "new " << name;
+        ASSERT_TRUE(writer.Commit());
+    }
+    fs::create_directories(folder_ / "blocked" / "full");
+    const auto failure = StagedFile::CommitAll(files);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->index, 2u);
+    EXPECT_EQ(Read(first), "earlier");
+    EXPECT_FALSE(fs::exists(folder_ / "fresh"));
+    EXPECT_EQ(FileCount(), 2 + 3);
+
+    fs::remove_all(folder_ / "blocked");
+    EXPECT_FALSE(StagedFile::CommitAll(files));
+    EXPECT_EQ(Read(first), "new first");
+    EXPECT_EQ(Read(folder_ / "blocked"), "new blocked");
+    EXPECT_EQ(FileCount(), 3);
+    struct stat after {};
+    ::stat(first.c_str(), &after);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(after.st_uid, before.st_uid);
+}
+
+TEST_F(SafeFile, EndingProcessLeavesNothingStaged) {
+    const std::string path = Put("a", "earlier");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        StagedFile staged(path);
+        SafeOutputFile writer(staged.GetName());
+        StagedFile::DropAll();
+        const bool refused = writer.Stream() << "x" && !writer.Commit() && staged.Commit() &&
+                             !SafeOutputFile(path).IsOpen() && FileCount() == 1;
+        ::_exit(refused ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(Read(path), "earlier");
+    EXPECT_EQ(FileCount(), 1);
 }
