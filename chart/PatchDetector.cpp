@@ -7,6 +7,7 @@
 
 #include "analysis/CTivBasic.h"
 #include "analysis/CTivBlob.h"
+#include "chart/orientation.h"
 
 namespace {
 
@@ -189,23 +190,15 @@ PatchColors PatchDetector::MeasureAt(PatchDepth depth, CTivImage& image, const C
 
 PatchColors PatchDetector::GetRawColors(CTivImage& image, const ChartRoi& roi, const ChartSize& chart,
                                         PatchDepth depth) {
-    const bool isOriented = (chart.Width == 6 && chart.Height == 4) || (chart.Width == 4 && chart.Height == 6);
-    return isOriented ? GetOrientedRawColors(image, roi, chart, depth) : MeasureAt(depth, image, roi, chart);
+    return HasOrientation(chart) ? GetOrientedRawColors(image, roi, chart, depth) : MeasureAt(depth, image, roi, chart);
 }
 
 PatchColors PatchDetector::GetOrientedRawColors(CTivImage& image, const ChartRoi& roi, const ChartSize& chart,
                                                 PatchDepth depth) {
     const PatchColors found = MeasureAt(depth, image, roi, chart);
     PatchColors ordered = found;
-    // Deliberately these three indices for both chart shapes, although 5 is no corner of a 4 x 6 chart.
-    const bool rowsReversed = found.brightest == 0 || found.brightest == 5;
-    const bool columnsReversed = found.brightest == 5 || found.brightest == 23;
-    for (int r = 0; r < chart.Height; ++r) {
-        for (int c = 0; c < chart.Width; ++c) {
-            const int row = rowsReversed ? chart.Height - 1 - r : r;
-            const int column = columnsReversed ? chart.Width - 1 - c : c;
-            ordered.colors.SetData(chart.Width * r + c, found.colors.GetData(chart.Width * row + column));
-        }
+    for (int i = 0; i < found.colors.GetSize(); ++i) {
+        ordered.colors.SetData(i, found.colors.GetData(GetPlaceInPicture(chart, found.brightest, i)));
     }
     return ordered;
 }

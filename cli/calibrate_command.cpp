@@ -4,7 +4,6 @@
 
 #include "calibration/CTivTonewrightDC.h"
 #include "chart/CCSVParser.h"
-#include "chart/quality.h"
 #include "cli/arguments.h"
 #include "cli/chart_reading.h"
 #include "cli/command.h"
@@ -12,6 +11,7 @@
 #include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
+#include "quality/fit_quality.h"
 
 namespace {
 

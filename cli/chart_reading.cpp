@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "chart/orientation.h"
 #include "cli/arguments.h"
 #include "cli/files.h"
 #include "cli/json_values.h"
@@ -30,21 +31,6 @@ void requireRoi(CTivImage& image, const std::string& path, const ChartRoi& roi) 
     throw WorkFailure("CTivImage::SetRoi => ROI rectangle out of range\n" + path + ": the ROI " + toText(roi) +
                       " leaves the image of " + std::to_string(image.GetWidth()) + " x " +
                       std::to_string(image.GetHeight()) + " pixels");
-}
-
-const char* orientationName(const ChartSize& chart, int brightest) {
-    const bool isOriented = (chart.Width == 6 && chart.Height == 4) || (chart.Width == 4 && chart.Height == 6);
-    if (!isOriented) return "none";
-    switch (brightest) {
-        case 0:
-            return "rows reversed";
-        case 5:
-            return "turned";
-        case 23:
-            return "columns reversed";
-        default:
-            return "normal";
-    }
 }
 
 }  // namespace
@@ -105,6 +91,6 @@ Json DescribeReading(const ChartOptions& options, const ChartReading& reading) {
             {"columns", columns},
             {"complete", detector.GetFoundRows() == chart.Height && detector.GetFoundColumns() == chart.Width},
             {"colors", colors},
-            {"orientation", orientationName(chart, reading.colors.brightest)},
+            {"orientation", GetOrientationName(chart, reading.colors.brightest)},
             {"saturated", reading.colors.saturated}};
 }

@@ -5,13 +5,16 @@ cd "$(dirname "$0")/.."
 declare -A may=(
   [primitives]="primitives"
   [foundation]="foundation primitives"
-  [imagefile]="imagefile foundation"
+  [imagefile]="imagefile foundation primitives"
   [analysis]="analysis foundation primitives"
   [calibration]="calibration foundation primitives"
   [acquisition]="acquisition foundation calibration"
-  [chart]="chart foundation analysis calibration"
-  [cli]="cli primitives foundation imagefile analysis calibration acquisition chart"
-  [app]="app primitives foundation imagefile analysis calibration acquisition chart"
+  [chart]="chart foundation primitives analysis calibration"
+  [quality]="quality foundation calibration chart"
+  [report]="report foundation imagefile calibration chart quality"
+  [cli]="cli primitives foundation imagefile analysis calibration acquisition chart quality report"
+  [python]="python primitives foundation imagefile analysis calibration acquisition chart quality report"
+  [app]="app primitives foundation imagefile analysis calibration acquisition chart quality report"
 )
 declare -A inside=([app/toolkit]="app/toolkit" [app/view]="app/view app/toolkit" [app/panes]="app/panes app/view app/toolkit")
 bad=0
@@ -29,7 +32,7 @@ while IFS=: read -r file line text; do
     [[ " ${inside[$sub]} " == *" ${target%/*} "* ]] || complain "$file:$line" " $sub/ may not include $target"
   fi
 done < <(git grep -nE '^#include "' -- 'primitives/*' 'foundation/*' 'imagefile/*' 'analysis/*' 'calibration/*' \
-           'acquisition/*' 'chart/*' 'cli/*' 'app/*')
+           'acquisition/*' 'chart/*' 'quality/*' 'report/*' 'cli/*' 'python/*' 'app/*')
 if git grep -nE '^#include <Q' -- ':!app' ':!tests/app' ':!bench' ; then
   echo "only app/ includes Qt"
   bad=1

@@ -1,4 +1,4 @@
-#include "chart/color_difference.h"
+#include "quality/color_difference.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "chart/quality.h"
+#include "quality/fit_quality.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 
 #include "calibration/CTivTonewrightDC.h"
 #include "calibration/CalibrationTables.h"
-#include "chart/color_difference.h"
+#include "quality/color_difference.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "chart/quality.h"
+#include "quality/fit_quality.h"
 
 #include <gtest/gtest.h>
 
