@@ -65,6 +65,9 @@ enum CommandId : int {
     ID_BTN_ACQ_LOAD_RAW_IMAGE = 32953,
     ID_BTN_ACQ_LOAD_REF_IMAGE = 32954,
 
+    /// Where illuminants beyond the published nine go on.
+    ID_BTN_ILLUMINANT_MORE = 40900,
+
     ID_APP_ABOUT = 57664,
     ID_APP_EXIT = 57665,
     ID_CONTEXT_HELP = 57669,

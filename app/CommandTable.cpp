@@ -1,8 +1,12 @@
 #include "app/CommandTable.h"
 
+#include <algorithm>
+#include <array>
 #include <type_traits>
+#include <utility>
 
 #include "app/CMainFrame.h"
+#include "app/illuminant_commands.h"
 
 namespace {
 
@@ -32,9 +36,9 @@ template <int Mode>
 bool saturationIs(State s) {
     return s.saturationMode == Mode;
 }
-template <int Illuminant>
+template <std::size_t Row>
 bool illuminantIs(State s) {
-    return s.illuminant == Illuminant;
+    return s.illuminant == kCalibrationIlluminants[Row].index;
 }
 template <bool StudioState::*Flag>
 bool flag(State s) {
@@ -58,7 +62,7 @@ using F = CMainFrame;
 using S = StudioState;
 
 // The keys are the ones that work. The labels of the file menu name others, deliberately.
-constexpr CommandRow kCommands[] = {
+constexpr CommandRow kFixedCommands[] = {
     {ID_BTN_ACQ_LOAD_IMAGE, "Load Image", "load-image", "Ctrl+O", always, kUnchecked, call<&F::OnLoadImage>,
      "Load an image from a file.\n Load Image"},
     {ID_BTN_ACQ_LOAD_RAW_IMAGE, "Load Raw", "load-raw", "", always, kUnchecked, call<&F::OnLoadRawImage>,
@@ -124,24 +128,6 @@ constexpr CommandRow kCommands[] = {
      "Calibrate using the relative method. This method asks for a reference image.\n Calibrate using relative mode"},
     {ID_BTN_ILLUMINANT_TYPE, "Illuminant Type", "illuminant", "", isAbsolute, kUnchecked, call<&F::OnIlluminantType>,
      "Choose a predefined illuminant type for the calibration.\n Illuminant Type"},
-    {ID_BTN_ILLUMINANT_USER, "User defined", "", "", isAbsolute, illuminantIs<-1>, call<&F::OnIlluminant>, ""},
-    {ID_BTN_ILLUMINANT_A, "Tungsten or Halogen: A 2856K", "", "", isAbsolute, illuminantIs<0>, call<&F::OnIlluminant>,
-     ""},
-    {ID_BTN_ILLUMINANT_D50, "Daylight: D50 5003K (Sunrise/Sunset)", "", "", isAbsolute, illuminantIs<1>,
-     call<&F::OnIlluminant>, ""},
-    {ID_BTN_ILLUMINANT_D55, "Daylight: D55 5503K (Mid-morning)", "", "", isAbsolute, illuminantIs<2>,
-     call<&F::OnIlluminant>, ""},
-    {ID_BTN_ILLUMINANT_D65, "Daylight: D65 6504K (Noon)", "", "", isAbsolute, illuminantIs<3>, call<&F::OnIlluminant>,
-     ""},
-    {ID_BTN_ILLUMINANT_D75, "Daylight: D75 7504K (Overcast)", "", "", isAbsolute, illuminantIs<4>,
-     call<&F::OnIlluminant>, ""},
-    {ID_BTN_ILLUMINANT_E, "Others: E 5454K", "", "", isAbsolute, illuminantIs<5>, call<&F::OnIlluminant>, ""},
-    {ID_BTN_ILLUMINANT_F2, "Fluorescent: F2 4230K (cool white)", "", "", isAbsolute, illuminantIs<6>,
-     call<&F::OnIlluminant>, ""},
-    {ID_BTN_ILLUMINANT_F7, "Fluorescent: F7 6500K (broadband)", "", "", isAbsolute, illuminantIs<7>,
-     call<&F::OnIlluminant>, ""},
-    {ID_BTN_ILLUMINANT_F11, "Fluorescent: F11 4000k (narrowband)", "", "", isAbsolute, illuminantIs<8>,
-     call<&F::OnIlluminant>, ""},
     {ID_BTN_COLOR_SELECT, "Color Selection", "color-selection", "", always, kUnchecked, kNothing,
      "Choose a way to select ROI colors.\n Color Selection"},
     {ID_BTN_COLOR_AUTO, "Automatic", "", "", always, automaticColors, call<&F::OnColorsAutomatic>,
@@ -185,6 +171,18 @@ constexpr CommandRow kCommands[] = {
     {ID_HELP, "Help", "help", "F1", always, kUnchecked, call<&F::OnHelp>, ""},
     {ID_CONTEXT_HELP, "Context Help", "", "", always, kUnchecked, call<&F::OnContextHelp>, ""},
 };
+
+// Behind the fixed rows, one for each illuminant.
+template <std::size_t... Row>
+constexpr auto withIlluminants(std::index_sequence<Row...>) {
+    std::array<CommandRow, std::size(kFixedCommands) + sizeof...(Row)> all{};
+    const CommandRow illuminants[] = {{IlluminantCommand(kCalibrationIlluminants[Row]),
+                                       kCalibrationIlluminants[Row].label, "", "", isAbsolute, illuminantIs<Row>,
+                                       call<&F::OnIlluminant>, ""}...};
+    std::ranges::copy(illuminants, std::ranges::copy(kFixedCommands, all.begin()).out);
+    return all;
+}
+constexpr auto kCommands = withIlluminants(std::make_index_sequence<kCalibrationIlluminants.size()>());
 
 }  // namespace
 

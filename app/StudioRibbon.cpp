@@ -1,6 +1,8 @@
 #include "app/StudioRibbon.h"
 
 #include "app/CommandIds.h"
+#include "app/illuminant_commands.h"
+#include "calibration/parameter_limits.h"
 
 namespace {
 
@@ -52,16 +54,18 @@ constexpr Item saturation(int edit, int slider, const char* keyTip) {
             .editWidth = 50,
             .sliderId = slider,
             .sliderWidth = 128,
-            .range = {0, 255}};
+            .range = {0, kMostSaturation}};
 }
 
 constexpr int kSaturationMenu[] = {ID_BTN_SATURATION_AUTO, ID_BTN_SATURATION_MANUAL, ID_BTN_SATURATION_NONE};
-constexpr int kIlluminantMenu[] = {ID_BTN_ILLUMINANT_USER, 0,
-                                   ID_BTN_ILLUMINANT_A,    ID_BTN_ILLUMINANT_D50,
-                                   ID_BTN_ILLUMINANT_D55,  ID_BTN_ILLUMINANT_D65,
-                                   ID_BTN_ILLUMINANT_D75,  ID_BTN_ILLUMINANT_E,
-                                   ID_BTN_ILLUMINANT_F2,   ID_BTN_ILLUMINANT_F7,
-                                   ID_BTN_ILLUMINANT_F11};
+// The user's own light first, then a line, then the predefined ones.
+constexpr auto kIlluminantMenu = [] {
+    std::array<int, kCalibrationIlluminants.size() + 1> ids{};
+    for (std::size_t i = 0; i < kCalibrationIlluminants.size(); ++i) {
+        ids[i == 0 ? 0 : i + 1] = IlluminantCommand(kCalibrationIlluminants[i]);
+    }
+    return ids;
+}();
 constexpr int kColorMenu[] = {ID_BTN_COLOR_AUTO, ID_BTN_COLOR_MANUAL};
 constexpr Item kParameters[] = {
     button(Kind::Small, ID_BTN_PARAM_LOAD, "LP"),
@@ -69,7 +73,10 @@ constexpr Item kParameters[] = {
     button(Kind::Small, ID_BTN_PARAM_RESET, "RP"),
     kSeparator,
     {.kind = Kind::Field, .id = ID_EDIT_GAMMA, .keyTip = "GA", .editWidth = 40},
-    {.kind = Kind::Slider, .id = ID_SLD_GAMMA, .sliderWidth = 145, .range = {5, 100}},
+    {.kind = Kind::Slider,
+     .id = ID_SLD_GAMMA,
+     .sliderWidth = 145,
+     .range = {kLeastGammaHundredths, kMostGammaHundredths}},
     menuButton(Kind::Small, ID_BTN_SATURATION_MODE, "SM", Menu::Whole, kSaturationMenu),
     saturation(ID_EDIT_SATURATION_R, ID_SLD_SATURATION_R, "SR"),
     saturation(ID_EDIT_SATURATION_G, ID_SLD_SATURATION_G, "SG"),

@@ -7,7 +7,7 @@ struct StudioState {
     int deviceKind = DeviceKindNone;
     bool hasCoefficientFile = false;
     int calibrationMode = 0;  ///< 0 absolute, 1 relative
-    int illuminant = 0;       ///< -1 user defined, else 0 to 8
+    int illuminant = 0;       ///< an index of kCalibrationIlluminants
     int saturationMode = 0;   ///< 0 automatic, 1 manual, 2 none
     bool manualColors = false;
 

@@ -20,13 +20,13 @@
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "calibration/CTivTonewrightDC.h"
+#include "calibration/parameter_limits.h"
 
 namespace {
 
 constexpr int kTipWidth = 200;  // pixels, at most
 constexpr int kRecentFiles = 5;
 constexpr float kZoomStep = 0.1f;
-constexpr int kSaturationAtStart = 255;
 
 QString toolTipHtml(const CommandTip& tip, const QFontMetrics& metrics) {
     if (tip.title.isEmpty()) return tip.description;
@@ -81,10 +81,10 @@ void CMainFrame::CreateRibbon() {
     setMenuWidget(m_ribbon.get());
     m_ribbon->SetRecentDocuments(recentDocuments());
     for (const int id : {ID_EDIT_SATURATION_R, ID_EDIT_SATURATION_G, ID_EDIT_SATURATION_B}) {
-        m_ribbon->SetEditText(id, QString::number(kSaturationAtStart));
+        m_ribbon->SetEditText(id, QString::number(kMostSaturation));
     }
     for (const int id : {ID_SLD_SATURATION_R, ID_SLD_SATURATION_G, ID_SLD_SATURATION_B}) {
-        m_ribbon->SetSliderValue(id, kSaturationAtStart);
+        m_ribbon->SetSliderValue(id, kMostSaturation);
     }
     for (const auto& [id, action] : m_actions) {
         connect(action, &QAction::triggered, this, [this, id = id] { RunCommand(id); });

@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr int kUserDefined = -1;
-
 // Somewhere behind the first character, in just these letters: "a.bmp.txt" counts, deliberately.
 bool holds(const QString& path, const char* text) { return path.indexOf(QLatin1String(text)) > 0; }
 
@@ -42,7 +40,7 @@ void CMainFrame::OpenDroppedFile(const QString& path) {
         LoadImageFile(path);
     } else if (holds(path, ".twkp")) {
         LoadParameterFile(path);
-    } else if (holds(path, ".csv") && GetEngine().GetIlluminant() == kUserDefined) {
+    } else if (holds(path, ".csv") && GetEngine().GetIlluminant() == kUserIlluminant) {
         m_spectrumWnd->LoadValuesFrom(path);
     } else {
         LogMessage("File signature not recognized.", LogWarning);

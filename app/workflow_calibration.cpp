@@ -7,6 +7,7 @@
 #include "app/CommandIds.h"
 #include "app/GetEngine.h"
 #include "app/StringTable.h"
+#include "app/illuminant_commands.h"
 #include "app/panes/CLoggerWnd.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
@@ -15,6 +16,7 @@
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "calibration/CTivTonewrightDC.h"
+#include "calibration/parameter_limits.h"
 
 #include <QLabel>
 
@@ -22,10 +24,6 @@ namespace {
 
 constexpr int kAbsolute = 0;
 constexpr int kRelative = 1;
-constexpr int kUserDefined = -1;
-constexpr int kLeastGamma = 5;
-constexpr int kMostGamma = 100;
-constexpr int kMostSaturation = 255;
 
 struct SaturationChannel {
     int editId;
@@ -55,7 +53,7 @@ void CMainFrame::PushColorsToEngine() {
         m_rawViewer->DetectPatches();
         engine.SetRawColors(m_rawViewer->GetRawColors());
     }
-    if (engine.GetCalibrationMode() == kAbsolute && engine.GetIlluminant() == kUserDefined) {
+    if (engine.GetCalibrationMode() == kAbsolute && engine.GetIlluminant() == kUserIlluminant) {
         engine.SetSpectrumValues(m_spectrumWnd->GetSpectrumValues());
         engine.SetIlluminantValue(m_spectrumWnd->GetIlluminantValue());
     } else if (engine.GetCalibrationMode() == kRelative) {
@@ -160,14 +158,13 @@ void CMainFrame::OnRelative() {
 }
 
 void CMainFrame::OnIlluminant(int id) {
+    GetEngine().SetIlluminant(FindIlluminantOfCommand(id)->index);
     if (id == ID_BTN_ILLUMINANT_USER) {
-        GetEngine().SetIlluminant(kUserDefined);
         m_spectrumWnd->SetEnabled(true);
         ShowPane(*m_spectrumWnd);
         m_previewActive = false;
         return;
     }
-    GetEngine().SetIlluminant(id - ID_BTN_ILLUMINANT_A);
     UsePredefinedIlluminant();
 }
 
@@ -184,7 +181,7 @@ void CMainFrame::UsePredefinedIlluminant() {
 }
 
 void CMainFrame::OnGammaEdit() {
-    ApplyGamma(std::clamp(numberIn(m_ribbon->EditText(ID_EDIT_GAMMA)), kLeastGamma, kMostGamma));
+    ApplyGamma(std::clamp(numberIn(m_ribbon->EditText(ID_EDIT_GAMMA)), kLeastGammaHundredths, kMostGammaHundredths));
 }
 
 void CMainFrame::OnGammaSlider() { ApplyGamma(m_ribbon->SliderValue(ID_SLD_GAMMA)); }

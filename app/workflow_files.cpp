@@ -20,8 +20,6 @@ using namespace studio_files;
 
 namespace {
 
-constexpr int kUserDefined = -1;
-
 // A file may carry any gamma.
 int truncated(float value) {
     constexpr auto kMost = static_cast<float>(std::numeric_limits<int>::max() / 2);
@@ -52,7 +50,7 @@ void CMainFrame::SyncControlsFromEngine() {
     m_ribbon->SetSliderValue(ID_SLD_GAMMA, gamma);
 
     if (engine.GetCalibrationMode() == 0) {
-        if (engine.GetIlluminant() == kUserDefined) {
+        if (engine.GetIlluminant() == kUserIlluminant) {
             m_spectrumWnd->ShowSpectrumValues(*engine.GetSpectrumValues());
             m_spectrumWnd->ShowIlluminantValue(engine.GetIlluminantValue());
             m_spectrumWnd->SetEnabled(true);

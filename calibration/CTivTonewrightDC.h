@@ -6,6 +6,7 @@
 
 #include "calibration/CalibrationTables.h"
 #include "calibration/DoubleMatrix.h"
+#include "calibration/illuminants.h"
 #include "foundation/CTivData.h"
 #include "foundation/CTivImage.h"
 #include "foundation/CTivOperator.h"
@@ -36,7 +37,7 @@ public:
     // Inputs of a calibration. Numbers are stored without a range test; Calibrate tells what does not fit.
     bool SetCalibrationMode(std::int32_t mode);  ///< 0 absolute: against XYZ; 1 relative: against the reference colors
     std::int32_t GetCalibrationMode() const;     ///< 0 without a valid object
-    /// @param illuminant -1 user defined; 0 A, 1 D50, 2 D55, 3 D65, 4 D75, 5 E, 6 F2, 7 F7, 8 F11
+    /// @param illuminant an index of kCalibrationIlluminants; kUserIlluminant for the user's own light
     bool SetIlluminant(std::int32_t illuminant);
     std::int32_t GetIlluminant() const;  ///< 3 without a valid object
     /// @param value X, Y, Z of the white reference under the user's illuminant, on the scale on which the chart's white

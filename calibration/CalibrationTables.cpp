@@ -38,6 +38,6 @@ const CalibrationTables& GetCalibrationTables() {
 }
 
 std::int32_t GetAdaptationKey(std::int32_t illuminant) {
-    if (illuminant < 0 || illuminant >= kIlluminantCount) return -1;
-    return kAdaptationKeys[static_cast<std::size_t>(illuminant)];
+    const CalibrationIlluminant* const row = FindIlluminant(illuminant);
+    return row ? row->adaptationKey : -1;
 }

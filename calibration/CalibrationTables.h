@@ -17,7 +17,7 @@ struct CalibrationTables {
     DoubleMatrix XyzToRgbMatrix;   ///< 3 x 3, CIE XYZ to linear RGB: rgb[i] = sum over k of [i][k] xyz[k]
     DoubleMatrix BradfordMatrix;   ///< 3 x 3, CIE XYZ to cone response, stored transposed: [k][i]
     DoubleMatrix BradfordInverse;  ///< 3 x 3, cone response to CIE XYZ, stored transposed
-    /// By illuminant index, 0 to 8 (A, D50, D55, D65, D75, E, F2, F7, F11): 24 patches row by row, the last six the
+    /// By index of kCalibrationIlluminants, the user's aside: 24 patches row by row, the last six the
     /// neutral ones from white to black.
     std::map<std::int32_t, std::vector<ColorQuad>> ReferenceTable;
     /// By adaptation key, 0 to 8 (D65, A, E, D50, D55, D75, F2, F7, F11): 3 x 3, XYZ under that light to XYZ under D65.
@@ -28,5 +28,5 @@ struct CalibrationTables {
 /// keeps lives to the very end of the process.
 const CalibrationTables& GetCalibrationTables();
 
-/// @return the key into AdaptationTable of an illuminant index, -1 for an index outside 0 to 8
+/// @return the key into AdaptationTable of an illuminant index, -1 for the user's and for an unknown one
 std::int32_t GetAdaptationKey(std::int32_t illuminant);

@@ -3,10 +3,10 @@
 
 #include "calibration/CalibrationTables.h"
 #include "calibration/ImplTonewrightDC_impl.h"
+#include "calibration/illuminants.h"
 
 namespace {
 
-constexpr std::int32_t kUserIlluminant = -1;
 constexpr const char* kNoReferenceColors =
     "CTivTonewrightDC::Calibrate => vector of reference colors is empty. Use SetReferenceColors prior to Calibrate.";
 constexpr const char* kTooManyColors = "CTivTonewrightDC::Calibrate => too many colors.";

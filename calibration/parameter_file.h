@@ -9,11 +9,11 @@
 
 /// Every input of a calibration: what a parameter file (.twkp) holds.
 struct CalibrationParameters {
-    std::int32_t mode = 0;            ///< 0 absolute, 1 relative
-    std::int32_t saturationMode = 0;  ///< 0 automatic, 1 manual, 2 none
-    std::int32_t illuminant = 3;      ///< -1 user defined; 0 A, 1 D50, 2 D55, 3 D65, 4 D75, 5 E, 6 F2, 7 F7, 8 F11
-    std::int32_t terms = 10;          ///< per output channel: 4, 7 or 10
-    float gamma = 0.45f;              ///< exponent of the output tables
+    std::int32_t mode = 0;                           ///< 0 absolute, 1 relative
+    std::int32_t saturationMode = 0;                 ///< 0 automatic, 1 manual, 2 none
+    std::int32_t illuminant = 3;                     ///< an index of kCalibrationIlluminants: D65
+    std::int32_t terms = 10;                         ///< per output channel: 4, 7 or 10
+    float gamma = 0.45f;                             ///< exponent of the output tables
     std::array<float, 4> illuminantValue{};          ///< X, Y, Z of the user's white; the fourth is not read
     std::array<std::uint8_t, 4> saturationRgb{};     ///< blue, green, red, reserved
     std::uint32_t saturationRgb10 = 0;               ///< red in bits 20 to 29, green 10 to 19, blue 0 to 9

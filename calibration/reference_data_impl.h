@@ -2,10 +2,13 @@
 
 #include <array>
 
+#include "calibration/illuminants.h"
+
 // What a 24-patch chart measures under each predefined illuminant, and the matrices that go with it. The digits are
 // kept as they were published to us, odd ones included: they are not to be smoothed.
 
-inline constexpr int kIlluminantCount = 9;
+inline constexpr int kIlluminantCount = 9;  // all of kCalibrationIlluminants but the user's
+static_assert(kCalibrationIlluminants.size() == kIlluminantCount + 1);
 inline constexpr int kPatchCount = 24;
 
 using Matrix3x3 = std::array<std::array<double, 3>, 3>;
@@ -45,9 +48,6 @@ inline constexpr std::array<Matrix3x3, kIlluminantCount> kAdaptations = {{
     {{{0.999853, -0.000061, 0.000241}, {-0.000068, 0.999979, 0.000078}, {0.000049, -0.000085, 1.001285}}},  // 7 F7
     {{{0.907897, -0.05429, 0.136954}, {-0.068019, 1.039133, 0.045905}, {0.02617, -0.04327, 1.718226}}},  // 8 F11
 }};
-
-/// The adaptation key of each illuminant index. The index follows the menu, the key an order of its own.
-inline constexpr std::array<int, kIlluminantCount> kAdaptationKeys = {1, 3, 4, 0, 5, 2, 6, 7, 8};
 
 struct Xyz {
     float x, y, z;

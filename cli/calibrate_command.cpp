@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "calibration/CTivTonewrightDC.h"
+#include "calibration/illuminants.h"
 #include "chart/CCSVParser.h"
 #include "cli/arguments.h"
 #include "cli/chart_reading.h"
@@ -15,14 +16,6 @@
 
 namespace {
 
-struct Illuminant {
-    const char* word;
-    int index;
-};
-constexpr int kUserIlluminant = -1;
-constexpr Illuminant kIlluminants[] = {{"A", 0}, {"D50", 1}, {"D55", 2}, {"D65", 3}, {"D75", 4},
-                                       {"E", 5}, {"F2", 6},  {"F7", 7},  {"F11", 8}, {"user", kUserIlluminant}};
-
 enum SaturationMode : int { kAutomatic = 0, kManual = 1, kNone = 2 };
 
 struct Saturation {
@@ -32,7 +25,7 @@ struct Saturation {
 
 struct CalibrateOptions {
     ChartOptions chart;
-    Illuminant illuminant = kIlluminants[0];
+    CalibrationIlluminant illuminant = *FindIlluminant("A");
     std::string values;
     std::optional<std::vector<float>> white;
     std::optional<std::string> reference;
@@ -46,11 +39,18 @@ struct CalibrateOptions {
     int correctedFormat = -1;
 };
 
-std::optional<Illuminant> parseIlluminant(const std::string& word) {
-    for (const Illuminant& illuminant : kIlluminants) {
-        if (word == illuminant.word) return illuminant;
+std::optional<CalibrationIlluminant> parseIlluminant(const std::string& word) {
+    const CalibrationIlluminant* const illuminant = FindIlluminant(word);
+    return illuminant ? std::optional(*illuminant) : std::nullopt;
+}
+
+/// The words of all illuminants, the user's last.
+std::string illuminantWords(const std::string& separator, const std::string& lastSeparator) {
+    std::string words;
+    for (const CalibrationIlluminant& illuminant : kCalibrationIlluminants) {
+        if (illuminant.index != kUserIlluminant) words += (words.empty() ? "" : separator) + illuminant.word;
     }
-    return std::nullopt;
+    return words + lastSeparator + FindIlluminant(kUserIlluminant)->word;
 }
 
 std::optional<int> parseTerms(const std::string& text) {
@@ -210,10 +210,9 @@ void check(const CalibrateOptions& options) {
 
 void addInputs(CLI::App& command, CalibrateOptions& options) {
     AddChartOptions(command, options.chart);
-    CLI::Option* illuminant =
-        AddParsed(command, "--illuminant", options.illuminant, parseIlluminant,
-                  "A, D50, D55, D65, D75, E, F2, F7, F11 or user", "The light on the chart (default: A)")
-            ->type_name("A|D50|D55|D65|D75|E|F2|F7|F11|user");
+    CLI::Option* illuminant = AddParsed(command, "--illuminant", options.illuminant, parseIlluminant,
+                                        illuminantWords(", ", " or "), "The light on the chart (default: A)")
+                                  ->type_name(illuminantWords("|", "|"));
     command.add_option("--values", options.values, "The patches' XYZ under the user's light, a line a patch")
         ->type_name("FILE.csv");
     AddParsed(

@@ -4,6 +4,7 @@
 #include <bit>
 #include <fstream>
 
+#include "calibration/illuminants.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "foundation/CTivImage.h"
@@ -90,8 +91,10 @@ ParameterFile ReadWholeParameters(const std::string& path) {
             "cannot read the parameters");
     requireTerms(path, result.parameters.terms);
     const std::int32_t illuminant = result.parameters.illuminant;
-    if (illuminant < -1 || illuminant > 8) {
-        throw WorkFailure(path + ": the illuminant is " + std::to_string(illuminant) + ", not -1 to 8");
+    if (!FindIlluminant(illuminant)) {
+        throw WorkFailure(path + ": the illuminant is " + std::to_string(illuminant) + ", not " +
+                          std::to_string(kCalibrationIlluminants.front().index) + " to " +
+                          std::to_string(kCalibrationIlluminants.back().index));
     }
     return result;
 }

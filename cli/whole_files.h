@@ -26,7 +26,7 @@ void RequireWholeImage(const std::string& path);
 CTivVector ReadWholeVector(const std::string& path);
 
 /// @throw WorkFailure for a parameter file that is shorter than its heads say, that the library refuses, or that has a
-///        term count other than 4, 7, 10 or an illuminant outside -1 to 8
+///        term count other than 4, 7, 10 or an unknown illuminant
 ParameterFile ReadWholeParameters(const std::string& path);
 
 /// @throw WorkFailure for a coefficient file that is shorter than its heads say, that the library refuses, or that has

@@ -9,6 +9,7 @@
 #include "app/CommandTable.h"
 #include "app/StringTable.h"
 #include "app/StudioRibbon.h"
+#include "app/illuminant_commands.h"
 #include "tests/support/places.h"
 
 namespace {
@@ -87,13 +88,17 @@ TEST(Commands, ColorListRulesWantTheViewerOfTheMode) {
 }
 
 TEST(Commands, ExactlyOneChoiceOfEachGroupIsChecked) {
-    const std::vector<int> illuminants{32887, 32888, 32889, 32890, 32891, 32892, 32893, 32894, 32895, 32896};
+    const std::vector<int> illuminants{ID_BTN_ILLUMINANT_USER, ID_BTN_ILLUMINANT_A,   ID_BTN_ILLUMINANT_D50,
+                                       ID_BTN_ILLUMINANT_D55,  ID_BTN_ILLUMINANT_D65, ID_BTN_ILLUMINANT_D75,
+                                       ID_BTN_ILLUMINANT_E,    ID_BTN_ILLUMINANT_F2,  ID_BTN_ILLUMINANT_F7,
+                                       ID_BTN_ILLUMINANT_F11};
     for (std::size_t i = 0; i < illuminants.size(); ++i) {
         const StudioState state{.illuminant = static_cast<int>(i) - 1};
         for (std::size_t k = 0; k < illuminants.size(); ++k) EXPECT_EQ(checked(illuminants[k], state), i == k);
     }
     for (int mode = 0; mode < 3; ++mode) {
-        for (int k = 0; k < 3; ++k) EXPECT_EQ(checked(32929 + k, {.saturationMode = mode}), mode == k);
+        const int choices[] = {ID_BTN_SATURATION_AUTO, ID_BTN_SATURATION_MANUAL, ID_BTN_SATURATION_NONE};
+        for (int k = 0; k < 3; ++k) EXPECT_EQ(checked(choices[k], {.saturationMode = mode}), mode == k);
     }
     for (int mode = 0; mode < 2; ++mode) {
         EXPECT_EQ(checked(ID_BTN_METHOD_ABSOLUTE, {.calibrationMode = mode}), mode == 0);
@@ -101,9 +106,16 @@ TEST(Commands, ExactlyOneChoiceOfEachGroupIsChecked) {
         for (const int id : illuminants) EXPECT_EQ(enabled(id, {.calibrationMode = mode}), mode == 0);
         EXPECT_EQ(enabled(ID_BTN_ILLUMINANT_TYPE, {.calibrationMode = mode}), mode == 0);
     }
-    for (const int id : {32935, 32936, 32937, 32938, 32939, 32940}) {
+    for (const int id : {ID_EDIT_SATURATION_R, ID_EDIT_SATURATION_G, ID_EDIT_SATURATION_B, ID_SLD_SATURATION_R,
+                         ID_SLD_SATURATION_G, ID_SLD_SATURATION_B}) {
         for (int mode = 0; mode < 3; ++mode) EXPECT_EQ(enabled(id, {.saturationMode = mode}), mode == 1) << id;
     }
+}
+
+TEST(Commands, AnIlluminantBeyondThePublishedOnesCollidesWithNoCommand) {
+    const CalibrationIlluminant tenth{.index = 9, .word = "L", .label = "", .adaptationKey = 9};
+    EXPECT_EQ(FindCommand(IlluminantCommand(tenth)), nullptr);
+    EXPECT_EQ(FindIlluminantOfCommand(ID_BTN_CALIBRATE_CAMERA), nullptr);
 }
 
 TEST(Commands, KeysRunWhatTheyAreBoundToAndNotWhatTheLabelsSay) {
