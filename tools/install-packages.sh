@@ -2,7 +2,7 @@
 # Installs the Debian packages that building (and, with "test", testing; with "ci", checking) needs, and only those
 # that are missing.
 set -euo pipefail
-packages=(g++ cmake ninja-build pkg-config libpng-dev libtiff-dev libinih-dev libcli11-dev nlohmann-json3-dev
+packages=(g++ cmake ninja-build pkg-config libpng-dev libtiff-dev liblcms2-dev libinih-dev libcli11-dev nlohmann-json3-dev
           qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins libgl1-mesa-dev libaravis-dev libglib2.0-dev fonts-dejavu-core)
 case "${1:-}" in
   test) packages+=(libgtest-dev libgmock-dev aravis-tools) ;;

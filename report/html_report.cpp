@@ -1,0 +1,185 @@
+#include "report/html_report.h"
+
+#include <algorithm>
+
+#include "foundation/CTivImage.h"
+#include "report/color_spaces.h"
+#include "report/markup.h"
+#include "report/page_style.h"
+#include "report/plots.h"
+#include "report/png_bytes.h"
+
+namespace {
+
+constexpr int kPictureSide = 900;  // pixels of the picture in the page
+
+std::string heading(const std::string& words) { return "<h2>" + Escaped(words) + "</h2>\n"; }
+
+std::string nameOf(const ReportPatch& patch) {
+    return std::to_string(patch.number) + (patch.name.empty() ? "" : " " + patch.name);
+}
+
+const ReportPatch& worstOf(const Report& report) {
+    return *std::max_element(report.patches.begin(), report.patches.end(),
+                             [](const ReportPatch& a, const ReportPatch& b) { return a.difference < b.difference; });
+}
+
+std::string figure(const std::string& value, const std::string& words, bool isFirst = false) {
+    return "<div class=\"figure" + std::string(isFirst ? " first" : "") + "\"><b>" + value + "</b><span>" +
+           Escaped(words) + "</span></div>\n";
+}
+
+std::string headline(const Report& report) {
+    const ReportPatch& worst = worstOf(report);
+    std::string page = "<h1>" + Escaped(report.title) + "</h1>\n<p class=\"soft\">" + Escaped(report.subtitle) +
+                       "</p>\n<div class=\"figures\">\n" +
+                       figure(Fixed(report.mean, 1), "delivered, mean difference (CIEDE2000)", true) +
+                       figure(Fixed(worst.difference, 1), "worst patch: " + nameOf(worst));
+    if (report.unseen) page += figure(Fixed(*report.unseen, 1), "mean on patches left out of the fit");
+    page += figure(Fixed(report.before, 1), "mean before the correction") + "</div>\n";
+    if (!report.verdict.empty()) {
+        page += "<ul class=\"findings\"><li class=\"" + std::string(report.hasPassed ? "note" : "error") +
+                "\"><strong>" + (report.hasPassed ? "Passed" : "Not passed") + "</strong>: " + Escaped(report.verdict) +
+                "</li></ul>\n";
+    }
+    return page +
+           "<p class=\"soft\">A difference of 1 is just seen side by side; up to 3 is good, above 6 is easily "
+           "seen.</p>\n";
+}
+
+std::string findings(const Report& report) {
+    std::string page = heading("Findings");
+    if (report.findings.empty()) return page + "<p>Nothing speaks against this calibration.</p>\n";
+    page += "<ul class=\"findings\">\n";
+    for (const ReportFinding& finding : report.findings) {
+        std::string word = finding.severity;
+        if (!word.empty()) word[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(word[0])));
+        page += "<li class=\"" + Escaped(finding.severity) + "\"><strong>" + Escaped(word) +
+                "</strong>: " + Escaped(finding.text) + "</li>\n";
+    }
+    return page + "</ul>\n";
+}
+
+bool isOutlined(const ReportPatch& patch) { return patch.corners != ReportPatch{}.corners; }
+
+std::string polygon(const ReportPatch& patch, const std::string& style) {
+    std::string points;
+    for (const auto& corner : patch.corners) points += Fixed(corner[0], 1) + "," + Fixed(corner[1], 1) + " ";
+    points.pop_back();
+    return "<polygon class=\"" + style + "\" points=\"" + points + "\"/>";
+}
+
+std::string picture(const Report& report) {
+    if (!report.picture) return {};
+    const std::vector<std::uint8_t> bytes = PngBytes(*report.picture, kPictureSide);
+    if (bytes.empty()) return {};
+    const std::string width = std::to_string(report.picture->GetWidth());
+    const std::string height = std::to_string(report.picture->GetHeight());
+    const ReportPatch& worst = worstOf(report);
+    std::string page = heading("Picture") + "<figure><svg class=\"chart\" viewBox=\"0 0 " + width + " " + height +
+                       "\" role=\"img\"><title>The picture with the outlines of the patches</title><image width=\"" +
+                       width + "\" height=\"" + height + "\" href=\"data:image/png;base64," + Base64(bytes) + "\"/>";
+    for (const ReportPatch& patch : report.patches) {
+        if (isOutlined(patch)) page += polygon(patch, "shade") + polygon(patch, "");
+    }
+    if (isOutlined(worst)) page += polygon(worst, "worst");
+    return page + "</svg><figcaption>What was measured lies inside the outlines; red: the worst patch, " +
+           Escaped(nameOf(worst)) + ".</figcaption></figure>\n";
+}
+
+std::string swatches(const Report& report) {
+    const ReportPatch& worst = worstOf(report);
+    std::string page =
+        heading("Patches") +
+        "<p class=\"soft\">Each patch from left to right: measured, wanted, delivered. Below: its number "
+        "and name, its difference after the correction, and in brackets before it.</p>\n<ol class=\"patches\" "
+        "style=\"--columns:" +
+        std::to_string(report.columns) + "\">\n";
+    for (const ReportPatch& patch : report.patches) {
+        page += "<li" + std::string(&patch == &worst ? " class=\"worst\"" : "") + "><div class=\"swatch\">";
+        for (const auto& color : {patch.measured, XyzToLinearRgb(patch.target), XyzToLinearRgb(patch.delivered)}) {
+            page += "<span style=\"background:" + CssColor(color) + "\"></span>";
+        }
+        page += "</div><p>" + Escaped(nameOf(patch)) + "<br><b>" + Fixed(patch.difference, 1) + "</b> (" +
+                Fixed(patch.before, 1) + ")" + (&patch == &worst ? " worst" : "") + "</p></li>\n";
+    }
+    return page + "</ol>\n";
+}
+
+std::string plotFigure(const std::string& words, const std::string& drawn) {
+    return "<figure><h3>" + Escaped(words) + "</h3>" + drawn + "</figure>\n";
+}
+
+std::string plots(const Report& report) {
+    std::vector<PatchBar> bars;
+    std::vector<LabArrow> arrows;
+    std::vector<ToneStep> tones;
+    std::vector<NoisePair> noise;
+    for (const ReportPatch& patch : report.patches) {
+        const std::string color = CssColor(XyzToLinearRgb(patch.target));
+        const Lab target = XyzToLab(patch.target), delivered = XyzToLab(patch.delivered);
+        bars.push_back({patch.number, patch.name, color, patch.difference, patch.before});
+        arrows.push_back({patch.number, color, target, delivered});
+        if (patch.isNeutral) tones.push_back({target[0], delivered[0]});
+        if (patch.noise) noise.push_back({patch.number, (*patch.noise)[0], (*patch.noise)[1]});
+    }
+    std::string page = heading("Plots") + "<div class=\"pair\">\n" +
+                       plotFigure("Difference by patch", DifferenceBars(bars)) +
+                       plotFigure("Where the colors go", LabPlane(arrows));
+    if (!tones.empty()) page += plotFigure("Tone of the neutral patches", ToneCurve(tones));
+    if (!noise.empty()) page += plotFigure("Noise before and after", NoiseBars(noise));
+    return page + "</div>\n";
+}
+
+std::string candidates(const Report& report) {
+    if (report.candidates.empty()) return {};
+    std::string page =
+        heading("4, 7 and 10 terms") +
+        "<p class=\"soft\">Mean differences in CIEDE2000. More terms always fit the patches better; what "
+        "counts for every other color is the column of patches left out.</p>\n<div class=\"scroll\"><table>"
+        "<thead><tr><th scope=\"col\">Terms</th><th scope=\"col\">Bare fit</th><th scope=\"col\">Delivered"
+        "</th><th scope=\"col\">Patches left out</th></tr></thead><tbody>\n";
+    for (const ReportCandidate& candidate : report.candidates) {
+        const bool isChosen = candidate.terms == report.terms;
+        page += "<tr" + std::string(isChosen ? " class=\"chosen\"" : "") + "><td>" + std::to_string(candidate.terms) +
+                (isChosen ? " (taken)" : "") + "</td><td>" + Fixed(candidate.fitted, 2) + "</td><td>" +
+                Fixed(candidate.delivered, 2) + "</td><td>" + Fixed(candidate.unseen, 2) + "</td></tr>\n";
+    }
+    return page + "</tbody></table></div>\n";
+}
+
+std::string lab(const Xyz& color) {
+    const Lab value = XyzToLab(color);
+    return Fixed(value[0], 1) + ", " + Fixed(value[1], 1) + ", " + Fixed(value[2], 1);
+}
+
+std::string numbers(const Report& report) {
+    std::string page = heading("Numbers") +
+                       "<div class=\"scroll\"><table><thead><tr><th scope=\"col\">Patch</th><th scope=\"col\">Wanted "
+                       "L*, a*, b*</th><th scope=\"col\">Delivered L*, a*, b*</th><th scope=\"col\">Difference</th>"
+                       "<th scope=\"col\">Before</th></tr></thead><tbody>\n";
+    for (const ReportPatch& patch : report.patches) {
+        page += "<tr><td class=\"name\">" + Escaped(nameOf(patch)) + "</td><td>" + lab(patch.target) + "</td><td>" +
+                lab(patch.delivered) + "</td><td>" + Fixed(patch.difference, 2) + "</td><td>" + Fixed(patch.before, 2) +
+                "</td></tr>\n";
+    }
+    return page + "</tbody></table></div>\n";
+}
+
+std::string settings(const Report& report) {
+    std::string page = heading("Settings") + "<table class=\"settings\"><tbody>\n";
+    for (const ReportRow& row : report.settings) {
+        page += "<tr><td>" + Escaped(row.name) + "</td><td class=\"name\">" + Escaped(row.value) + "</td></tr>\n";
+    }
+    return page + "</tbody></table>\n";
+}
+
+}  // namespace
+
+std::string HtmlReport(const Report& report) {
+    return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<meta name=\"viewport\" "
+           "content=\"width=device-width, initial-scale=1\">\n<title>" +
+           Escaped(report.title) + "</title>\n<style>" + kPageStyle + "</style>\n</head>\n<body>\n<main>\n" +
+           headline(report) + findings(report) + picture(report) + swatches(report) + plots(report) +
+           candidates(report) + numbers(report) + settings(report) + "</main>\n</body>\n</html>\n";
+}

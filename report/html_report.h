@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "quality/color_difference.h"
+
+class CTivImage;
+
+/// A patch as the report shows it.
+struct ReportPatch {
+    int number = 0;                                  ///< from 1, in chart order
+    std::string name;                                ///< empty: without one
+    std::array<std::array<double, 2>, 4> corners{};  ///< in the picture's pixels; all 0: not outlined
+    std::array<double, 3> measured{};                ///< linear sRGB, as the uncalibrated camera gives it
+    Xyz target{};                                    ///< under D65
+    Xyz delivered{};                                 ///< under D65
+    double difference = 0;                           ///< CIEDE2000 of delivered and target
+    double before = 0;                               ///< CIEDE2000 of measured and target
+    bool isNeutral = false;
+    std::optional<std::array<double, 2>> noise;  ///< deviation before and after, in 8-bit steps
+};
+
+struct ReportFinding {
+    std::string severity;  ///< "note", "warning" or "error"
+    std::string text;
+};
+
+struct ReportCandidate {
+    int terms = 0;
+    double fitted = 0, delivered = 0, unseen = 0;  ///< mean CIEDE2000
+};
+
+struct ReportRow {
+    std::string name;
+    std::string value;
+};
+
+/// Everything that a report tells.
+struct Report {
+    std::string title;
+    std::string subtitle;
+    double mean = 0;               ///< delivered, CIEDE2000
+    double before = 0;             ///< mean, CIEDE2000
+    std::optional<double> unseen;  ///< mean, CIEDE2000
+    std::string verdict;           ///< of a verification; empty: none
+    bool hasPassed = true;         ///< with a verdict
+    std::vector<ReportFinding> findings;
+    const CTivImage* picture = nullptr;  ///< FormatRgb; null: none is shown
+    int columns = 6;                     ///< patches in a row of the chart
+    std::vector<ReportPatch> patches;    ///< in chart order, at least one
+    std::vector<ReportCandidate> candidates;
+    int terms = 0;  ///< the candidate that was taken
+    std::vector<ReportRow> settings;
+};
+
+/// The report as one HTML page that needs nothing else: no script, no network, pictures inside. UTF-8.
+std::string HtmlReport(const Report& report);
