@@ -119,5 +119,9 @@ private:
     bool IsValid() const;   ///< silently
     bool Validate() const;  ///< reports what is invalid
 
+    // calibration/execute_transform.h
+    friend bool ExecuteTransform(const CTivTonewrightDC&, const CTivVector&, const CTivImage&, CTivImage&);
+    friend bool SaveTransform(const CTivTonewrightDC&, const CTivVector&, const CTivString&, bool);
+
     std::unique_ptr<ImplTonewrightDC> impl_;
 };

@@ -26,10 +26,25 @@ public:
     void SetGamma(float gamma);
     bool SetSaturation(const CTivData& value);
     bool Calibrate();
-    bool Execute(const CTivImage& source, CTivImage& destination) { return Execute(source, destination, transform); }
+    bool Execute(const CTivImage& source, CTivImage& destination) {
+        return Execute(source, destination, {transform, parameters.terms, colorTwist_}, untouched_);
+    }
+    /// What the pixel loops run with.
+    struct Coefficients {
+        const CTivVector& transform;
+        std::int32_t terms;
+        std::array<float, 12> colorTwist;
+    };
+    /// @param untouched scratch memory of a correction in place
+    bool Execute(const CTivImage& source, CTivImage& destination, const Coefficients& coefficients,
+                 std::vector<std::uint8_t>& untouched) const;
     bool Save(const std::string& path) const;
     bool Load(const std::string& path);
-    bool SaveXForm(const std::string& path, bool withSaturation) const;
+    bool SaveXForm(const std::string& path, bool withSaturation) const {
+        return SaveXForm(path, transform, parameters.terms, withSaturation);
+    }
+    bool SaveXForm(const std::string& path, const CTivVector& coefficients, std::int32_t terms,
+                   bool withSaturation) const;
     bool LoadXForm(const std::string& path);
 
     bool valid = true;
@@ -50,11 +65,11 @@ private:
     bool FitAbsolute(std::span<const NormalisedColor> targets, const DoubleMatrix& adaptation);
     bool StoreTransform(const DoubleMatrix& matrix);
     // execute.cpp
-    bool Execute(const CTivImage& source, CTivImage& destination, const CTivVector& coefficients);
     template <class Pixel>
-    bool RunPolynomial(const NurImage& source, const NurImage& destination, const float* coefficients,
+    bool RunPolynomial(const NurImage& source, const NurImage& destination, const Coefficients& coefficients,
                        const GammaTable<Pixel>& table) const;
-    bool RunTwist(const NurImage& source, const NurImage& destination);
+    bool RunTwist(const NurImage& source, const NurImage& destination, const std::array<float, 12>& colorTwist,
+                  std::vector<std::uint8_t>& untouched) const;
     // persistence.cpp
     std::array<float, 3> GetSaturationFractions() const;
     void SetSaturationFractions(const std::array<float, 3>& fractions);

@@ -3,6 +3,8 @@
 
 #include "calibration/CalibrationTables.h"
 #include "calibration/ImplTonewrightDC_impl.h"
+#include "calibration/execute_transform.h"
+#include "calibration/fit_transform.h"
 #include "calibration/illuminants.h"
 
 namespace {
@@ -144,8 +146,7 @@ bool ImplTonewrightDC::FitAbsolute(std::span<const NormalisedColor> targets, con
     if (!fit) return calibrated = true;
     fitMatrix = *fit;
     adaptationMatrix = adaptation;
-    const DoubleMatrix adapted = MultiplyInFloat(adaptationMatrix, fitMatrix, 3);
-    return StoreTransform(MultiplyInFloat(GetCalibrationTables().XyzToRgbMatrix, adapted, 3));
+    return StoreTransform(ComposeTransform(fitMatrix, adaptationMatrix));
 }
 
 bool ImplTonewrightDC::CalibrateRelative() {
@@ -165,13 +166,8 @@ bool ImplTonewrightDC::CalibrateRelative() {
 }
 
 bool ImplTonewrightDC::StoreTransform(const DoubleMatrix& matrix) {
-    const std::int32_t terms = matrix.GetColumns();
-    if (!transform.Set(3 * terms, CTivData::FormatFloat, nullptr, false)) return false;
-    auto* values = static_cast<float*>(transform.GetDataPointer());
-    for (std::int32_t row = 0; row < 3; ++row) {
-        values = std::transform(matrix[row], matrix[row] + terms, values,
-                                [](double value) { return static_cast<float>(value); });
-    }
-    if (terms == 4) std::reverse_copy(values - colorTwist_.size(), values, colorTwist_.begin());
-    return calibrated = true;
+    if (!StoreRows(matrix, transform)) return false;
+    if (matrix.GetColumns() == 4) colorTwist_ = GetColorTwist(transform);
+    calibrated = true;
+    return true;
 }

@@ -24,7 +24,8 @@ std::int64_t PixelsFromRoi(const NurImage& image) {
 
 }  // namespace
 
-bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, const CTivVector& coefficients) {
+bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, const Coefficients& coefficients,
+                               std::vector<std::uint8_t>& untouched) const {
     const bool isRgb10 = calibratedFormat == CTivData::FormatRgb10;
     const bool isRgb16 = calibratedFormat == CTivData::FormatRgb16;
     const CTivData::Format format = isRgb10 || isRgb16 ? calibratedFormat : CTivData::FormatRgb;
@@ -47,34 +48,34 @@ bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, 
     } else if (!destination.Set(roi.width, roi.height, format, nullptr, false)) {
         return false;
     }
-    if (!coefficients.IsAllocated()) {
+    const CTivVector& values = coefficients.transform;
+    if (!values.IsAllocated()) {
         return Refuse(
             "CTivTonewrightDC::Execute => no transformation matrix. Use Calibrate or SetXForm to provide one.");
     }
-    const std::int32_t terms = parameters.terms;
-    if (coefficients.GetSize() != 3 * std::int64_t{terms}) {
+    if (values.GetSize() != 3 * std::int64_t{coefficients.terms}) {
         return Refuse(
             "CTivTonewrightDC::Execute => Actual transformation vector and Actual XformSize parameter are not the "
             "same");
     }
-    if (coefficients.GetFormat() != CTivData::FormatFloat) {
+    if (values.GetFormat() != CTivData::FormatFloat) {
         return Refuse("CTivTonewrightDC::Execute => transformation vector must contain float elements");
     }
     if (roi.width <= 0 || roi.height <= 0 || !source.IsAllocated() || !destination.IsAllocated()) return true;
     const NurImage& from = *source.GetRecord();
     const NurImage& to = *destination.GetRecord();
-    const auto* values = static_cast<const float*>(coefficients.GetDataPointer());
-    if (isRgb10) return RunPolynomial<PixelRgb10>(from, to, values, channelLut10_);
-    if (isRgb16) return RunPolynomial<PixelRgb16>(from, to, values, channelLut16_);
-    if (terms != 4) return RunPolynomial<PixelRgb>(from, to, values, channelLut8_);
-    return RunTwist(from, to);
+    if (isRgb10) return RunPolynomial<PixelRgb10>(from, to, coefficients, channelLut10_);
+    if (isRgb16) return RunPolynomial<PixelRgb16>(from, to, coefficients, channelLut16_);
+    if (coefficients.terms != 4) return RunPolynomial<PixelRgb>(from, to, coefficients, channelLut8_);
+    return RunTwist(from, to, coefficients.colorTwist, untouched);
 }
 
 template <class Pixel>
-bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& destination, const float* coefficients,
-                                     const GammaTable<Pixel>& table) const {
+bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& destination,
+                                     const Coefficients& coefficients, const GammaTable<Pixel>& table) const {
     constexpr auto bytes = static_cast<std::int64_t>(Pixel::bytes);
-    const auto row = GetPolynomialRow<Pixel>(parameters.terms, GetRowForm());
+    const auto row = GetPolynomialRow<Pixel>(coefficients.terms, GetRowForm());
+    const auto* values = static_cast<const float*>(coefficients.transform.GetDataPointer());
     const std::uint8_t* from = source.RoiRow(0);
     std::uint8_t* to = destination.RoiRow(0);
     const std::int64_t width = source.roi.width;
@@ -86,7 +87,7 @@ bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& des
     const std::int64_t stretch = isSamePlace || !Overlap(source, destination) ? width : 1;
     for (std::int32_t y = 0; y < source.roi.height; ++y) {
         for (std::int64_t x = 0; x < width; x += stretch) {
-            row(from + x * bytes, to + x * bytes, static_cast<std::size_t>(stretch), coefficients, table);
+            row(from + x * bytes, to + x * bytes, static_cast<std::size_t>(stretch), values, table);
         }
         from += sourceStep;
         to += destinationStep;
@@ -96,7 +97,8 @@ bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& des
 
 /// The fast path: a color twist on samples of 0 to 255, table, saturation. Samples and offset are not scaled as in the
 /// polynomial paths, negative results clip and rounding is to nearest: all deliberate.
-bool ImplTonewrightDC::RunTwist(const NurImage& source, const NurImage& destination) {
+bool ImplTonewrightDC::RunTwist(const NurImage& source, const NurImage& destination,
+                                const std::array<float, 12>& colorTwist, std::vector<std::uint8_t>& untouched) const {
     const std::uint8_t* const from = source.RoiRow(0);
     std::uint8_t* const to = destination.RoiRow(0);
     const std::int64_t width = source.roi.width;
@@ -119,14 +121,14 @@ bool ImplTonewrightDC::RunTwist(const NurImage& source, const NurImage& destinat
         std::uint8_t* const after = to + top * destination.Pitch();
         if (isShared) {  // the saturation test must see the pixels as they were
             const std::int64_t pixels = isCrossed ? sourcePixels : (rows - 1) * source.width + width;
-            untouched_.assign(before, before + pixels * kRgbBytes);
-            before = untouched_.data();
+            untouched.assign(before, before + pixels * kRgbBytes);
+            before = untouched.data();
         }
         const int status =
             isInPlace ? ctiv_ippiColorTwist32f_8u_AC4IR(after, destination.Pitch(), static_cast<int>(width),
-                                                        static_cast<int>(rows), colorTwist_)
+                                                        static_cast<int>(rows), colorTwist)
                       : ctiv_ippiColorTwist32f_8u_AC4R(before, source.Pitch(), after, destination.Pitch(),
-                                                       static_cast<int>(width), static_cast<int>(rows), colorTwist_);
+                                                       static_cast<int>(width), static_cast<int>(rows), colorTwist);
         if (status != 0) return Refuse("CTivTonewrightDC::Execute => failed applying color transformation");
         const EncodeRow encode = GetEncodeRow(GetRowForm());
         for (std::int64_t y = 0; y < rows; ++y) {

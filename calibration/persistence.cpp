@@ -33,14 +33,15 @@ bool ImplTonewrightDC::Load(const std::string& path) {
     return Calibrate();
 }
 
-bool ImplTonewrightDC::SaveXForm(const std::string& path, bool withSaturation) const {
+bool ImplTonewrightDC::SaveXForm(const std::string& path, const CTivVector& coefficients, std::int32_t terms,
+                                 bool withSaturation) const {
     if (!calibrated) return Refuse("CTivTonewrightDC::SaveXForm => invalid calibration. Cannot be saved.");
     SafeOutputFile file(path);
     if (!file.IsOpen()) return Refuse("CTivTonewrightDC::SaveXForm => cannot open file for saving");
     CoefficientHead head;
-    head.terms = parameters.terms;
+    head.terms = terms;
     if (withSaturation) head.saturation = GetSaturationFractions();
-    if (!WriteCoefficients(file.Stream(), head, transform)) return false;
+    if (!WriteCoefficients(file.Stream(), head, coefficients)) return false;
     return file.Commit() || Refuse("CTivTonewrightDC::SaveXForm => cannot write file");
 }
 
