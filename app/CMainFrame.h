@@ -4,6 +4,7 @@
 #include <QString>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "app/StudioState.h"
 #include "app/toolkit/Clock.h"
@@ -136,7 +137,10 @@ private:
     bool LoadParameterFile(const QString& path);
     void SyncControlsFromEngine();
     void PushColorsToEngine();
+    bool CalibrateAndExecute();
     bool CalibrateForSaving();
+    QString WhyChartIsIncomplete() const;
+    QString PrepareUpload(std::string& path);
     void SelectViewer(CImageViewerCtrl& viewer);
     void ApplyGamma(int hundredths);
     void ApplySaturation(int id, int value);

@@ -1,12 +1,13 @@
 #include "app/FrameMessage.h"
 
 #include <QMetaObject>
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "app/CMainFrame.h"
 
@@ -14,29 +15,36 @@ namespace frame_message {
 
 namespace {
 
-struct Road {
-    std::mutex lock;
-    std::condition_variable handled;
-    CMainFrame* frame = nullptr;  // null: closed
-};
-
-// Goes with the message, whether it was handled, threw or was dropped, and sets its sender free.
-class Ticket {
+// What one sender waits at. Opening it takes no lock, so that it may happen anywhere, also under the road's.
+class Gate {
 public:
-    Ticket(std::shared_ptr<Road> road, std::shared_ptr<bool> done) : road_(std::move(road)), done_(std::move(done)) {}
-    Ticket(const Ticket&) = delete;
-    Ticket& operator=(const Ticket&) = delete;
-    ~Ticket() {
-        {
-            const std::lock_guard hold(road_->lock);
-            *done_ = true;
-        }
-        road_->handled.notify_all();
+    void Open() {
+        open_ = true;
+        open_.notify_all();
     }
+    void Wait() const { open_.wait(false); }
 
 private:
-    std::shared_ptr<Road> road_;
-    std::shared_ptr<bool> done_;
+    std::atomic<bool> open_ = false;
+};
+
+struct Road {
+    std::mutex lock;
+    CMainFrame* frame = nullptr;  // null: closed
+    std::vector<std::shared_ptr<Gate>> gates;
+};
+
+// Goes with the message, whether it was handled, threw or was dropped, and sets its sender free. Its last holder may be
+// the sender itself, where the window was quicker.
+class Ticket {
+public:
+    explicit Ticket(std::shared_ptr<Gate> gate) : gate_(std::move(gate)) {}
+    Ticket(const Ticket&) = delete;
+    Ticket& operator=(const Ticket&) = delete;
+    ~Ticket() { gate_->Open(); }
+
+private:
+    std::shared_ptr<Gate> gate_;
 };
 
 // A thread that is late may still hold it when the process ends.
@@ -53,24 +61,27 @@ void Open(CMainFrame& frame) {
 }
 
 void Close() {
-    {
-        const std::lock_guard hold(road()->lock);
-        road()->frame = nullptr;
-    }
-    road()->handled.notify_all();
+    const std::lock_guard hold(road()->lock);
+    road()->frame = nullptr;
+    for (const auto& gate : road()->gates) gate->Open();
 }
 
 void Send(int bufferIndex) {
     const std::shared_ptr<Road> own = road();
-    const auto done = std::make_shared<bool>(false);
-    std::unique_lock hold(own->lock);
-    CMainFrame* const frame = own->frame;
-    if (!frame) return;
-    // The window can't go while the road is open and locked, so posting to it is safe.
-    QMetaObject::invokeMethod(
-        frame, [frame, bufferIndex, ticket = std::make_shared<Ticket>(own, done)] { frame->OnFrameReady(bufferIndex); },
-        Qt::QueuedConnection);
-    own->handled.wait(hold, [&] { return *done || own->frame != frame; });
+    const auto gate = std::make_shared<Gate>();
+    {
+        // The window can't go while the road is open and locked, so posting to it is safe.
+        const std::lock_guard hold(own->lock);
+        CMainFrame* const frame = own->frame;
+        if (!frame) return;
+        own->gates.push_back(gate);
+        QMetaObject::invokeMethod(
+            frame, [frame, bufferIndex, ticket = std::make_shared<Ticket>(gate)] { frame->OnFrameReady(bufferIndex); },
+            Qt::QueuedConnection);
+    }
+    gate->Wait();
+    const std::lock_guard hold(own->lock);
+    std::erase(own->gates, gate);
 }
 
 }  // namespace frame_message

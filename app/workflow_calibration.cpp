@@ -42,14 +42,19 @@ int numberIn(const QString& text) {
     return static_cast<int>(std::clamp(number, -1000000L, 1000000L));
 }
 
+bool isLike(const CTivImage& one, const CTivImage& other) {
+    return one.GetWidth() == other.GetWidth() && one.GetHeight() == other.GetHeight() &&
+           one.GetFormat() == other.GetFormat();
+}
+
 }  // namespace
 
-// Whatever the setters refuse, Calibrate tells what is missing.
+// Whatever the setters refuse, Calibrate tells what is missing. Without a picture the colors that a file brought stay.
 void CMainFrame::PushColorsToEngine() {
     CTivTonewrightDC& engine = GetEngine();
     if (m_manualColors) {
         engine.SetRawColors(m_rawColorWnd->GetRawColors());
-    } else {
+    } else if (m_rawViewer->Image().IsAllocated()) {
         m_rawViewer->DetectPatches();
         engine.SetRawColors(m_rawViewer->GetRawColors());
     }
@@ -59,7 +64,7 @@ void CMainFrame::PushColorsToEngine() {
     } else if (engine.GetCalibrationMode() == kRelative) {
         if (m_manualColors) {
             engine.SetReferenceColors(m_rawColorWnd->GetReferenceColors());
-        } else {
+        } else if (m_refViewer->Image().IsAllocated()) {
             m_refViewer->DetectPatches();
             engine.SetReferenceColors(m_refViewer->GetRawColors());
         }
@@ -79,19 +84,25 @@ void CMainFrame::OnCalibratePreview() {
     m_calibViewer->ClearOverlays();
     m_calibViewer->Image().Clear();
     ShowPane(*m_calibPane);
-    PushColorsToEngine();
-    if (!GetEngine().Calibrate()) {
+    if (!CalibrateAndExecute()) {
         LogLastError(LogError);
-        return;
-    }
-    m_rawViewer->Image().SetRoi({});
-    if (!GetEngine().Execute(m_rawViewer->Image(), m_calibViewer->Image())) {
-        LogLastError(LogError);
+        // Nothing stays that looks like a result or could be saved as one.
+        m_calibViewer->Image().Free();
+        m_calibViewer->update();
         return;
     }
     FitIfLarger(*m_calibViewer);
     m_calibViewer->repaint();
     m_previewActive = true;
+}
+
+bool CMainFrame::CalibrateAndExecute() {
+    PushColorsToEngine();
+    if (!GetEngine().Calibrate()) return false;
+    m_rawViewer->Image().SetRoi({});
+    // A picture left from an image of another kind would keep its own size: the transform makes a new one.
+    if (!isLike(m_calibViewer->Image(), m_rawViewer->Image())) m_calibViewer->Image().Free();
+    return GetEngine().Execute(m_rawViewer->Image(), m_calibViewer->Image());
 }
 
 void CMainFrame::RerunPreview() {

@@ -56,9 +56,7 @@ void RawColorSide::Clear() {
 }
 
 CTivVector RawColorSide::GetColors() const {
-    CTivVector colors;
-    if (entries_.empty()) return colors;
-    colors.Set(static_cast<int>(entries_.size()), CTivData::FormatRgb, nullptr, true);
+    CTivVector colors(static_cast<int>(entries_.size()), CTivData::FormatRgb, nullptr, true);
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         colors.SetData(static_cast<int>(i), CTivData(CTivData::FormatRgb, entries_[i].color));
     }

@@ -47,12 +47,12 @@ CTivVector CAutoROIImageViewer::Deliver(const PatchColors& measured) {
 }
 
 CTivVector CAutoROIImageViewer::GetRawColors() {
-    if (!m_chartSize) return {};
+    if (!Image().IsAllocated() || !m_chartSize) return {};
     return Deliver(m_detector.GetRawColors(Image(), RoiOfChart(), *m_chartSize));
 }
 
 CTivVector CAutoROIImageViewer::GetOrientedRawColors() {
-    if (!m_chartSize) return {};
+    if (!Image().IsAllocated() || !m_chartSize) return {};
     return Deliver(m_detector.GetOrientedRawColors(Image(), RoiOfChart(), *m_chartSize));
 }
 

@@ -10,6 +10,8 @@
 #include <QTimer>
 #include <atomic>
 #include <functional>
+#include <memory>
+#include <random>
 #include <thread>
 
 #include "acquisition/zvn/CAbortDlg.h"
@@ -132,6 +134,31 @@ TEST_F(FrameMessage, ClosingTheRoadSetsTheSenderFreeAndDropsWhatComesLater) {
     sender.join();
     std::thread late([] { AcquisitionCallback(nullptr, 0); });
     late.join();
+}
+
+// The window is sometimes quicker than its sender, which must not be left waiting then; and it may close at any moment.
+TEST_F(FrameMessage, AThousandFramesPassInEachRunAndTheWindowClosesAmongThem) {
+    std::mt19937 random(5);
+    QTimer heartbeat;  // the loop below waits for events, and has to look up where none comes
+    heartbeat.start(50);
+    for (int run = 0; run < 20; ++run) {
+        const auto sent = std::make_shared<std::atomic<int>>(0);
+        // Not joined where it hangs: the test has to end.
+        std::thread([sent] {
+            for (int i = 0; i < 1000; ++i, ++*sent) frame_message::Send(0);
+        }).detach();
+        const int closeAt = run == 0 ? 1000 : static_cast<int>(random() % 1000);
+        QElapsedTimer clock;
+        clock.start();
+        while (*sent < closeAt && clock.elapsed() < 20000) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        ASSERT_GE(*sent, closeAt) << run;
+        frame.reset();
+        for (int wait = 0; wait < 1000 && *sent < 1000; ++wait) QThread::msleep(10);
+        ASSERT_EQ(*sent, 1000) << run;
+        Start();
+    }
 }
 
 TEST(QtPrompts, QuestionAnswersByItsButton) {

@@ -106,29 +106,36 @@ protected:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content.data(), static_cast<qint64>(content.size()));
     }
-    /// A chart of 6 x 4 patches of 40 pixels on black, each of another color, white at the bottom left.
-    QString WriteChart(const QString& name) const {
-        CTivImage image(400, 280, CTivData::FormatRgb, nullptr, true);
-        for (int patch = 0; patch < 24; ++patch) {
-            const int row = patch / 6, column = patch % 6;
-            const auto shade = static_cast<std::uint8_t>(row == 3 ? 240 - 30 * column : 90 + 7 * patch);
-            const auto green = static_cast<std::uint8_t>(row == 3 ? shade : 110 + (patch * 53) % 120);
-            const auto blue = static_cast<std::uint8_t>(row == 3 ? shade : 100 + (patch * 31) % 110);
-            for (int y = 0; y < 40; ++y) {
-                for (int x = 0; x < 40; ++x) {
-                    image.SetData(30 + 60 * column + x, 30 + 60 * row + y, CTivData::Rgb(shade, green, blue));
+    /// A chart of 6 x 4 patches on black, each of another color, white at the bottom left.
+    /// @param patch side of a patch in pixels; the picture is 10 x 7 of them @param rows of patches that are there
+    QString WriteChart(const QString& name, int patch = 40, int rows = 4) const {
+        CTivImage image(10 * patch, 7 * patch, CTivData::FormatRgb, nullptr, true);
+        for (int i = 0; i < 6 * rows; ++i) {
+            const int row = i / 6, column = i % 6;
+            const auto shade = static_cast<std::uint8_t>(row == 3 ? 240 - 30 * column : 90 + 7 * i);
+            const auto green = static_cast<std::uint8_t>(row == 3 ? shade : 110 + (i * 53) % 120);
+            const auto blue = static_cast<std::uint8_t>(row == 3 ? shade : 100 + (i * 31) % 110);
+            for (int y = 0; y < patch; ++y) {
+                for (int x = 0; x < patch; ++x) {
+                    image.SetData(patch * 3 / 4 + patch * 3 / 2 * column + x, patch * 3 / 4 + patch * 3 / 2 * row + y,
+                                  CTivData::Rgb(shade, green, blue));
                 }
             }
         }
         EXPECT_TRUE(image.Save(Path(name).toStdString(), 5)) << LastError();
         return Path(name);
     }
-    void LoadChart() {
-        prompts.path = WriteChart("chart.bmp");
+    void LoadChart(int patch = 40, int rows = 4) {
+        prompts.path = WriteChart("chart.bmp", patch, rows);
         Run(ID_BTN_ACQ_LOAD_RAW_IMAGE);
         prompts.path.clear();
     }
-    /// Connects with the one simulated server.
+    std::string Read(const QString& name) const {
+        QFile file(Path(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+        return file.readAll().toStdString();
+    }
+    /// Connects with the first of the simulated servers.
     void Connect(const std::string& ini) {
         Simulate(ini);
         const std::string server = ini.substr(1, ini.find(']') - 1);

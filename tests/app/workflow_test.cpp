@@ -1,6 +1,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QTest>
+#include <cstring>
 
 #include "acquisition/zvn/CAbortDlg.h"
 #include "app/panes/CRawColorWnd.h"
@@ -344,6 +345,102 @@ TEST_F(Workflow, AGrabberWithoutCoefficientsIsCalibratedBeforeTheUpload) {
     EXPECT_TRUE(frame->CoefficientFile().isEmpty());
     EXPECT_EQ(Log(), (Rows{{kTransferWarning, LogWarning}, {"Cannot create link to device.", LogError}}));
     QDir::setCurrent(QDir::rootPath());
+}
+
+// The road of a grabber whose coefficients lie in the camera behind it: what the camera keeps must be a calibration.
+TEST_F(Workflow, NothingThatCannotBeACalibrationReachesADevice) {
+    QDir(folder.path()).mkdir("memory");
+    QDir::setCurrent(folder.path());
+    const auto upload = [&] {
+        Run(ID_BTN_CLEAR_LOG);
+        Write("memory/ColorCorrectionMatrix", "the factory's");
+        Run(ID_BTN_CALIBRATE_DEVICE);
+        ASSERT_EQ(Log().size(), 2u);
+        EXPECT_EQ(Log()[0], (LogRow{kTransferWarning, LogWarning}));
+    };
+    const auto expectRefusal = [&](const std::string& text, const char* state) {
+        upload();
+        EXPECT_EQ(Log().back(), (LogRow{text, LogError})) << state;
+        EXPECT_EQ(Read("memory/ColorCorrectionMatrix"), "the factory's") << state;
+    };
+    Connect(
+        "[Grabber]\nkind = frame grabber\nwidth = 8\nheight = 4\nformat = RGB 32\n"
+        "[A Camera_Link]\nkind = Camera Link camera\nwidth = 8\nheight = 4\nformat = RGB 32\nfiles = memory\n");
+    expectRefusal(kNoRawColors, "no picture");
+    LoadChart(40, 3);
+    expectRefusal("Nothing was sent: in the raw image 3 of 4 rows and 6 of 6 columns of the chart were found.",
+                  "a row short");
+    LoadChart(40, 0);
+    expectRefusal("Nothing was sent: in the raw image 0 of 4 rows and 0 of 6 columns of the chart were found.",
+                  "no chart");
+    LoadChart();
+    Run(ID_BTN_METHOD_RELATIVE);
+    prompts.path = WriteChart("dark.bmp", 40, 2);
+    Run(ID_BTN_ACQ_LOAD_REF_IMAGE);
+    expectRefusal("Nothing was sent: in the reference image 2 of 4 rows and 6 of 6 columns of the chart were found.",
+                  "reference a row short");
+    Run(ID_BTN_METHOD_ABSOLUTE);
+    upload();
+    EXPECT_EQ(Log().back(), (LogRow{"Finished successfully !", LogInformation}));
+    EXPECT_EQ(Read("memory/ColorCorrectionMatrix"), Read("__upload__.ccor"));
+
+    // Somebody else's file, of the one kind that loading takes.
+    const float offsets[12] = {0.3f, 0, 0, 0, 0.3f, 0, 0, 0, 0.3f, 0, 0, 0};
+    prompts.path = Path("chosen.ccor");
+    Run(ID_BTN_SAVE_CAMERA_FILE);
+    std::string file = Read("chosen.ccor");
+    file.replace(file.size() - sizeof offsets, sizeof offsets, reinterpret_cast<const char*>(offsets), sizeof offsets);
+    Write("chosen.ccor", file);
+    Run(ID_BTN_LOAD_CAMERA_FILE);
+    expectRefusal(
+        "Nothing was sent: the red row of the transform has no weight: red would be the same for every color.",
+        "offsets alone");
+    QDir::setCurrent(QDir::rootPath());
+}
+
+TEST_F(Workflow, ParametersFromAFileCountUntilThereIsAPicture) {
+    LoadChart();
+    prompts.path = Path("kept.twkp");
+    Run(ID_BTN_PARAM_SAVE);
+    prompts.path = Path("first.ccor");
+    Run(ID_BTN_SAVE_CAMERA_FILE);
+
+    GetEngine().Reset();
+    Start();
+    Run(ID_BTN_SAVE_CAMERA_FILE);
+    EXPECT_EQ(Log(), (Rows{{kNoRawColors, LogError}}));
+    prompts.path = Path("kept.twkp");
+    Run(ID_BTN_PARAM_LOAD);
+    prompts.path = Path("second.ccor");
+    Run(ID_BTN_SAVE_CAMERA_FILE);
+    EXPECT_EQ(Read("first.ccor"), Read("second.ccor"));
+}
+
+TEST_F(Workflow, APreviewHasTheSizeOfItsOwnPicture) {
+    for (const int patch : {40, 20, 60}) {
+        LoadChart(patch);
+        Run(ID_BTN_CALIBRATE_PREVIEW);
+        EXPECT_TRUE(Log().empty());
+        const CTivImage& preview = frame->CalibratedViewer().Image();
+        ASSERT_EQ(preview.GetWidth(), 10 * patch);
+        ASSERT_EQ(preview.GetHeight(), 7 * patch);
+        CTivImage expected;
+        ASSERT_TRUE(GetEngine().Execute(frame->RawViewer().Image(), expected));
+        EXPECT_EQ(std::memcmp(preview.GetData(), expected.GetData(), static_cast<std::size_t>(280 * patch * patch)), 0);
+    }
+}
+
+TEST_F(Workflow, AnEmptiedListCalibratesWithNothing) {
+    LoadChart();
+    Run(ID_BTN_COLOR_MANUAL);
+    for (int i = 0; i < 24; ++i) Run(ID_COLOR_ADD_BY_HAND);
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    EXPECT_TRUE(Log().empty());
+    EXPECT_TRUE(IsEnabled(ID_BTN_ACQ_SAVE_IMAGE_AS));
+    Run(ID_COLOR_LIST_CLEAR);
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    EXPECT_EQ(Log(), (Rows{{kNoRawColors, LogError}}));
+    EXPECT_FALSE(IsEnabled(ID_BTN_ACQ_SAVE_IMAGE_AS)) << "there is nothing to save";
 }
 
 // The processing thread waits for a window that no longer takes its message.
