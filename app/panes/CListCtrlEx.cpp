@@ -8,13 +8,11 @@
 #include <cmath>
 #include <utility>
 
-namespace {
+#include "app/panes/CellTable.h"
 
-const QColor kDimmedText(0x66, 0x66, 0x66);
-
-}  // namespace
-
-CListCtrlEx::CListCtrlEx(QWidget* parent) : QTableWidget(parent) {
+CListCtrlEx::CListCtrlEx(const QStringList& headers, bool numbered, QWidget* parent)
+    : QTableView(parent), cells_(new CellTable(headers, numbered, this)) {
+    setModel(cells_);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setTabKeyNavigation(false);
@@ -23,8 +21,8 @@ CListCtrlEx::CListCtrlEx(QWidget* parent) : QTableWidget(parent) {
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setMinimumSectionSize(0);
     setWordWrap(false);
-    connect(this, &QTableWidget::cellDoubleClicked, this, [this](int row, int column) {
-        if (editable_ && column > 0) EditCell(row, column);
+    connect(this, &QTableView::doubleClicked, this, [this](const QModelIndex& cell) {
+        if (editable_ && cell.column() > 0) EditCell(cell.row(), cell.column());
     });
 }
 
@@ -33,35 +31,26 @@ void CListCtrlEx::SetEditable(bool editable) {
     if (!editable) EndEdit();
 }
 
-void CListCtrlEx::SetDimmed(bool dimmed) {
-    QPalette colors = QApplication::palette(this);
-    if (dimmed) colors.setColor(QPalette::Text, kDimmedText);
-    setPalette(colors);
-}
+void CListCtrlEx::SetDimmed(bool dimmed) { cells_->SetDimmed(dimmed); }
+
+int CListCtrlEx::RowCount() const { return cells_->rowCount(); }
+
+QString CListCtrlEx::CellText(int row, int column) const { return cells_->Text(row, column); }
 
 float CListCtrlEx::CellNumber(int row, int column) const {
-    const QTableWidgetItem* cell = item(row, column);
-    if (!cell) return 0.0f;
     // Whatever the desktop's language: the number ends where text begins, as in "0.5 cd" or "0,5".
-    const QByteArray text = cell->text().trimmed().toLatin1();
+    const QByteArray text = CellText(row, column).trimmed().toLatin1();
     const char* const begin = text.constData() + (text.startsWith('+') ? 1 : 0);
     float value = 0;
     const auto [end, error] = std::from_chars(begin, text.constData() + text.size(), value);
     return error == std::errc{} && std::isfinite(value) ? value : 0.0f;
 }
 
-void CListCtrlEx::SetCellText(int row, int column, const QString& text) {
-    QTableWidgetItem* cell = item(row, column);
-    if (!cell) {
-        cell = new QTableWidgetItem;
-        setItem(row, column, cell);
-    }
-    cell->setText(text);
-}
+void CListCtrlEx::SetCellText(int row, int column, const QString& text) { cells_->SetText(row, column, text); }
 
 QRect CListCtrlEx::CellRect(int row, int column) const {
     const int rowHeight = verticalHeader()->defaultSectionSize();
-    const int top = row < rowCount() ? rowViewportPosition(row) : rowViewportPosition(rowCount() - 1) + rowHeight;
+    const int top = row < RowCount() ? rowViewportPosition(row) : rowViewportPosition(RowCount() - 1) + rowHeight;
     QRect cell(columnViewportPosition(column), top, columnWidth(column), rowHeight);
     cell.setRight(std::min(cell.right(), viewport()->width() - 1));
     return cell.adjusted(-1, -1, 1, 1);
@@ -71,13 +60,12 @@ void CListCtrlEx::EditCell(int row, int column) {
     EndEdit();
     editedRow_ = row;
     editedColumn_ = column;
-    const QTableWidgetItem* cell = item(row, column);
-    if (cell) scrollToItem(cell);
-    editor_ = new CInPlaceEdit(*this, CellRect(row, column), cell ? cell->text() : QString());
+    if (row < RowCount()) scrollTo(cells_->index(row, column));
+    editor_ = new CInPlaceEdit(*this, CellRect(row, column), CellText(row, column));
 }
 
 void CListCtrlEx::Commit(const QString& text) {
-    if (editedRow_ < 0 || editedRow_ >= rowCount()) return;
+    if (editedRow_ < 0 || editedRow_ >= RowCount()) return;
     if (allowEmpty_ || !text.isEmpty()) SetCellText(editedRow_, editedColumn_, text);
 }
 
@@ -93,7 +81,7 @@ void CListCtrlEx::EndEdit() {
 void CListCtrlEx::MoveOn() {
     int row = editedRow_;
     int column = editedColumn_ + 1;
-    if (column >= columnCount()) {
+    if (column >= cells_->columnCount()) {
         column = 1;
         ++row;
     }
@@ -103,6 +91,7 @@ void CListCtrlEx::MoveOn() {
 
 CInPlaceEdit::CInPlaceEdit(CListCtrlEx& list, const QRect& place, const QString& text)
     : QLineEdit(text, list.viewport()), list_(list) {
+    setAcceptDrops(false);  // a file belongs to the window
     setFont(list.font());
     setFrame(true);
     setTextMargins(1, 0, 1, 0);

@@ -1,21 +1,25 @@
 #pragma once
 
 #include <QLineEdit>
-#include <QTableWidget>
+#include <QTableView>
 
 class CInPlaceEdit;
+class CellTable;
 
 /// A list whose cells are edited in place: a double click in any column but the first opens an editor over the cell.
-class CListCtrlEx : public QTableWidget {
+class CListCtrlEx : public QTableView {
     Q_OBJECT
 public:
-    explicit CListCtrlEx(QWidget* parent = nullptr);
+    /// @param numbered whether the first column shows the rows' numbers from 1
+    CListCtrlEx(const QStringList& headers, bool numbered, QWidget* parent);
 
     void SetEditable(bool editable);  ///< off at first; turning it off ends a running edit without a commit
     bool IsEditable() const { return editable_; }
     void SetAllowEmpty(bool allow) { allowEmpty_ = allow; }
     void SetDimmed(bool dimmed);  ///< gray text
 
+    int RowCount() const;
+    QString CellText(int row, int column) const;
     /// @return the cell's text read as a number, 0 for what does not begin with one
     float CellNumber(int row, int column) const;
     void SetCellText(int row, int column, const QString& text);
@@ -26,6 +30,9 @@ public:
     int EditedRow() const { return editedRow_; }         ///< -1 for none
     int EditedColumn() const { return editedColumn_; }
 
+protected:
+    CellTable& Cells() { return *cells_; }
+
 private:
     friend class CInPlaceEdit;
     void Commit(const QString& text);  ///< writes the text into the edited cell, if there is one
@@ -33,6 +40,7 @@ private:
     void MoveOn();
     QRect CellRect(int row, int column) const;
 
+    CellTable* cells_;
     CInPlaceEdit* editor_ = nullptr;
     int editedRow_ = -1;
     int editedColumn_ = -1;

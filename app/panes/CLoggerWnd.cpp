@@ -1,6 +1,7 @@
 #include "app/panes/CLoggerWnd.h"
 
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
 #include <algorithm>
@@ -21,6 +22,21 @@ public:
     QString displayText(const QVariant& value, const QLocale&) const override { return oneLine(value.toString()); }
 };
 
+/// A list that shows its newest row and goes on doing so when a row comes, the pane changes its size or a column grows,
+/// until the user scrolls back.
+class NewestRowList : public QTableWidget {
+public:
+    using QTableWidget::QTableWidget;
+
+protected:
+    void updateGeometries() override {
+        QScrollBar& bar = *verticalScrollBar();
+        const bool showsNewest = bar.value() == bar.maximum();
+        QTableWidget::updateGeometries();
+        if (showsNewest) bar.setValue(bar.maximum());
+    }
+};
+
 QString timeText(const QDateTime& now) {
     const QTime time = now.time();
     const QDate date = now.date();
@@ -33,7 +49,7 @@ QString timeText(const QDateTime& now) {
 CLoggerWnd::CLoggerWnd(const Clock& clock, QWidget* parent)
     : QDockWidget("Logs", parent),
       clock_(clock),
-      list_(new QTableWidget(0, ColumnCount, this)),
+      list_(new NewestRowList(0, ColumnCount, this)),
       icons_{QIcon(":/icons/log-error.svg"), QIcon(":/icons/log-warning.svg"), QIcon(":/icons/log-information.svg")} {
     list_->setHorizontalHeaderLabels({"Type", "Time", "Message"});
     list_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -67,9 +83,9 @@ void CLoggerWnd::AddMessage(const QString& text, int type) {
     const QFontMetrics metrics = list_->fontMetrics();
     FitColumns({isKnown ? kIconPixels : metrics.horizontalAdvance(sign->text()), metrics.horizontalAdvance(time),
                 metrics.horizontalAdvance(oneLine(text))});
-    list_->scrollToItem(list_->item(row, ColumnType));
     show();
     raise();
+    list_->scrollToBottom();       // after the layout: only now is it known how many rows fit
     list_->viewport()->repaint();  // at once: what the caller does next may take long
 }
 

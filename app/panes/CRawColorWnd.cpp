@@ -26,8 +26,8 @@ QBoxLayout* captioned(const QString& caption, QWidget* list) {
 CRawColorWnd::CRawColorWnd(QWidget* parent) : QDockWidget("Raw Color List", parent) {
     setObjectName("RawColorList");
     auto* content = new QWidget(this);
-    rawList_ = new CRawColorListCtrl(content);
-    referenceList_ = new CRawColorListCtrl(content);
+    rawList_ = new CRawColorListCtrl(lists_.raw, content);
+    referenceList_ = new CRawColorListCtrl(lists_.reference, content);
     auto* sides = new QHBoxLayout;
     sides->addLayout(captioned(" Raw colors", rawList_), 1);
     sides->addLayout(captioned(" Reference colors", referenceList_), 1);
@@ -109,18 +109,19 @@ void CRawColorWnd::ReplaceOrAdd() {
     Refresh();
 }
 
-void CRawColorWnd::Remove() {
-    Side().Remove(SideList().SelectedRow());
-    SideList().clearSelection();
-    Refresh();
+// The other selected rows stay so: the next press takes the next of them.
+void CRawColorWnd::RemoveFromSide(std::optional<std::size_t> selected) {
+    ClearCross();
+    const std::optional<std::size_t> gone = Side().Remove(selected);
+    if (gone) SideList().RowRemoved(static_cast<int>(*gone));
 }
 
-void CRawColorWnd::RemoveLast() {
-    Side().Remove(std::nullopt);
-    Refresh();
-}
+void CRawColorWnd::Remove() { RemoveFromSide(SideList().SelectedRow()); }
+
+void CRawColorWnd::RemoveLast() { RemoveFromSide(std::nullopt); }
 
 void CRawColorWnd::Clear() {
+    ClearCross();
     lists_.ClearBoth();
     Refresh();
 }
@@ -141,8 +142,17 @@ void CRawColorWnd::ClearSide(bool rawSide) {
 }
 
 void CRawColorWnd::Refresh() {
-    rawList_->Show(lists_.raw);
-    referenceList_->Show(lists_.reference);
+    rawList_->Refresh();
+    referenceList_->Refresh();
+}
+
+// The cross of a row does not outlive it.
+void CRawColorWnd::ClearCross() {
+    for (CAutoROIImageViewer* viewer : {rawViewer_, referenceViewer_}) {
+        if (!viewer) continue;
+        viewer->ImageOverlay().ClearCrosses();
+        viewer->update();
+    }
 }
 
 void CRawColorWnd::ShowSelectedEntry() {

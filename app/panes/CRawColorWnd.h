@@ -48,7 +48,9 @@ private:
     RawColorSide& Side();
     CRawColorListCtrl& SideList();
     std::optional<RawColorEntry> PickFromRoi() const;
+    void RemoveFromSide(std::optional<std::size_t> selected);
     void Refresh();
+    void ClearCross();
     void ApplyDimming();
 
     RawColorLists lists_;

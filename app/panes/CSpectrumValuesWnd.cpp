@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "app/panes/CLoggerWnd.h"
+#include "app/panes/CellTable.h"
 #include "app/toolkit/Profile.h"
 #include "app/toolkit/Prompts.h"
 #include "chart/CCSVParser.h"
@@ -34,41 +35,34 @@ QPushButton* addButton(QBoxLayout* row, int id, const QString& text) {
 
 }  // namespace
 
-CIlluminantValue::CIlluminantValue(QWidget* parent) : CListCtrlEx(parent) {
-    setColumnCount(4);
-    setRowCount(1);
-    setHorizontalHeaderLabels({"", "X", "Y", "Z"});
+CIlluminantValue::CIlluminantValue(QWidget* parent) : CListCtrlEx({"", "X", "Y", "Z"}, false, parent) {
+    Cells().Resize(1, "0");
     setColumnWidth(0, 0);
     for (int column = 1; column < 4; ++column) setColumnWidth(column, kIlluminantColumn);
     horizontalHeader()->setSectionsClickable(false);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFixedHeight(horizontalHeader()->sizeHint().height() + verticalHeader()->defaultSectionSize() + 2 * frameWidth());
     // A long number widens its column, so that none is cut off.
-    connect(this, &QTableWidget::itemChanged, this, [this](const QTableWidgetItem* cell) {
-        setColumnWidth(cell->column(), std::max(kIlluminantColumn, sizeHintForColumn(cell->column())));
+    connect(model(), &QAbstractItemModel::dataChanged, this, [this](const QModelIndex& cell) {
+        setColumnWidth(cell.column(), std::max(kIlluminantColumn, sizeHintForColumn(cell.column())));
     });
-    Reset();
 }
 
 void CIlluminantValue::Reset() {
     for (int column = 1; column < 4; ++column) SetCellText(0, column, "0");
 }
 
-CSpectrumValuesListCtrl::CSpectrumValuesListCtrl(QWidget* parent) : CListCtrlEx(parent) {
-    setColumnCount(4);
-    setHorizontalHeaderLabels({"ID", "X", "Y", "Z"});
+CSpectrumValuesListCtrl::CSpectrumValuesListCtrl(QWidget* parent) : CListCtrlEx({"ID", "X", "Y", "Z"}, true, parent) {
     setColumnWidth(0, kNumberColumn);
     for (int column = 1; column < 4; ++column) setColumnWidth(column, kValueColumn);
     horizontalHeader()->setSectionsClickable(false);
 }
 
-void CSpectrumValuesListCtrl::Resize(int rows) {
-    const int before = rowCount();
-    setRowCount(std::max(rows, 1));
-    for (int row = before; row < rowCount(); ++row) {
-        SetCellText(row, 0, QString::number(row + 1));
-        for (int column = 1; column < 4; ++column) SetCellText(row, column, kZeroCell);
-    }
+void CSpectrumValuesListCtrl::Resize(int rows) { Cells().Resize(std::max(rows, 1), kZeroCell); }
+
+void CSpectrumValuesListCtrl::Reset(int rows) {
+    Cells().Resize(0, {});
+    Resize(rows);
 }
 
 CSpectrumValuesWnd::CSpectrumValuesWnd(QWidget* parent) : QDockWidget("User Values", parent) {
@@ -83,18 +77,21 @@ CSpectrumValuesWnd::CSpectrumValuesWnd(QWidget* parent) : QDockWidget("User Valu
     layout->addWidget(illuminantList_);
     layout->addWidget(new QLabel("Spectrum Values"));
     layout->addWidget(spectrumList_, 1);
-    auto* buttons = new QHBoxLayout;
-    connect(addButton(buttons, 2, "Load Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::LoadValues);
-    connect(addButton(buttons, 3, "Save Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::SaveValues);
-    connect(addButton(buttons, 4, "Matrix Size"), &QPushButton::clicked, this, &CSpectrumValuesWnd::EditMatrixSize);
-    layout->addLayout(buttons);
+    // In two rows: three buttons side by side would not let the pane be as narrow as it first is.
+    auto* files = new QHBoxLayout;
+    auto* below = new QHBoxLayout;
+    connect(addButton(files, 2, "Load Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::LoadValues);
+    connect(addButton(files, 3, "Save Values"), &QPushButton::clicked, this, &CSpectrumValuesWnd::SaveValues);
+    connect(addButton(below, 4, "Matrix Size"), &QPushButton::clicked, this, &CSpectrumValuesWnd::EditMatrixSize);
+    layout->addLayout(files);
+    layout->addLayout(below);
     setWidget(content);
     ResetValues();
 }
 
 CTivVector CSpectrumValuesWnd::GetSpectrumValues() const {
-    CTivVector values(spectrumList_->rowCount(), CTivData::FormatColorFloat, nullptr, true);
-    for (int row = 0; row < spectrumList_->rowCount(); ++row) {
+    CTivVector values(spectrumList_->RowCount(), CTivData::FormatColorFloat, nullptr, true);
+    for (int row = 0; row < spectrumList_->RowCount(); ++row) {
         const float xyz[4] = {spectrumList_->CellNumber(row, 1), spectrumList_->CellNumber(row, 2),
                               spectrumList_->CellNumber(row, 3), 0.0f};
         values.SetData(row, CTivData::ColorFloat(xyz));
@@ -141,8 +138,7 @@ void CSpectrumValuesWnd::SetEnabled(bool enabled) {
 void CSpectrumValuesWnd::ResetValues() {
     SetEnabled(false);
     illuminantList_->Reset();
-    spectrumList_->setRowCount(0);
-    spectrumList_->Resize(chartSize_.Width * chartSize_.Height);
+    spectrumList_->Reset(chartSize_.Width * chartSize_.Height);
 }
 
 bool CSpectrumValuesWnd::AskMatrixSize() {

@@ -25,6 +25,7 @@ public:
     explicit CSpectrumValuesListCtrl(QWidget* parent);
     /// Adds rows of zeros or removes rows from the end; one row always stays.
     void Resize(int rows);
+    void Reset(int rows);  ///< all of them zeros
 };
 
 /// The pane "User Values": XYZ of the chart's patches and of the white reference under the user's own light. It also

@@ -25,18 +25,19 @@ void RawColorSide::ReplaceOrAdd(std::optional<std::size_t> selected, const RawCo
     entries_[*selected] = entry;
 }
 
-void RawColorSide::Remove(std::optional<std::size_t> selected) {
+std::optional<std::size_t> RawColorSide::Remove(std::optional<std::size_t> selected) {
     if (selected && *selected < std::min(rows_.size(), entries_.size())) {
         const auto at = static_cast<std::ptrdiff_t>(*selected);
         rows_.erase(rows_.begin() + at);
         entries_.erase(entries_.begin() + at);
         for (std::size_t i = *selected; i < rows_.size(); ++i) rows_[i].label = static_cast<int>(i) + 1;
-        return;
+        return selected;
     }
-    if (rows_.empty() || images_.empty()) return;
+    if (rows_.empty() || images_.empty()) return std::nullopt;
     rows_.pop_back();
     images_.pop_back();
     if (!entries_.empty()) entries_.pop_back();
+    return rows_.size();
 }
 
 void RawColorSide::Fill(const CTivVector& colors) {

@@ -31,7 +31,8 @@ public:
     void ReplaceOrAdd(std::optional<std::size_t> selected, const RawColorEntry& entry);
     /// Removes the selected row with its entry and renumbers the rows behind it from 1 on, leaving the swatch; without
     /// a selection the last row, its entry and the last swatch.
-    void Remove(std::optional<std::size_t> selected);
+    /// @return the row that went, nothing where there was none
+    std::optional<std::size_t> Remove(std::optional<std::size_t> selected);
     /// Appends a vector's colors at (0, 0). Their rows are labelled from 0, deliberately unlike rows made by hand.
     void Fill(const CTivVector& colors);
     void ClearRows();     ///< swatches and rows; the entries stay

@@ -211,7 +211,9 @@ void RibbonBody::EndColumn(Flowing& flow) const {
     for (const Control* row : flow.rows) {
         if (flow.apply) {
             if (row->field) row->field->Arrange(labelWidth, SliderWidth(*row->item, flow.form), flow.rowHeight);
-            row->widget->setGeometry(flow.x, y, width, flow.rowHeight);
+            const bool isSlider = row->item->kind == ribbon::Kind::Slider;
+            const int rowWidth = isSlider ? std::min(width, row->item->sliderWidth) : width;
+            row->widget->setGeometry(flow.x + (width - rowWidth), y, rowWidth, flow.rowHeight);
         }
         y += flow.rowHeight;
     }

@@ -17,6 +17,10 @@ bool isEnter(const QEvent* event) {
 
 }  // namespace
 
+RibbonEdit::RibbonEdit(QWidget* parent) : QLineEdit(parent) {
+    setAcceptDrops(false);  // a file that is dropped here is the window's, and no text to type
+}
+
 void RibbonEdit::ShowText(const QString& text) {
     shown_ = text;
     setText(text);

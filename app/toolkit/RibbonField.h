@@ -13,7 +13,7 @@ class QLabel;
 class RibbonEdit : public QLineEdit {
     Q_OBJECT
 public:
-    explicit RibbonEdit(QWidget* parent) : QLineEdit(parent) {}
+    explicit RibbonEdit(QWidget* parent);
     void ShowText(const QString& text);
     /// Commits a text that was typed and not committed yet.
     void CommitPending();

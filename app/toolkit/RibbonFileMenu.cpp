@@ -2,8 +2,10 @@
 
 #include <QAction>
 #include <QFileInfo>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QListWidget>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 namespace {
@@ -16,7 +18,10 @@ QAction* makeEntry(const ribbon::FileEntry& entry, QAction* command, QObject* pa
     QString text = entry.text;
     if (*entry.keyLabel) text += QString("    \t") + entry.keyLabel;
     auto* shown = new QAction(command->icon(), text, parent);
-    const auto follow = [shown, command] { shown->setEnabled(command->isEnabled()); };
+    const auto follow = [shown, command] {
+        shown->setEnabled(command->isEnabled());
+        shown->setWhatsThis(command->whatsThis());
+    };
     follow();
     QObject::connect(command, &QAction::changed, shown, follow);
     QObject::connect(shown, &QAction::triggered, command, &QAction::trigger);
@@ -51,6 +56,16 @@ void RibbonFileMenu::SetRecentDocuments(const QStringList& paths) {
         item->setData(Qt::UserRole, path);
         item->setToolTip(path);
     }
+}
+
+// An entry shows its command's tip; the menu itself would show the text of one without a tip once more.
+bool RibbonFileMenu::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QMenu::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    QAction* const entry = actionAt(help->pos());
+    QToolTip::showText(help->globalPos(), entry ? entry->whatsThis() : QString(), this,
+                       entry ? actionGeometry(entry) : QRect());
+    return true;
 }
 
 void RibbonFileMenu::resizeEvent(QResizeEvent* event) {

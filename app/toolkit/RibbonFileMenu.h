@@ -18,6 +18,7 @@ signals:
     void recentChosen(const QString& path);
 
 protected:
+    bool event(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:

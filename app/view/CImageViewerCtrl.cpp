@@ -1,7 +1,5 @@
 #include "app/view/CImageViewerCtrl.h"
 
-#include <qdrawutil.h>
-
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
@@ -26,6 +24,7 @@ constexpr int kTrackerStyle = RectTracker::DottedLine | RectTracker::ResizeInsid
 QImage backgroundPattern(QSize size) {
     constexpr int kCell = 4;
     constexpr QRgb kLight = 0xFF282828, kDark = 0xFF141414;
+    if (size.isEmpty()) return {};
     QImage pattern(size, QImage::Format_RGB32);
     bool columnToggle = true, rowToggle = false;
     for (int y = 0; y < size.height(); y += kCell) {
@@ -78,8 +77,10 @@ CImageViewerCtrl::CImageViewerCtrl(QWidget* parent) : QFrame(parent), font_(QApp
 
 QSize CImageViewerCtrl::sizeHint() const { return kFirstSize; }
 
+QSize CImageViewerCtrl::ClientSize() const { return contentsRect().size().expandedTo({0, 0}); }
+
 ViewGeometry& CImageViewerCtrl::View() const {
-    const QSize client = contentsRect().size();
+    const QSize client = ClientSize();
     const bool shows = image_.IsAllocated();
     geometry_.Adapt(client.width(), client.height(), shows ? image_.GetWidth() : 0, shows ? image_.GetHeight() : 0);
     return geometry_;
@@ -237,9 +238,9 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
     // The window system's backing store is the off-screen bitmap: what is drawn here comes to the screen in one copy.
     QPainter painter(this);
     PaintEdge(painter);
-    const QRect client = contentsRect();
-    painter.translate(client.topLeft());
-    painter.setClipRect(QRect(QPoint(0, 0), client.size()));
+    if (ClientSize().isEmpty()) return;
+    painter.translate(contentsRect().topLeft());
+    painter.setClipRect(QRect(QPoint(0, 0), ClientSize()));
     PaintBackground(painter);
     const ViewGeometry& view = View();
     if (image_.IsAllocated()) {
@@ -254,15 +255,17 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
     }
 }
 
-/// A sunken edge, whose inner line shines while the viewer is the selected one.
+/// A sunken edge, whose inner line shines while the viewer is the selected one. Filled and not drawn with a pen, which
+/// leaves device pixels out where one logical pixel is several.
 void CImageViewerCtrl::PaintEdge(QPainter& painter) const {
-    qDrawShadePanel(&painter, rect(), palette(), true, 1);
-    painter.setPen(selected_ ? palette().color(QPalette::Highlight) : QColor(Qt::black));
-    painter.drawRect(rect().adjusted(1, 1, -2, -2));
+    const QRect outer = rect(), inner = outer.adjusted(1, 1, -1, -1);
+    painter.fillRect(outer, palette().color(QPalette::Light));
+    painter.fillRect(outer.adjusted(0, 0, -1, -1), palette().color(QPalette::Dark));
+    painter.fillRect(inner, selected_ ? palette().color(QPalette::Highlight) : QColor(Qt::black));
 }
 
 void CImageViewerCtrl::PaintBackground(QPainter& painter) {
-    const QSize client = contentsRect().size();
+    const QSize client = ClientSize();
     if (background_.size() != client) background_ = QPixmap::fromImage(backgroundPattern(client));
     painter.drawPixmap(0, 0, background_);
 }

@@ -80,6 +80,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    QSize ClientSize() const;    // empty, never negative, in a window smaller than its edge
     ViewGeometry& View() const;  // brought up to date with the sizes of window and image
     void ZoomChanged();
     void SyncTracker();

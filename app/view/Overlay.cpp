@@ -40,6 +40,8 @@ void Overlay::AddText(const QString& text, int x, int y, std::int32_t color, std
     texts_.push_back({text, kTextAlignment, x, y, color, fill});
 }
 
+void Overlay::ClearCrosses() { crosses_.clear(); }
+
 void Overlay::Clear() {
     matrices_.clear();
     marks_.clear();

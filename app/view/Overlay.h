@@ -69,6 +69,7 @@ public:
                       std::int32_t fill = kHollow);
     /// The text's upper left corner comes to (x, y), whatever the alignment code says.
     void AddText(const QString& text, int x, int y, std::int32_t color = kDefaultColor, std::int32_t fill = kHollow);
+    void ClearCrosses();
     void Clear();  ///< empties all lists; color and font stay
     bool IsEmpty() const;
 

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QHeaderView>
+#include <QMainWindow>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <fstream>
@@ -12,6 +15,7 @@
 #include "app/panes/CRawColorListCtrl.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
+#include "app/toolkit/Clock.h"
 #include "app/toolkit/Prompts.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "tests/support/library.h"
@@ -50,6 +54,12 @@ std::string contentOf(const QString& path) {
     return content.str();
 }
 
+long long residentBytes() {
+    long long pages = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> pages >> resident;
+    return resident * ::sysconf(_SC_PAGESIZE);
+}
+
 class SpectrumPane : public testing::Test {
 protected:
     SpectrumPane() {
@@ -58,11 +68,11 @@ protected:
     }
     CSpectrumValuesListCtrl& List() { return pane.SpectrumList(); }
     void DoubleClick(int row, int column) {
-        const QPoint at = List().visualItemRect(List().item(row, column)).center();
+        const QPoint at = List().visualRect(List().model()->index(row, column)).center();
         QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, at);
         QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, at);
     }
-    QString Cell(int row, int column) { return List().item(row, column)->text(); }
+    QString Cell(int row, int column) { return List().CellText(row, column); }
 
     ScriptedPrompts prompts;
     CSpectrumValuesWnd pane;
@@ -71,7 +81,7 @@ protected:
 }  // namespace
 
 TEST_F(SpectrumPane, StartsWithRowsOfZerosThatCannotBeEdited) {
-    EXPECT_EQ(List().rowCount(), 24);
+    EXPECT_EQ(List().RowCount(), 24);
     EXPECT_EQ(Cell(23, 0), "24");
     EXPECT_EQ(Cell(0, 1), "0.00000");
     EXPECT_EQ(pane.GetIlluminantValue(), (std::array<float, 4>{0, 0, 0, 0}));
@@ -107,7 +117,7 @@ TEST_F(SpectrumPane, TabMovesOnAndPastTheLastRowWritesNowhere) {
     pane.SetEnabled(true);
     prompts.size = {1, 2};
     pane.EditMatrixSize();
-    ASSERT_EQ(List().rowCount(), 2);
+    ASSERT_EQ(List().RowCount(), 2);
     List().EditCell(0, 3);
     QTest::keyClicks(List().GetEditor(), "7");
     QTest::keyClick(List().GetEditor(), Qt::Key_Tab);
@@ -119,7 +129,7 @@ TEST_F(SpectrumPane, TabMovesOnAndPastTheLastRowWritesNowhere) {
     ASSERT_NE(List().GetEditor(), nullptr);
     QTest::keyClicks(List().GetEditor(), "5");
     QTest::keyClick(List().GetEditor(), Qt::Key_Return);
-    EXPECT_EQ(List().rowCount(), 2);
+    EXPECT_EQ(List().RowCount(), 2);
     EXPECT_EQ(Cell(1, 1), "0.00000");
 }
 
@@ -145,7 +155,7 @@ TEST_F(SpectrumPane, LoadsAFileAfterAskingForTheMatrixSize) {
     prompts.size = {2, 1};
     pane.LoadValuesFrom(path);
     EXPECT_EQ(sizes.count(), 1);
-    EXPECT_EQ(List().rowCount(), 2);
+    EXPECT_EQ(List().RowCount(), 2);
     EXPECT_EQ(Cell(0, 1), "0.12346");
     EXPECT_EQ(Cell(1, 3), "-6.00000");
     ASSERT_EQ(words.count(), 1);
@@ -175,6 +185,30 @@ TEST_F(SpectrumPane, SavesWhatTheCellsReadWithSixDigits) {
     List().SetCellText(0, 3, " +2.5e1x");
     pane.SaveValues();
     EXPECT_EQ(contentOf(prompts.path), "1,0,25\n");
+}
+
+TEST_F(SpectrumPane, IsAsNarrowAsItIsTold) { EXPECT_LE(pane.minimumSizeHint().width(), 240); }
+
+// As many as a parameter file of 2 MB brings.
+TEST(ListPanes, LongListsCostAFewTimesTheirFile) {
+    constexpr long long kMost = 100LL << 20;
+    const long long before = residentBytes();
+    CRawColorWnd colors;
+    colors.show();
+    colors.FillRawColors(CTivVector(500'000, CTivData::FormatRgb, nullptr, true));
+    colors.RawList().scrollToBottom();
+    colors.grab();
+    EXPECT_EQ(colors.RawList().RowCount(), 500'000);
+    EXPECT_LT(residentBytes() - before, kMost);
+
+    const long long between = residentBytes();
+    CSpectrumValuesWnd values;
+    values.show();
+    values.ShowSpectrumValues(CTivVector(125'000, CTivData::FormatColorFloat, nullptr, true));
+    values.SpectrumList().scrollToBottom();
+    values.grab();
+    EXPECT_EQ(values.SpectrumList().CellText(124'999, 0), "125000");
+    EXPECT_LT(residentBytes() - between, kMost);
 }
 
 TEST_F(SpectrumPane, TheIlluminantValueShowsWholeNumbersOnly) {
@@ -232,5 +266,61 @@ TEST(RawColorPane, PicksFromTheSelectedViewerAndShowsWhereAColorCameFrom) {
     EXPECT_EQ(raw.ImageOverlay().Crosses()[0].halfSize, 5);
     pane.RemoveLast();
     pane.RemoveLast();
-    EXPECT_EQ(pane.RawList().rowCount(), 0);
+    EXPECT_EQ(pane.RawList().RowCount(), 0);
+}
+
+TEST(RawColorPane, RemovingTakesTheSelectedRowsOneByOneAndTheCrossWithItsRow) {
+    CTivImage image(40, 40, CTivData::FormatRgb, nullptr, true);
+    CAutoROIImageViewer raw;
+    raw.resize(100, 100);
+    ASSERT_TRUE(raw.SetImage(&image, true));
+    raw.SetSelected(1);
+    CRawColorWnd pane;
+    pane.SetViewer(&raw, RawColorViewerRaw);
+    CTivVector colors(5, CTivData::FormatRgb, nullptr, true);
+    for (int i = 0; i < 5; ++i) colors.SetData(i, CTivData(CTivData::FormatRgb, static_cast<std::uint32_t>(i + 1)));
+    pane.FillRawColors(colors);
+    const auto left = [&] {
+        std::string text;
+        const CTivVector now = pane.GetRawColors();
+        for (int i = 0; i < now.GetSize(); ++i) text += std::to_string(now.GetData(i).AsRgb()) + " ";
+        return text;
+    };
+    pane.RawList().setSelectionMode(QAbstractItemView::MultiSelection);
+    pane.RawList().selectRow(1);
+    pane.RawList().selectRow(3);
+    pane.ShowSelectedEntry();
+    ASSERT_EQ(raw.ImageOverlay().Crosses().size(), 1u);
+    const char* const expected[] = {"1 3 4 5 ", "1 3 5 ", "1 3 "};  // without a selection the last one goes
+    for (const char* colorsLeft : expected) {
+        pane.Remove();
+        EXPECT_EQ(left(), colorsLeft);
+        EXPECT_TRUE(raw.ImageOverlay().Crosses().empty());
+    }
+}
+
+TEST(LogPane, ShowsTheNewestMessageWholeOnceItIsFull) {
+    const Clock clock;
+    QMainWindow window;
+    auto* log = new CLoggerWnd(clock, &window);
+    window.addDockWidget(Qt::BottomDockWidgetArea, log);
+    window.resize(400, 180);
+    window.show();
+    const QTableWidget& list = log->List();
+    const auto showsNewest = [&] {
+        const QRect row = list.visualItemRect(list.item(list.rowCount() - 1, CLoggerWnd::ColumnTime));
+        return list.viewport()->rect().contains(QRect(0, row.top(), 1, row.height()));
+    };
+    for (int i = 0; i < 40; ++i) {
+        // The wide one brings the horizontal bar, which takes room from the rows.
+        log->AddMessage(i == 20 ? QString(300, 'w') : QString("short"), LogError);
+        EXPECT_TRUE(showsNewest()) << i;
+    }
+    log->hide();
+    log->AddMessage("comes back", LogWarning);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(showsNewest());
+    window.resize(400, 150);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(showsNewest());
 }

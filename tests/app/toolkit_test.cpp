@@ -2,10 +2,12 @@
 
 #include <QAction>
 #include <QFontMetrics>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 #include <map>
 
 #include "app/toolkit/FileFilters.h"
@@ -13,6 +15,7 @@
 #include "app/toolkit/RibbonBar.h"
 #include "app/toolkit/RibbonButton.h"
 #include "app/toolkit/RibbonField.h"
+#include "app/toolkit/RibbonFileMenu.h"
 #include "app/toolkit/RibbonForms.h"
 #include "app/toolkit/RibbonPage.h"
 #include "app/toolkit/RibbonPanel.h"
@@ -110,7 +113,12 @@ TEST(RibbonEdit, CommitsOnceByEnterOrByLeavingAndEscapeTakesItBack) {
     EXPECT_EQ(committed.count(), 2);
 }
 
-constexpr int kEdit = 1, kSlider = 2, kPush = 3, kMenu = 4, kEntry = 5, kHelp = 6;
+TEST(RibbonEdit, LeavesADroppedFileToTheWindow) {
+    QWidget window;
+    EXPECT_FALSE(RibbonEdit(&window).acceptDrops());
+}
+
+constexpr int kEdit = 1, kSlider = 2, kPush = 3, kMenu = 4, kEntry = 5, kHelp = 6, kAlone = 7;
 constexpr int kEntries[] = {kEntry};
 constexpr ribbon::Item kItems[] = {
     {.kind = ribbon::Kind::Field,
@@ -120,6 +128,7 @@ constexpr ribbon::Item kItems[] = {
      .sliderId = kSlider,
      .sliderWidth = 100,
      .range = {5, 100}},
+    {.kind = ribbon::Kind::Slider, .id = kAlone, .sliderWidth = 45, .range = {0, 9}},
     {.kind = ribbon::Kind::Large, .id = kPush, .keyTip = "P"},
     {.kind = ribbon::Kind::Large, .id = kMenu, .keyTip = "M", .menu = ribbon::Menu::Whole, .menuIds = kEntries},
 };
@@ -127,13 +136,13 @@ constexpr ribbon::Panel kPanels[] = {{"Panel", "", "Z", kItems}};
 constexpr RibbonShrinkStep kSteps[] = {{0, RibbonForm::Compact}, {0, RibbonForm::Button}};
 constexpr ribbon::Tab kTabs[] = {{"First", "A", kPanels, kSteps}, {"Second", "B", {}, {}}};
 constexpr int kHelpEntries[] = {kEntry};
-constexpr ribbon::FileEntry kFile[] = {{kPush, "&Push", "CTRL+X"}};
+constexpr ribbon::FileEntry kFile[] = {{kPush, "&Push", "CTRL+X"}, {kEntry, "&Entry", ""}};
 constexpr ribbon::Layout kLayout{"File", "F", kFile, "Recent Documents", 300, kTabs, kHelp, "Y", kHelpEntries};
 
 class Ribbon : public testing::Test {
 protected:
     Ribbon() {
-        for (const int id : {kEdit, kSlider, kPush, kMenu, kEntry, kHelp}) {
+        for (const int id : {kEdit, kSlider, kPush, kMenu, kEntry, kHelp, kAlone}) {
             auto* action = new QAction(QString("Command %1").arg(id), &window);
             action->setData(id);
             QObject::connect(action, &QAction::triggered, [this, id] { ++runs[id]; });
@@ -185,17 +194,38 @@ TEST_F(Ribbon, OnlyTheUsersMovesAreTold) {
     bar->SetSliderValue(kSlider, 200);
     EXPECT_EQ(bar->SliderValue(kSlider), 100) << "kept in its range";
     EXPECT_EQ(slid.count(), 0);
-    auto* slider = window.findChild<RibbonSlider*>();
+    auto* slider = window.findChild<RibbonField*>()->Slider();
     slider->setFocus();
     QTest::keyClick(slider, Qt::Key_Left);
     ASSERT_EQ(slid.count(), 1);
     EXPECT_EQ(slid[0][0].toInt(), kSlider);
 }
 
+TEST_F(Ribbon, ASliderIsAsWideAsItsLayoutSays) {
+    for (const RibbonSlider* slider : window.findChildren<RibbonSlider*>()) {
+        EXPECT_EQ(slider->width(), slider->maximum() == 9 ? 45 : 100);
+    }
+}
+
+TEST_F(Ribbon, FileMenuEntriesShowTheTipsOfTheirCommands) {
+    actions[kPush]->setWhatsThis("<b>Push</b>");
+    auto* menu = window.findChild<RibbonFileMenu*>();
+    menu->popup({0, 0});
+    const auto tipAt = [&](int entry) {
+        const QPoint at = menu->actionGeometry(menu->actions()[entry]).center();
+        QHelpEvent event(QEvent::ToolTip, at, menu->mapToGlobal(at));
+        QApplication::sendEvent(menu, &event);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(tipAt(1), "") << "its own text is no tip";
+    EXPECT_EQ(tipAt(0), "<b>Push</b>");
+    menu->hide();
+}
+
 TEST_F(Ribbon, DisabledActionsDisableTheirControls) {
     actions[kEdit]->setEnabled(false);
     EXPECT_FALSE(window.findChild<RibbonEdit*>()->isEnabled());
-    EXPECT_TRUE(window.findChild<RibbonSlider*>()->isEnabled());
+    EXPECT_TRUE(window.findChild<RibbonField*>()->Slider()->isEnabled());
 }
 
 TEST_F(Ribbon, LettersAfterAltReachTabsAndControls) {
