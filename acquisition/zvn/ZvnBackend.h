@@ -80,3 +80,7 @@ public:
     /// Asked before plain buffers are taken. @param location the default one for buffers that belong to no server
     virtual bool AllowBuffers(const ZvnLocation& location) = 0;
 };
+
+/// Puts a backend of the program's own in the place of the cameras; simulated servers still come first. Main thread
+/// only, while nothing is open. @param backend outlives its use; null: the cameras again
+void SetZvnBackend(ZvnBackend* backend);

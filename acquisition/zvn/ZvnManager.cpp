@@ -11,6 +11,7 @@
 namespace {
 
 std::atomic<int> displayStatusMode = 0;  // asked by the threads of transfers, too
+ZvnBackend* ownBackend = nullptr;
 
 std::vector<ZvnServer> listServers() {
     ZvnBackend* backend = FindZvnBackend();
@@ -46,8 +47,11 @@ bool writeName(const std::optional<ZvnServer>& server, char* buffer, int size) {
 
 ZvnBackend* FindZvnBackend() {
     const char* simulation = std::getenv("ZVN_SIMULATION");
-    return simulation && *simulation ? &GetSimulatedBackend() : GetCameraBackend();
+    if (simulation && *simulation) return &GetSimulatedBackend();
+    return ownBackend ? ownBackend : GetCameraBackend();
 }
+
+void SetZvnBackend(ZvnBackend* backend) { ownBackend = backend; }
 
 void TellZvnStatus(const std::string& text) {
     if (displayStatusMode == 0) std::cerr << "acquisition: " + text + '\n';

@@ -108,16 +108,20 @@ TEST_F(Camera, DeliversFramesAsItsConfigurationSays) {
     EXPECT_EQ(image.GetHeight(), 200);
     EXPECT_NE(image.GetData(0, 0).AsRgb(), image.GetData(160, 100).AsRgb());
 
-    answers_.Write("bayer.txt", "PixelFormat = BayerRG8\n");
+    answers_.Write("bayer.txt", "Width = 321\nHeight = 199\nPixelFormat = BayerRG8\n");
     answers_.Write("wrong.txt", "Wodth = 320\n");
     answers_.Pick(camera.Name(), answers_.Path("bayer.txt"));
-    EXPECT_FALSE(recorded.session.Configure());
-    EXPECT_THAT(LastError(), testing::StartsWith("Configure => input data format not supported"));
+    ASSERT_TRUE(recorded.session.Configure()) << LastError();
+    recorded.session.Snap();
+    ASSERT_EQ(recorded.WaitForFrames(7).size(), 7u);
+    EXPECT_EQ(recorded.session.GetImage(-1)->GetFormat(), CTivData::FormatRgb);
+    EXPECT_EQ(recorded.session.GetImage(-1)->GetWidth(), 321);
+
     answers_.Pick(camera.Name(), answers_.Path("wrong.txt"));
     EXPECT_FALSE(recorded.session.Configure());
     EXPECT_EQ(LastError(), "Configure => cannot create Acquisition object");
-    EXPECT_TRUE(recorded.session.Snap());  // on the color setup that is back
-    EXPECT_EQ(recorded.WaitForFrames(7).size(), 7u);
+    EXPECT_TRUE(recorded.session.Snap());  // on the setup that is back
+    EXPECT_EQ(recorded.WaitForFrames(8).size(), 8u);
     EXPECT_FALSE(recorded.session.TransferFile(answers_.Path("up.ccor").c_str(), true));
 }
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+
+#include "acquisition/zvn/ZvnBackend.h"
+#include "acquisition/zvn/ZvnCameraFormats.h"
+#include "acquisition/zvn/aravis_impl.h"
+
+/// An open GenICam camera.
+class CameraSource : public ZvnSource {
+public:
+    explicit CameraSource(ArvCameraHandle camera) : camera_(std::move(camera)) {}
+    /// Closing a camera that was unplugged takes seconds: it goes on by itself then.
+    ~CameraSource() override;
+
+    /// Applies the configuration and learns what the frames are like. @return why it fails, empty where it does not
+    std::string Configure(const std::string& configFile);
+
+    ZvnFrameFormat GetFrameFormat() const override { return frame_; }
+    bool PrepareBuffers(int) override { return true; }
+    bool PrepareTransfer() override { return true; }
+    ZvnGrab Grab(std::span<std::byte> destination, std::stop_token stop) override;
+    std::optional<int> FindFile(const std::string& name) override;
+    std::optional<std::vector<char>> ReadFile(const std::string& name) override;
+    bool WriteFile(const std::string& name, std::span<const char> content) override;
+    bool SetImageFilter(int, std::span<const float, 12>) override { return false; }
+
+private:
+    ArvDevice* Device() const { return arv_camera_get_device(camera_.get()); }
+    std::string Apply(const std::string& name, const std::string& value);
+    void TellRefusedFormat() const;
+    bool TakePicture(ArvBuffer* buffer, bool isDirect, std::span<std::byte> destination) const;
+
+    ArvCameraHandle camera_;
+    int deliveredBits_ = 8;
+    ZvnFrameFormat frame_;
+    ArvPixelFormat pixelFormat_ = 0;
+    const ZvnCameraFormat* format_ = nullptr;  // null: refused
+    std::size_t payload_ = 0;                  // bytes of what the camera sends for a frame
+};
