@@ -120,8 +120,10 @@ private:
     bool Validate() const;  ///< reports what is invalid
 
     // calibration/execute_transform.h
-    friend bool ExecuteTransform(const CTivTonewrightDC&, const CTivVector&, const CTivImage&, CTivImage&);
-    friend bool SaveTransform(const CTivTonewrightDC&, const CTivVector&, const CTivString&, bool);
+    friend bool ExecuteTransform(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivImage& source,
+                                 CTivImage& destination);
+    friend bool SaveTransform(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivString& path,
+                              bool withSaturation);
 
     std::unique_ptr<ImplTonewrightDC> impl_;
 };
