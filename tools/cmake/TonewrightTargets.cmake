@@ -95,6 +95,7 @@ function(tonewright_tests folder)
     target_link_libraries(${ARG_NAME}_test PRIVATE GTest::gtest_main)
   endif()
   target_include_directories(${ARG_NAME}_test PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_options(${ARG_NAME}_test PRIVATE $<$<CONFIG:Release>:-O1>)  # what they call is as it ships
   gtest_discover_tests(${ARG_NAME}_test TEST_PREFIX ${ARG_NAME}. DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()
