@@ -27,6 +27,10 @@ struct PixelRgb16 {
     static constexpr int fullScale = 65535;
 };
 
+/// The output table of a channel: an entry for each corrected value.
+template <class Pixel>
+using GammaTable = std::array<typename Pixel::Entry, Pixel::fullScale + 1>;
+
 /// Corrects `count` pixels, at any address, and writes their reserved bits as zero.
 ///
 /// With r, g, b the channels divided by full scale, row k of the coefficients (red, green, blue) gives
@@ -37,8 +41,6 @@ struct PixelRgb16 {
 /// @param source, destination may be the same row, and must not overlap otherwise
 /// @param coefficients 3 x terms float32, row by row
 /// @param table no entry above full scale
-template <class Pixel>
-using GammaTable = std::array<typename Pixel::Entry, Pixel::fullScale + 1>;
 template <class Pixel>
 using PolynomialRow = void (*)(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
                                const float* coefficients, const GammaTable<Pixel>& table);
