@@ -53,7 +53,7 @@ double DeltaE76(const Lab& first, const Lab& second) {
     return std::hypot(first[0] - second[0], first[1] - second[1], first[2] - second[2]);
 }
 
-double DeltaE2000(const Lab& first, const Lab& second) {
+DeltaParts CompareParts(const Lab& first, const Lab& second) {
     // a* is stretched for colors near gray.
     const double plainChroma = (std::hypot(first[1], first[2]) + std::hypot(second[1], second[2])) / 2.0;
     const double stretch = 1.0 + 0.5 * (1.0 - chromaShare(plainChroma));
@@ -79,6 +79,10 @@ double DeltaE2000(const Lab& first, const Lab& second) {
     const double fromBlue = (hues.mean - 275.0) / 25.0;
     const double rotation = -2.0 * chromaShare(meanC) * std::sin(60.0 * std::exp(-fromBlue * fromBlue) * kDegree);
 
-    const double l = deltaL / scaleL, c = deltaC / scaleC, h = deltaH / scaleH;
+    return {deltaL / scaleL, deltaC / scaleC, deltaH / scaleH, rotation};
+}
+
+double DeltaE2000(const Lab& first, const Lab& second) {
+    const auto [l, c, h, rotation] = CompareParts(first, second);
     return std::sqrt(l * l + c * c + h * h + rotation * c * h);
 }

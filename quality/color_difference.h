@@ -17,3 +17,10 @@ double DeltaE76(const Lab& first, const Lab& second);
 /// CIEDE2000 color difference (CIE 142-2001) with the parametric weights kL, kC, kH of 1; hue means and differences
 /// after Sharma, Wu and Dalal, "The CIEDE2000 Color-Difference Formula", 2005. Symmetric.
 double DeltaE2000(const Lab& first, const Lab& second);
+
+/// What CIEDE2000 is made of: weighted differences of lightness, chroma and hue, and how the last two work on each
+/// other. The difference squared is l^2 + c^2 + h^2 + rotation c h; the rotation lies between -2 and 0.
+struct DeltaParts {
+    double lightness, chroma, hue, rotation;
+};
+DeltaParts CompareParts(const Lab& first, const Lab& second);

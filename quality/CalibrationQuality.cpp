@@ -1,0 +1,205 @@
+#include "quality/CalibrationQuality.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "calibration/fit_transform.h"
+#include "quality/delivery.h"
+#include "quality/perceptual_fit.h"
+
+namespace {
+
+constexpr int kTermCounts[] = {4, 7, 10};
+constexpr double kNeutralChroma = 5.0;  // a target below it is a neutral patch; the chart's own lie below 3
+
+std::vector<Lab> toLab(std::span<const Xyz> colors) {
+    std::vector<Lab> result;
+    for (const Xyz& xyz : colors) result.push_back(XyzToLab(xyz));
+    return result;
+}
+
+std::vector<Lab> linearToLab(std::span<const LinearRgb> colors) {
+    std::vector<Lab> result;
+    for (const LinearRgb& rgb : colors) result.push_back(ToLab(rgb));
+    return result;
+}
+
+/// Fits and judges one calibration's chart, whole or less a patch.
+class Judge {
+public:
+    explicit Judge(const CTivTonewrightDC& calibrated)
+        : settings_(calibrated), targets_(GetTargets(calibrated)), targetXyz_(ToXyz(targets_)) {
+        if (calibrated.GetRawColors()) words_ = *calibrated.GetRawColors();
+        raw_ = NormaliseColors(words_);
+        targetLab_ = toLab(targetXyz_);
+    }
+
+    bool IsWhole() const { return !raw_.empty() && raw_.size() == targetXyz_.size(); }
+    const std::vector<Xyz>& GetTargetXyz() const { return targetXyz_; }
+    const CTivVector& GetWords() const { return words_; }
+
+    std::optional<CTivVector> Fit(FitMethod method, int terms) const {
+        return FitOf(method, terms, raw_, targets_.colors, targetXyz_);
+    }
+
+    ChartDifferences JudgeDelivered(const CTivVector& transform) const {
+        const auto delivered = Deliver(settings_, transform, words_);
+        if (delivered.size() != targetLab_.size()) return {};
+        return Compare(linearToLab(delivered), targetLab_);
+    }
+
+    /// Each patch by a fit of all the others; nothing where one of the fits can't be made.
+    ChartDifferences JudgeUnseen(FitMethod method, int terms) const {
+        std::vector<Lab> seen;
+        for (std::size_t i = 0; i < raw_.size(); ++i) {
+            const auto without = [i](auto list) {
+                list.erase(list.begin() + static_cast<std::ptrdiff_t>(i));
+                return list;
+            };
+            const auto transform = FitOf(method, terms, without(raw_), without(targets_.colors), without(targetXyz_));
+            if (!transform) return {};
+            CTivVector word(1, words_.GetFormat(), nullptr, true);
+            word.SetData(0, words_.GetData(static_cast<int>(i)));
+            const auto delivered = Deliver(settings_, *transform, word);
+            if (delivered.empty()) return {};
+            seen.push_back(ToLab(delivered.front()));
+        }
+        return Compare(seen, targetLab_);
+    }
+
+private:
+    std::optional<CTivVector> FitOf(FitMethod method, int terms, const std::vector<NormalisedColor>& raw,
+                                    const std::vector<NormalisedColor>& targets,
+                                    const std::vector<Xyz>& targetXyz) const {
+        if (raw.empty() || raw.size() != targets.size()) return std::nullopt;
+        auto transform = FitTransform(raw, targets, targets_.adaptation, terms);
+        if (transform && method == FitMethod::Perceptual) {
+            RefineTransform(DeliveryModel(settings_, terms), raw, targetXyz, *transform);
+        }
+        return transform;
+    }
+
+    const CTivTonewrightDC& settings_;
+    CalibrationTargets targets_;
+    CTivVector words_;
+    std::vector<NormalisedColor> raw_;
+    std::vector<Xyz> targetXyz_;
+    std::vector<Lab> targetLab_;
+};
+
+std::vector<TermsFigures> compareTerms(const CTivTonewrightDC& calibrated, const Judge& judge, FitMethod method,
+                                       int termsInForce, CalibrationQuality& quality) {
+    std::vector<TermsFigures> candidates;
+    for (const int terms : kTermCounts) {
+        const auto transform = judge.Fit(method, terms);
+        if (!transform) continue;
+        const ChartDifferences unseen = judge.JudgeUnseen(method, terms);
+        if (terms == termsInForce) quality.unseen = unseen;
+        candidates.push_back({terms, JudgeFit(calibrated, *transform).fitted.deltaE00.mean,
+                              judge.JudgeDelivered(*transform).deltaE00.mean, unseen.deltaE00.mean});
+    }
+    return candidates;
+}
+
+void judgeNeutrals(CalibrationQuality& quality) {
+    double sum = 0;
+    for (std::size_t i = 0; i < quality.patches.size(); ++i) {
+        const JudgedPatch& patch = quality.patches[i];
+        if (std::hypot(patch.targetLab[1], patch.targetLab[2]) >= kNeutralChroma) continue;
+        quality.neutralPatches.push_back(static_cast<int>(i) + 1);
+        sum += std::hypot(patch.deliveredLab[1], patch.deliveredLab[2]);
+    }
+    if (sum > 0) quality.whiteChroma = sum / static_cast<double>(quality.neutralPatches.size());
+}
+
+/// Passes a patch's spread through `show`, a function of a raw color, by its slopes over the width of the spread.
+template <class Show>
+std::array<double, 3> passNoise(const PatchMeasurement& patch, double fullScale, Show show) {
+    std::array<std::array<double, 3>, 3> slope{};  // by raw channel, then output channel, of one raw word
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double step = patch.deviation[i];
+        if (step <= 0) continue;
+        LinearRgb low{}, high{};
+        for (std::size_t k = 0; k < 3; ++k) low[k] = high[k] = patch.mean[k] / fullScale;
+        low[i] -= step / fullScale;
+        high[i] += step / fullScale;
+        const LinearRgb below = show(low), above = show(high);
+        for (std::size_t k = 0; k < 3; ++k) slope[i][k] = (above[k] - below[k]) / (2 * step);
+    }
+    const auto& [rg, rb, gb] = patch.covariance;
+    std::array<double, 3> result{};
+    for (std::size_t k = 0; k < 3; ++k) {
+        double variance =
+            2 * (slope[0][k] * slope[1][k] * rg + slope[0][k] * slope[2][k] * rb + slope[1][k] * slope[2][k] * gb);
+        for (std::size_t i = 0; i < 3; ++i) variance += std::pow(slope[i][k] * patch.deviation[i], 2);
+        result[k] = std::sqrt(std::max(variance, 0.0));
+    }
+    return result;
+}
+
+std::vector<PatchNoise> judgeNoise(const CTivTonewrightDC& settings, const CTivVector& transform,
+                                   std::span<const PatchMeasurement> measurements) {
+    const double fullScale = GetChannelFullScale(settings.GetCalibratedFormat());
+    const DeliveryModel model(settings, transform.GetSize() / 3);
+    std::vector<double> coefficients;
+    for (int i = 0; i < transform.GetSize(); ++i)
+        coefficients.push_back(static_cast<double>(transform.GetData(i).AsFloat()));
+    const auto encode = [gamma = static_cast<double>(settings.GetGamma())](LinearRgb color) {
+        for (double& channel : color) channel = 255.0 * std::pow(std::clamp(channel, 0.0, 1.0), gamma);
+        return color;
+    };
+    std::vector<PatchNoise> noise;
+    for (const PatchMeasurement& patch : measurements) {
+        noise.push_back({passNoise(patch, fullScale, encode), passNoise(patch, fullScale, [&](const LinearRgb& raw) {
+                             return encode(model.Deliver(coefficients, raw));
+                         })});
+    }
+    return noise;
+}
+
+}  // namespace
+
+CalibrationQuality JudgeCalibration(const CTivTonewrightDC& calibrated, const CTivVector& transform,
+                                    std::span<const PatchMeasurement> measurements, FitMethod method) {
+    const Judge judge(calibrated);
+    if (!judge.IsWhole()) return {};
+    CalibrationQuality quality;
+    VerifiedQuality delivery = JudgeDelivery(calibrated, transform, judge.GetWords(), judge.GetTargetXyz());
+    if (delivery.patches.empty()) return {};
+    quality.delivered = std::move(delivery.delivered);
+    quality.before = std::move(delivery.before);
+    quality.patches = std::move(delivery.patches);
+    quality.fitted = JudgeFit(calibrated, transform).fitted;
+    quality.candidates = compareTerms(calibrated, judge, method, transform.GetSize() / 3, quality);
+    judgeNeutrals(quality);
+    quality.noise = judgeNoise(calibrated, transform, measurements);
+    return quality;
+}
+
+VerifiedQuality JudgeDelivery(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivVector& raw,
+                              std::span<const Xyz> targets) {
+    const std::vector<LinearRgb> delivered = Deliver(settings, transform, raw);
+    if (delivered.empty() || delivered.size() != targets.size()) return {};
+    VerifiedQuality quality;
+    std::vector<LinearRgb> measured;
+    for (int i = 0; i < raw.GetSize(); ++i) measured.push_back(ToFractions(raw.GetData(i)));
+    const std::vector<Lab> measuredLab = linearToLab(measured), targetLab = toLab(targets),
+                           deliveredLab = linearToLab(delivered);
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        quality.patches.push_back(
+            {measured[i], ToLinearRgb(targets[i]), delivered[i], measuredLab[i], targetLab[i], deliveredLab[i]});
+    }
+    quality.delivered = Compare(deliveredLab, targetLab);
+    quality.before = Compare(measuredLab, targetLab);
+    return quality;
+}
+
+std::optional<CTivVector> FitCalibration(const CTivTonewrightDC& calibrated, FitMethod method, int terms) {
+    return Judge(calibrated).Fit(method, terms);
+}
+
+int ChooseTerms(std::span<const TermsFigures> candidates) {
+    const auto best = std::min_element(candidates.begin(), candidates.end(),
+                                       [](const auto& a, const auto& b) { return a.unseen < b.unseen; });
+    return best == candidates.end() ? 0 : best->terms;
+}

@@ -1,0 +1,27 @@
+#include <charconv>
+#include <cmath>
+
+#include "quality/finding_words_impl.h"
+
+std::string Fixed(double value, int decimals) {
+    if (!std::isfinite(value)) return "no number";
+    char text[400];
+    return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr};
+}
+
+std::string Percent(double fraction) { return Fixed(100 * fraction, 0) + " %"; }
+
+std::string PatchList(const std::vector<int>& patches) {
+    std::string text = patches.size() == 1 ? "patch " : "patches ";
+    for (std::size_t i = 0; i < patches.size(); ++i) {
+        if (i > 0) text += i + 1 == patches.size() ? " and " : ", ";
+        text += std::to_string(patches[i]);
+    }
+    return text;
+}
+
+std::string PatchWords(const std::vector<int>& patches) {
+    std::string text = PatchList(patches) + (patches.size() == 1 ? " is" : " are");
+    text.front() = 'P';
+    return text;
+}

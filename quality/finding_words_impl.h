@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "chart/PatchMeasurement.h"
+
+/// "12.3" with `decimals` digits behind the point, whatever the locale.
+std::string Fixed(double value, int decimals);
+/// "12 %" of a fraction.
+std::string Percent(double fraction);
+/// "patch 7" or "patches 7, 8 and 12".
+std::string PatchList(const std::vector<int>& patches);
+/// "Patch 7 is" or "Patches 7, 8 and 12 are".
+std::string PatchWords(const std::vector<int>& patches);
+
+/// Whether enough of a patch's pixels are at full scale to spoil its mean.
+bool IsClipped(const PatchMeasurement& patch);
