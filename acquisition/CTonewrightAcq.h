@@ -81,6 +81,7 @@ public:
     CTivImage* GetImage(int index);
 
     int GetDeviceKind() const { return deviceKind_; }  ///< a DeviceKind
+    ZvnAcqDevice* GetCamera() const;                   ///< null without one; until the next Configure or Reconnect
     int GetBufferCount() const { return kBufferCount; }
 
     /// What a server is to the session.

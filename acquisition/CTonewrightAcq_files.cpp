@@ -45,8 +45,10 @@ bool moveFile(ZvnAcqDevice* device, const char* path, bool upload) {
 
 bool CTonewrightAcq::TransferFile(const char* path, bool upload) {
     if (setup_.category == 1) return TransferThroughGrabber(path, upload);
-    return moveFile(dynamic_cast<ZvnAcqDevice*>(acquisition_.get()), path, upload);
+    return moveFile(GetCamera(), path, upload);
 }
+
+ZvnAcqDevice* CTonewrightAcq::GetCamera() const { return dynamic_cast<ZvnAcqDevice*>(acquisition_.get()); }
 
 bool CTonewrightAcq::TransferThroughGrabber(const char* path, bool upload) {
     auto device = std::make_unique<ZvnAcqDevice>(findLastCamera(), nullptr);

@@ -12,7 +12,7 @@ CAbortDlg::CAbortDlg(void* parentWindow, ZvnTransfer& transfer, int timeoutMs)
     : parentWindow_(parentWindow), transfer_(transfer), timeoutMs_(timeoutMs) {}
 
 int CAbortDlg::DoModal() {
-    const bool ended =
-        waitForInForce ? waitForInForce(parentWindow_, transfer_, timeoutMs_) : transfer_.Wait(timeoutMs_);
+    const int waitMs = timeoutMs_ + transfer_.GetExposureMs();
+    const bool ended = waitForInForce ? waitForInForce(parentWindow_, transfer_, waitMs) : transfer_.Wait(waitMs);
     return ended ? kZvnDialogOk : kZvnDialogCancel;
 }

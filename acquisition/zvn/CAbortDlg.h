@@ -5,7 +5,8 @@
 #include "acquisition/zvn/CAcqConfigDlg.h"
 #include "acquisition/zvn/ZvnTransfer.h"
 
-/// The modal dialog that waits for a transfer and lets the user abort it.
+/// The modal dialog that waits for a transfer and lets the user abort it. It waits as much longer as the source gathers
+/// light for a frame.
 class CAbortDlg {
 public:
     /// Waits until `transfer.Wait` is true, at most `timeoutMs`, keeping the window alive where there is one.

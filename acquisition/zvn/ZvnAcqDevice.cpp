@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "acquisition/zvn/backend_impl.h"
+#include "acquisition/zvn/color_features.h"
 #include "foundation/SafeFile.h"
 
 namespace {
@@ -22,6 +23,14 @@ std::optional<std::vector<char>> readLocalFile(const char* path) {
     return std::nullopt;
 }
 
+bool writeLocalFile(const char* path, std::span<const char> content) {
+    SafeOutputFile file(path);
+    if (file.IsOpen()) file.Stream().write(content.data(), static_cast<std::streamsize>(content.size()));
+    if (file.Commit()) return true;
+    TellZvnStatus(std::string(path) + ": cannot be written");
+    return false;
+}
+
 }  // namespace
 
 ZvnAcqDevice::ZvnAcqDevice(const ZvnLocation& location, const char* configFile)
@@ -35,12 +44,7 @@ bool ZvnAcqDevice::GetFileIndexByName(const char* name, int* index) {
 
 bool ZvnAcqDevice::ReadFile(const char* deviceFileName, const char* localPath) {
     const auto content = IsCreated() ? GetSource()->ReadFile(deviceFileName) : std::nullopt;
-    if (!content) return false;
-    SafeOutputFile file(localPath);
-    if (file.IsOpen()) file.Stream().write(content->data(), static_cast<std::streamsize>(content->size()));
-    if (file.Commit()) return true;
-    TellZvnStatus(std::string(localPath) + ": cannot be written");
-    return false;
+    return content && writeLocalFile(localPath, *content);
 }
 
 bool ZvnAcqDevice::WriteFile(const char* localPath, const char* deviceFileName) {
@@ -48,3 +52,24 @@ bool ZvnAcqDevice::WriteFile(const char* localPath, const char* deviceFileName) 
     const auto content = readLocalFile(localPath);
     return content && GetSource()->WriteFile(deviceFileName, *content);
 }
+
+bool ZvnAcqDevice::HoldsFile(const char* name) { return IsCreated() && GetSource()->HoldsFile(name); }
+bool ZvnAcqDevice::HasColorFeatures() { return IsCreated() && GetSource()->HasColorFeatures(); }
+
+bool ZvnAcqDevice::ReadColorFeatures(const char* localPath) {
+    const auto matrix = IsCreated() ? GetSource()->ReadColorFeatures() : std::nullopt;
+    return matrix && writeLocalFile(localPath, MakeZvnCoefficients(*matrix));
+}
+
+bool ZvnAcqDevice::WriteColorFeatures(const char* localPath) {
+    if (!IsCreated()) return false;
+    const auto content = readLocalFile(localPath);
+    if (!content) return false;
+    ZvnColorMatrix matrix{};
+    const std::string wrong = ReadZvnCoefficients(*content, matrix);
+    if (wrong.empty()) return GetSource()->WriteColorFeatures(matrix);
+    TellZvnStatus(std::string(localPath) + ": " + wrong);
+    return false;
+}
+
+std::vector<ZvnNote> ZvnAcqDevice::GetNotes() { return IsCreated() ? GetSource()->GetNotes() : std::vector<ZvnNote>(); }

@@ -14,4 +14,16 @@ public:
     bool ReadFile(const char* deviceFileName, const char* localPath);
     /// Copies a local file, at most 16 MiB, into one of the device.
     bool WriteFile(const char* localPath, const char* deviceFileName);
+
+    /// @return whether the device itself holds a file of this name; its features may stand in for one
+    bool HoldsFile(const char* name);
+    /// @return whether a transform of 4 terms can be written to features of the device
+    bool HasColorFeatures();
+    /// Saves the transform in the device's features as a coefficient file.
+    bool ReadColorFeatures(const char* localPath);
+    /// Writes a coefficient file of 4 terms to them, puts it in force and reads it back.
+    bool WriteColorFeatures(const char* localPath);
+
+    /// What spoils a calibration, as the device was when it was opened.
+    std::vector<ZvnNote> GetNotes();
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -39,6 +40,14 @@ enum class ZvnGrab {
     None    ///< no frame: stopped, or the device failed, which takes back the request
 };
 
+/// Something about a device as it is set that spoils a calibration.
+struct ZvnNote {
+    std::string feature;
+    std::string value;
+    std::string line;  ///< for the configuration file, which ends it
+    std::string text;  ///< a sentence for a person
+};
+
 /// An open resource. Destroying it closes it.
 ///
 /// One thread grabs; the other calls come from the main thread while none grabs. A source outlives its session where
@@ -61,6 +70,22 @@ public:
     virtual std::optional<int> FindFile(const std::string& name) = 0;
     virtual std::optional<std::vector<char>> ReadFile(const std::string& name) = 0;
     virtual bool WriteFile(const std::string& name, std::span<const char> content) = 0;
+
+    /// @return whether the device itself holds a file that FindFile finds; its features may stand in for one
+    virtual bool HoldsFile(const std::string& name) { return FindFile(name).has_value(); }
+    /// @return whether a transform of 4 terms can be written to features of the device
+    virtual bool HasColorFeatures() { return false; }
+    /// The transform in the device's features, as its rows red, green, blue of an offset (a fraction of full scale) and
+    /// the weights of red, green, blue. @return nothing where there are no such features or reading fails
+    virtual std::optional<std::array<float, 12>> ReadColorFeatures() { return std::nullopt; }
+    /// Writes them, puts them in force and reads them back. @return false with the earlier ones in force where it can
+    /// be
+    virtual bool WriteColorFeatures(std::span<const float, 12>) { return false; }
+
+    /// What spoils a calibration, as the device was when it was opened.
+    virtual std::vector<ZvnNote> GetNotes() { return {}; }
+    /// How long the device gathers light for a frame, in milliseconds; 0 where it doesn't say.
+    virtual int GetExposureMs() const { return 0; }
 
     /// Has the device run each color through a matrix: three rows (red, green, blue) of four numbers.
     virtual bool SetImageFilter(int index, std::span<const float, 12> matrix) = 0;

@@ -4,7 +4,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <iostream>
+#include <mutex>
 #include <optional>
+#include <utility>
 
 #include "acquisition/zvn/backend_impl.h"
 
@@ -12,6 +14,9 @@ namespace {
 
 std::atomic<int> displayStatusMode = 0;  // asked by the threads of transfers, too
 ZvnBackend* ownBackend = nullptr;
+
+std::mutex listenerLock;  // held while the listener runs
+ZvnManager::StatusListener listenerInForce;
 
 std::vector<ZvnServer> listServers() {
     ZvnBackend* backend = FindZvnBackend();
@@ -53,8 +58,19 @@ ZvnBackend* FindZvnBackend() {
 
 void SetZvnBackend(ZvnBackend* backend) { ownBackend = backend; }
 
-void TellZvnStatus(const std::string& text) {
-    if (displayStatusMode == 0) std::cerr << "acquisition: " + text + '\n';
+void TellZvnStatus(const std::string& text, ZvnStatus kind) {
+    if (displayStatusMode != 0) return;
+    const std::scoped_lock held(listenerLock);
+    if (listenerInForce) {
+        listenerInForce(kind, text);
+    } else {
+        std::cerr << "acquisition: " + text + '\n';
+    }
+}
+
+void ZvnManager::SetStatusListener(StatusListener listener) {
+    const std::scoped_lock held(listenerLock);
+    listenerInForce = std::move(listener);
 }
 
 int ZvnManager::GetServerCount() { return static_cast<int>(listServers().size()); }

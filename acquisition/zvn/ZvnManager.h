@@ -1,6 +1,12 @@
 #pragma once
 
+#include <functional>
+#include <string>
+
 #include "acquisition/zvn/ZvnLocation.h"
+
+/// What the layer tells: that something failed, or what is worth knowing about a device that works.
+enum class ZvnStatus { Error, Note };
 
 /// What acquisition hardware the machine has. Main thread only.
 ///
@@ -23,7 +29,13 @@ public:
     static bool GetServerName(int server, char* buffer, int size);
     static bool GetServerName(const ZvnLocation& location, char* buffer, int size);
 
-    /// How the layer tells what went wrong: 0, as it starts, a line on standard error; any other mode not at all.
+    /// How the layer tells what went wrong: 0, as it starts, to the listener; any other mode not at all.
     static int GetDisplayStatusMode();
     static void SetDisplayStatusMode(int mode, int reserved, int alsoReserved);
+
+    /// Hears what the layer tells, on whatever thread that happens, one call at a time; it must not call the layer.
+    using StatusListener = std::function<void(ZvnStatus kind, const std::string& text)>;
+    /// Sets who hears from now on; unset, a line on standard error says it. Once this returns, the earlier one is not
+    /// called any more.
+    static void SetStatusListener(StatusListener listener);
 };

@@ -147,6 +147,8 @@ bool ZvnTransfer::Wait(int timeoutMs) {
                                     [this] { return state_->wanted == 0 && !state_->isAtWork; });
 }
 
+int ZvnTransfer::GetExposureMs() const { return state_ ? state_->source->GetExposureMs() : 0; }
+
 void ZvnTransfer::Run(const std::shared_ptr<State>& state) {
     std::unique_lock held(state->lock);
     for (;;) {

@@ -41,6 +41,8 @@ public:
     bool Abort();
     /// @return whether all that was asked for has come (or none was), within `timeoutMs`
     bool Wait(int timeoutMs);
+    /// How long the source gathers light for a frame, in milliseconds, which a wait has to allow for; 0 where unknown.
+    int GetExposureMs() const;
 
 private:
     struct State;

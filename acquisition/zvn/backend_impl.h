@@ -3,6 +3,7 @@
 #include <string>
 
 #include "acquisition/zvn/ZvnBackend.h"
+#include "acquisition/zvn/ZvnManager.h"
 
 /// The backend in force, null where the machine has none.
 ZvnBackend* FindZvnBackend();
@@ -11,5 +12,5 @@ ZvnBackend& GetSimulatedBackend();
 /// Null in a build without it.
 ZvnBackend* GetCameraBackend();
 
-/// Tells a person what went wrong, as the display status mode says.
-void TellZvnStatus(const std::string& text);
+/// Tells a person what went wrong or is worth knowing, as the display status mode says; from any thread.
+void TellZvnStatus(const std::string& text, ZvnStatus kind = ZvnStatus::Error);

@@ -2,13 +2,17 @@
 
 #include "acquisition/zvn/camera_source_impl.h"
 
+#include <algorithm>
 #include <chrono>
 #include <future>
 #include <system_error>
 #include <thread>
 
 #include "acquisition/zvn/backend_impl.h"
+#include "acquisition/zvn/camera_features_impl.h"
 #include "acquisition/zvn/camera_files_impl.h"
+#include "acquisition/zvn/camera_notes_impl.h"
+#include "acquisition/zvn/color_features.h"
 #include "acquisition/zvn/ini_impl.h"
 
 namespace {
@@ -17,17 +21,8 @@ constexpr std::chrono::milliseconds kCloseTime{300};
 constexpr std::uint64_t kPopMicroseconds = 20'000;
 constexpr const char* kDeliveredBits = "DeliveredBits";  // the one line of a configuration that is no feature
 
-std::string applyFeature(ArvDevice* device, const std::string& name, const std::string& value) {
-    ArvGcNode* node = arv_device_get_feature(device, name.c_str());
-    if (!node || !ARV_IS_GC_FEATURE_NODE(node)) return "the camera has no feature " + name;
-    ArvErrors errors;
-    if (ARV_IS_GC_COMMAND(node)) {
-        arv_device_execute_command(device, name.c_str(), errors.Next());
-    } else {
-        arv_gc_feature_node_set_value_from_string(ARV_GC_FEATURE_NODE(node), value.c_str(), errors.Next());
-    }
-    return errors.Text();
-}
+constexpr const char* kCoefficientFile = "ColorCorrectionMatrix";
+constexpr double kLongestExposureMs = 60'000;
 
 ZvnGrab fail(ArvErrors& errors) {
     TellZvnStatus(errors.HasNone() ? "the camera gives no stream" : errors.Text());
@@ -50,7 +45,7 @@ CameraSource::~CameraSource() {
 }
 
 std::string CameraSource::Apply(const std::string& name, const std::string& value) {
-    if (name != kDeliveredBits) return applyFeature(Device(), name, value);
+    if (name != kDeliveredBits) return CameraFeatures(Device()).Apply(name, value);
     if (value != "8" && value != "10") return std::string(kDeliveredBits) + " is 8 or 10";
     deliveredBits_ = value == "10" ? 10 : 8;
     return {};
@@ -77,7 +72,37 @@ std::string CameraSource::Configure(const std::string& configFile) {
         frame_.format = static_cast<std::uint32_t>(ARV_PIXEL_FORMAT_BIT_PER_PIXEL(pixelFormat_)) << 8;
         TellRefusedFormat();
     }
+    LookAtTrigger();
+    LookAtExposure();
+    CameraFeatures features(Device());
+    notes_ = FindZvnNotes(features);
+    for (const ZvnNote& note : notes_) TellZvnStatus(note.text, ZvnStatus::Note);
     return {};
+}
+
+/// A camera in trigger mode sends nothing by itself.
+void CameraSource::LookAtTrigger() {
+    CameraFeatures features(Device());
+    try {
+        isTriggered_ = false;
+        if (!features.Has("TriggerMode") || features.GetChoice("TriggerMode") != "On") return;
+        const std::string source = features.Has("TriggerSource") ? features.GetChoice("TriggerSource") : "Software";
+        isTriggered_ = source == "Software" && features.Has("TriggerSoftware");
+        if (isTriggered_) return;
+        TellZvnStatus("the camera waits for a trigger from " + source +
+                          "; the line \"TriggerSource = Software\" has each "
+                          "grab trigger its frame, \"TriggerMode = Off\" lets frames run freely",
+                      ZvnStatus::Note);
+    } catch (const ZvnFeatureFailure& failure) {
+        TellZvnStatus(failure.what());
+    }
+}
+
+void CameraSource::LookAtExposure() {
+    ArvErrors errors;
+    const double microseconds = arv_camera_get_exposure_time(camera_.get(), errors.Next());
+    const bool isKnown = errors.HasNone() && microseconds > 0;
+    exposureMs_ = isKnown ? static_cast<int>(std::min(microseconds / 1000, kLongestExposureMs)) : 0;
 }
 
 /// By name, and with those of the camera's formats that would do.
@@ -108,6 +133,7 @@ ZvnGrab CameraSource::Grab(std::span<std::byte> destination, std::stop_token sto
     arv_stream_push_buffer(stream.get(),
                            isDirect ? arv_buffer_new(payload_, destination.data()) : arv_buffer_new_allocate(payload_));
     arv_camera_start_acquisition(camera_.get(), errors.Next());
+    if (isTriggered_) arv_camera_software_trigger(camera_.get(), errors.Next());
     if (!errors.HasNone()) return fail(errors);
     ZvnGrab result = ZvnGrab::None;
     while (result == ZvnGrab::None && !stop.stop_requested()) {
@@ -117,6 +143,7 @@ ZvnGrab CameraSource::Grab(std::span<std::byte> destination, std::stop_token sto
             result = ZvnGrab::Frame;
         } else {
             arv_stream_push_buffer(stream.get(), buffer.release());  // came in damaged: the next one
+            if (isTriggered_) arv_camera_software_trigger(camera_.get(), errors.Next());
         }
     }
     arv_camera_stop_acquisition(camera_.get(), errors.Next());
@@ -139,14 +166,69 @@ bool CameraSource::TakePicture(ArvBuffer* buffer, bool isDirect, std::span<std::
                                   padding, destination);
 }
 
-std::optional<int> CameraSource::FindFile(const std::string& name) { return FindCameraFile(Device(), name); }
+// Where the camera has no file for coefficients, its color transformation features stand in for one.
+
+bool CameraSource::HoldsFile(const std::string& name) { return FindCameraFile(Device(), name).has_value(); }
+
+std::optional<int> CameraSource::FindFile(const std::string& name) {
+    const auto index = FindCameraFile(Device(), name);
+    return !index && name == kCoefficientFile && HasColorFeatures() ? 0 : index;
+}
 
 std::optional<std::vector<char>> CameraSource::ReadFile(const std::string& name) {
-    return ReadCameraFile(Device(), name);
+    if (HoldsFile(name) || name != kCoefficientFile || !HasColorFeatures()) return ReadCameraFile(Device(), name);
+    const auto matrix = ReadColorFeatures();
+    return matrix ? std::optional(MakeZvnCoefficients(*matrix)) : std::nullopt;
 }
 
 bool CameraSource::WriteFile(const std::string& name, std::span<const char> content) {
-    return WriteCameraFile(Device(), name, content);
+    if (HoldsFile(name) || name != kCoefficientFile || !HasColorFeatures()) {
+        return WriteCameraFile(Device(), name, content);
+    }
+    ZvnColorMatrix matrix{};
+    const std::string wrong = ReadZvnCoefficients(content, matrix);
+    if (wrong.empty()) return WriteColorFeatures(matrix);
+    TellZvnStatus("writing the color transformation: " + wrong);
+    return false;
+}
+
+/// The greatest count of a channel inside the camera, which offsets are counted in.
+double CameraSource::GetFullScale() {
+    CameraFeatures features(Device());
+    try {
+        const double most = features.Has("PixelDynamicRangeMax") ? features.GetNumber("PixelDynamicRangeMax") : 0;
+        if (most > 0) return most;
+    } catch (const ZvnFeatureFailure&) {  // the pixel format says it, too
+    }
+    return (1 << (format_ ? GetZvnSampleBits(*format_) : 8)) - 1;
+}
+
+bool CameraSource::HasColorFeatures() {
+    CameraFeatures features(Device());
+    return HasZvnColorFeatures(features);
+}
+
+std::optional<std::array<float, 12>> CameraSource::ReadColorFeatures() {
+    CameraFeatures features(Device());
+    try {
+        return ReadZvnColorFeatures(features, GetFullScale());
+    } catch (const ZvnFeatureFailure& failure) {
+        TellZvnStatus(std::string("reading the color transformation: ") + failure.what());
+        return std::nullopt;
+    }
+}
+
+bool CameraSource::WriteColorFeatures(std::span<const float, 12> matrix) {
+    CameraFeatures features(Device());
+    ZvnColorMatrix values{};
+    std::ranges::copy(matrix, values.begin());
+    try {
+        WriteZvnColorFeatures(features, GetFullScale(), values);
+        return true;
+    } catch (const ZvnFeatureFailure& failure) {
+        TellZvnStatus(std::string("writing the color transformation: ") + failure.what());
+        return false;
+    }
 }
 
 #endif

@@ -25,14 +25,27 @@ public:
     bool WriteFile(const std::string& name, std::span<const char> content) override;
     bool SetImageFilter(int, std::span<const float, 12>) override { return false; }
 
+    bool HoldsFile(const std::string& name) override;
+    bool HasColorFeatures() override;
+    std::optional<std::array<float, 12>> ReadColorFeatures() override;
+    bool WriteColorFeatures(std::span<const float, 12> matrix) override;
+    std::vector<ZvnNote> GetNotes() override { return notes_; }
+    int GetExposureMs() const override { return exposureMs_; }
+
 private:
     ArvDevice* Device() const { return arv_camera_get_device(camera_.get()); }
     std::string Apply(const std::string& name, const std::string& value);
+    void LookAtTrigger();
+    void LookAtExposure();
+    double GetFullScale();
     void TellRefusedFormat() const;
     bool TakePicture(ArvBuffer* buffer, bool isDirect, std::span<std::byte> destination) const;
 
     ArvCameraHandle camera_;
     int deliveredBits_ = 8;
+    bool isTriggered_ = false;  // frames come when TriggerSoftware is carried out
+    int exposureMs_ = 0;
+    std::vector<ZvnNote> notes_;
     ZvnFrameFormat frame_;
     ArvPixelFormat pixelFormat_ = 0;
     const ZvnCameraFormat* format_ = nullptr;  // null: refused

@@ -1,62 +1,35 @@
 #include <gmock/gmock.h>
 
-#include <sstream>
+#include <mutex>
 
+#include "acquisition/CoefficientTransfer.h"
+#include "acquisition/zvn/ZvnAcqDevice.h"
 #include "acquisition/zvn/ZvnManager.h"
+#include "acquisition/zvn/color_features.h"
+#include "tests/acquisition/camera_description.h"
 #include "tests/acquisition/fake_camera.h"
 #include "tests/acquisition/simulation.h"
 
 namespace {
 
-/// An integer register of the fake camera's memory.
-std::string integer(const std::string& name, int address) {
-    std::ostringstream xml;
-    xml << "<IntReg Name=\"" << name << "\"><Address>" << address << "</Address><Length>4</Length>"
-        << "<AccessMode>RW</AccessMode><pPort>Device</pPort><Sign>Unsigned</Sign><Endianess>BigEndian</Endianess>"
-        << "</IntReg>\n";
-    return xml.str();
-}
-
-std::string choice(const std::string& name, int address, const std::vector<std::pair<std::string, long>>& entries) {
-    std::ostringstream xml;
-    xml << "<Enumeration Name=\"" << name << "\">";
-    for (const auto& [entry, value] : entries) {
-        xml << "<EnumEntry Name=\"" << entry << "\"><Value>" << value << "</Value></EnumEntry>";
-    }
-    xml << "<pValue>" << name << "Register</pValue></Enumeration>\n" << integer(name + "Register", address);
-    return xml.str();
-}
-
-std::string command(const std::string& name, int value, const std::string& registerName) {
-    return "<Command Name=\"" + name + "\"><pValue>" + registerName + "</pValue><CommandValue>" +
-           std::to_string(value) + "</CommandValue></Command>\n";
-}
-
 /// A camera that holds one file, accessed 48 bytes at a time. Its memory serves as the file; each operation "succeeds"
 /// unless the configuration sets its status to something else.
 std::string cameraWithAFile() {
-    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-           "<RegisterDescription ModelName=\"Fake\" VendorName=\"Test\" StandardNameSpace=\"None\" "
-           "SchemaMajorVersion=\"1\" SchemaMinorVersion=\"0\" SchemaSubMinorVersion=\"1\" MajorVersion=\"1\" "
-           "MinorVersion=\"0\" SubMinorVersion=\"0\" ToolTip=\"\" ProductGuid=\"0\" VersionGuid=\"0\" "
-           "xmlns=\"http://www.genicam.org/GenApi/Version_1_0\">\n"
-           "<Port Name=\"Device\"/>\n<Category Name=\"Root\"></Category>\n" +
-           integer("Width", 0x100) + integer("Height", 0x104) + integer("OffsetX", 0x130) + integer("OffsetY", 0x134) +
-           choice("PixelFormat", 0x128, {{"Mono8", 0x01080001}}) +
-           "<IntSwissKnife Name=\"PayloadSize\"><pVariable Name=\"W\">Width</pVariable>"
-           "<pVariable Name=\"H\">Height</pVariable><Formula>W * H</Formula></IntSwissKnife>\n" +
-           integer("Acquisition", 0x124) + command("AcquisitionStart", 1, "Acquisition") +
-           command("AcquisitionStop", 0, "Acquisition") +
-           choice("FileSelector", 0x8000, {{"UserFile", 7}, {"ColorCorrectionMatrix", 9}}) +
-           choice("FileOpenMode", 0x8004, {{"Read", 0}, {"Write", 1}}) +
-           choice("FileOperationSelector", 0x8008, {{"Open", 0}, {"Close", 1}, {"Read", 2}, {"Write", 3}}) +
-           integer("Execution", 0x800c) + command("FileOperationExecute", 1, "Execution") +
-           choice("FileOperationStatus", 0x8010, {{"Success", 0}, {"Failure", 1}}) +
-           integer("FileAccessLength", 0x8014) + integer("FileOperationResult", 0x8014) +
-           integer("FileAccessOffset", 0x8018) + integer("FileSize", 0x801c) +
-           "<Register Name=\"FileAccessBuffer\"><Address>0x9000</Address><pAddress>FileAccessOffset</pAddress>"
-           "<Length>48</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>\n"
-           "</RegisterDescription>\n";
+    return CameraDescription()
+        .Choice("FileSelector", 0x8000, {{"UserFile", 7}, {"ColorCorrectionMatrix", 9}})
+        .Choice("FileOpenMode", 0x8004, {{"Read", 0}, {"Write", 1}})
+        .Choice("FileOperationSelector", 0x8008, {{"Open", 0}, {"Close", 1}, {"Read", 2}, {"Write", 3}})
+        .Integer("Execution", 0x800c)
+        .Command("FileOperationExecute", 1, "Execution")
+        .Choice("FileOperationStatus", 0x8010, {{"Success", 0}, {"Failure", 1}})
+        .Integer("FileAccessLength", 0x8014)
+        .Integer("FileOperationResult", 0x8014)
+        .Integer("FileAccessOffset", 0x8018)
+        .Integer("FileSize", 0x801c)
+        .Add(
+            "<Register Name=\"FileAccessBuffer\"><Address>0xa000</Address><pAddress>FileAccessOffset</pAddress>"
+            "<Length>48</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>")
+        .Xml();
 }
 
 class Camera : public testing::Test {
@@ -174,6 +147,149 @@ TEST_F(Camera, TakesAndGivesFilesInPieces) {
     EXPECT_EQ(LastError(), "Cannot write file to device.");
     EXPECT_FALSE(recorded.session.TransferFile(answers_.Path("down.ccor").c_str(), false));
     EXPECT_EQ(LastError(), "Cannot read file from device.");
+}
+
+/// Hears what the layer tells.
+struct Ear {
+    Ear() {
+        ZvnManager::SetStatusListener([this](ZvnStatus kind, const std::string& text) {
+            const std::scoped_lock held(lock);
+            (kind == ZvnStatus::Note ? notes : errors).push_back(text);
+        });
+    }
+    ~Ear() { ZvnManager::SetStatusListener(nullptr); }
+
+    std::mutex lock;
+    std::vector<std::string> notes, errors;
+};
+
+std::string coefficients(const ZvnColorMatrix& matrix) {
+    const std::vector<char> bytes = MakeZvnCoefficients(matrix);
+    return {bytes.begin(), bytes.end()};
+}
+
+constexpr ZvnColorMatrix kMatrix = {-0.01f, 1.7f, -0.4f, -0.3f, 0.002f, -0.2f, 1.5f, 0.1f, 0.3f, 0.07f, -0.6f, 1.53f};
+
+TEST_F(Camera, WithoutAFileTakesCoefficientsThroughItsFeatures) {
+    answers_.Write("camera.xml", CameraDescription().ColorTransformation().Xml());
+    answers_.Write("up.ccor", coefficients(kMatrix));
+    answers_.Write("other.ccor", coefficients({0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}));
+    answers_.Write("blind.ccor", coefficients({0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}));
+    const std::string up = answers_.Path("up.ccor"), down = answers_.Path("down.ccor");
+    FakeCamera camera(answers_.Path("camera.xml"));
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    ASSERT_TRUE(IsFound(camera));
+    Ear ear;
+    RecordedSession recorded;
+    CTonewrightAcq& session = recorded.session;
+    EXPECT_EQ(FindCoefficientWay(session), CoefficientWay::None);
+    answers_.Pick(camera.Name());
+    ASSERT_TRUE(session.Configure()) << LastError();
+    EXPECT_TRUE(ear.notes.empty());
+
+    // The transfer as it stands, with no file on the camera.
+    EXPECT_TRUE(session.TransferFile(up.c_str(), true)) << LastError();
+    EXPECT_TRUE(session.TransferFile(down.c_str(), false)) << LastError();
+    EXPECT_EQ(answers_.Read("down.ccor"), coefficients(kMatrix));
+    ASSERT_TRUE(session.Reconnect()) << LastError();
+    ASSERT_EQ(ear.notes.size(), 1u);
+    EXPECT_THAT(ear.notes[0], testing::HasSubstr("\"ColorTransformationEnable = false\""));
+
+    const auto sent = SendCoefficients(session, answers_.Path("other.ccor"), CoefficientWay::None, down);
+    ASSERT_TRUE(sent) << LastError();
+    EXPECT_EQ(sent->way, CoefficientWay::Features);
+    EXPECT_TRUE(sent->verified);
+    EXPECT_EQ(answers_.Read("down.ccor"), coefficients(kMatrix)) << "what was there before";
+    EXPECT_FALSE(SendCoefficients(session, up, CoefficientWay::File, ""));
+    EXPECT_EQ(LastError(), "The device has no file \"ColorCorrectionMatrix\".");
+    EXPECT_FALSE(SendCoefficients(session, answers_.Path("blind.ccor"), CoefficientWay::None, ""));
+    EXPECT_THAT(LastError(), testing::HasSubstr("red"));
+    ZvnColorMatrix strong = kMatrix;
+    strong[1] = 300;
+    answers_.Write("strong.ccor", coefficients(strong));
+    EXPECT_FALSE(SendCoefficients(session, answers_.Path("strong.ccor"), CoefficientWay::Features, ""));
+    ASSERT_FALSE(ear.errors.empty());
+    EXPECT_THAT(ear.errors.back(), testing::HasSubstr("Gain00 would be 300, outside the camera's -256 to 256"));
+    EXPECT_TRUE(session.TransferFile(down.c_str(), false));
+    EXPECT_EQ(answers_.Read("down.ccor"), answers_.Read("other.ccor")) << "nothing of those was written";
+
+    camera.Unplug();
+    EXPECT_FALSE(session.TransferFile(up.c_str(), true));
+    EXPECT_EQ(LastError(), "Cannot write file to device.");
+}
+
+TEST_F(Camera, TellsWhatSpoilsACalibrationAndAnUnusableFormat) {
+    const CameraDescription::Entries automatic = {{"Off", 0}, {"Once", 1}, {"Continuous", 2}};
+    answers_.Write("camera.xml",
+                   CameraDescription({{"Mono8", 0x01080001}, {"Mono8s", 0x01080002}, {"Strange", 0x02180099}})
+                       .Choice("ExposureAuto", 0x8000, automatic)
+                       .Choice("GainAuto", 0x8004, automatic)
+                       .Choice("BalanceWhiteAuto", 0x8008, automatic)
+                       .Switch("GammaEnable", 0x800c)
+                       .Number("Gamma", 0x8010, 0, 4)
+                       .Switch("LUTEnable", 0x8020)
+                       .Number("ExposureTime", 0x8028, 0, 10'000'000)
+                       .Xml());
+    answers_.Write("wild.txt",
+                   "ExposureAuto = Continuous\nGainAuto = Once\nBalanceWhiteAuto = Continuous\nGammaEnable = true\n"
+                   "Gamma = 0.45\nLUTEnable = true\nExposureTime = 2500000\n");
+    const FakeCamera camera(answers_.Path("camera.xml"));
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    ASSERT_TRUE(IsFound(camera));
+    Ear ear;
+    RecordedSession recorded;
+    CTonewrightAcq& session = recorded.session;
+    answers_.Pick(camera.Name(), answers_.Path("wild.txt"));
+    ASSERT_TRUE(session.Configure()) << LastError();
+    const std::vector<ZvnNote> notes = session.GetCamera()->GetNotes();
+    std::string tame;
+    for (const ZvnNote& note : notes) tame += note.line + "\n";
+    EXPECT_EQ(tame,
+              "ExposureAuto = Off\nGainAuto = Off\nBalanceWhiteAuto = Off\nGammaEnable = false\nLUTEnable = false\n");
+    ASSERT_EQ(ear.notes.size(), 5u);
+    EXPECT_EQ(
+        ear.notes[3],
+        "Gamma is 0.45: the camera's values are not linear in the light, so that a calibration does not hold; the "
+        "line \"GammaEnable = false\" in the configuration file turns it off");
+    int waitMs = 0;
+    CAbortDlg::SetWaitFor([&](void*, ZvnTransfer&, int ms) {
+        waitMs = ms;
+        return false;
+    });
+    EXPECT_TRUE(session.Snap());
+    EXPECT_EQ(waitMs, 1000 + 2500);
+
+    ear.notes.clear();
+    answers_.Write("tame.txt", tame);
+    answers_.Pick(camera.Name(), answers_.Path("tame.txt"));
+    ASSERT_TRUE(session.Configure()) << LastError();
+    EXPECT_TRUE(ear.notes.empty());
+
+    answers_.Write("strange.txt", "PixelFormat = Strange\n");
+    answers_.Pick(camera.Name(), answers_.Path("strange.txt"));
+    EXPECT_FALSE(session.Configure());
+    EXPECT_THAT(LastError(), testing::StartsWith("Configure => input data format not supported"));
+    ASSERT_FALSE(ear.errors.empty());
+    EXPECT_EQ(ear.errors[0], "pixel format Strange cannot be used; set PixelFormat to Mono8");
+}
+
+TEST_F(Camera, InTriggerModeSendsAFrameForEachGrab) {
+    FakeCamera camera;
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    ASSERT_TRUE(IsFound(camera));
+    Ear ear;
+    RecordedSession recorded;
+    answers_.Write("trigger.txt", "TriggerMode = On\nTriggerSource = Software\n");
+    answers_.Pick(camera.Name(), answers_.Path("trigger.txt"));
+    ASSERT_TRUE(recorded.session.Configure()) << LastError();
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(recorded.session.Snap());
+    EXPECT_EQ(recorded.WaitForFrames(3).size(), 3u);
+    EXPECT_TRUE(ear.notes.empty());
+    answers_.Write("line.txt", "TriggerMode = On\nTriggerSource = Line0\n");
+    answers_.Pick(camera.Name(), answers_.Path("line.txt"));
+    ASSERT_TRUE(recorded.session.Configure()) << LastError();
+    ASSERT_EQ(ear.notes.size(), 1u);
+    EXPECT_THAT(ear.notes[0], testing::HasSubstr("waits for a trigger from Line0"));
 }
 
 }  // namespace
