@@ -1,0 +1,296 @@
+#include "chart/ChartFinder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "chart/chart_placement_impl.h"
+#include "chart/chart_surface_impl.h"
+#include "chart/find_reasons_impl.h"
+#include "foundation/nur_image.h"
+
+namespace {
+
+constexpr int kCoarsest = 180;        // pixels of the longer side, below which no copy is halved again
+constexpr int kFullBelow = 1600;      // a picture of a longer side than this is not looked at in full size: patches
+                                      // of a chart of a twelfth of its width are large enough at half
+constexpr int kMaxSide = 48;          // pixels of a patch in a copy; larger ones are left to a coarser copy
+constexpr int kMinNodes = 7;          // of a lattice that is worth a look
+constexpr std::size_t kLattices = 4;  // looked at in a copy, the largest ones
+constexpr double kMaxResidual = 0.4;  // of the colors on a small copy
+constexpr double kMaxFinalResidual = 0.36;  // of the colors as measured: charts of other makes reach 0.25, the best of
+                                            // grids that are no charts 0.5
+constexpr double kMinMargin = 1.5;          // of the next best residual over the best
+constexpr double kMinEdged = 1.0 / 3;       // of the patches must have edges where they should
+constexpr std::size_t kSecondLook =
+    400000;  // pixels of the next finer copy up to which it is searched for another chart
+constexpr int kOutliers = 3;
+
+bool isMatch(const ChartPlacement& placement) {
+    return placement.match.residual < kMaxResidual && placement.match.residual * kMinMargin < placement.rival;
+}
+
+ChartPoint toPicture(const ChartPoint& p, int factor, const CTivRect& part) {
+    return {part.x + (p.x + 0.5) * factor - 0.5, part.y + (p.y + 0.5) * factor - 0.5};
+}
+
+double cross(const ChartPoint& o, const ChartPoint& a, const ChartPoint& b) {
+    return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+}
+
+bool isWithin(const std::array<ChartPoint, 4>& quad, const ChartPoint& p) {
+    int left = 0;
+    for (std::size_t i = 0; i < 4; ++i) left += cross(quad[i], quad[(i + 1) % 4], p) > 0;
+    return left == 0 || left == 4;
+}
+
+/// The search of one picture.
+class Search {
+public:
+    Search(const CTivImage& image, const CTivRect& part, const ChartLayout& layout)
+        : image_(image), part_(part), layout_(layout), matcher_(layout.references), placements_(layout, matcher_) {
+        trace_.needed = (2 * static_cast<int>(layout.Count()) + 2) / 3;
+        trace_.patches = static_cast<int>(layout.Count());
+        trace_.isRoi = part.width != image.GetWidth() || part.height != image.GetHeight();
+    }
+
+    FoundChart Run() {
+        MakeCopies();
+        for (std::size_t level = copies_.size(); level-- > 0;) {
+            std::vector<FoundChart> charts = SearchCopy(level);
+            if (charts.empty()) continue;
+            if (level > 0 && !copies_[level - 1].words.empty() && copies_[level - 1].words.size() < kSecondLook) {
+                for (FoundChart& chart : SearchCopy(level - 1)) charts.push_back(std::move(chart));
+            }
+            for (std::size_t i = 1; i < charts.size(); ++i) {
+                if (!isWithin(charts[0].corners, CenterOf(charts[i]))) return Several(charts[0], charts[i]);
+            }
+            return charts[0];
+        }
+        if (trace_.seen > 0 && !trace_.fitsTwice) LookBeyondTheRim();
+        return Refused(trace_);
+    }
+
+private:
+    struct Sight {  // of a copy
+        std::vector<FlatPatch> patches;
+        std::vector<PatchLattice> lattices;
+    };
+
+    void MakeCopies() {
+        const bool hasFull = std::max(part_.width, part_.height) < kFullBelow;
+        if (hasFull) copies_.emplace_back();  // made when it is needed
+        copies_.push_back(MakeHalfCopy(image_, part_));
+        while (std::max(copies_.back().width, copies_.back().height) > kCoarsest) {
+            copies_.push_back(Halved(copies_.back()));
+        }
+        sights_.resize(copies_.size());
+    }
+
+    std::vector<FoundChart> SearchCopy(std::size_t level) {
+        if (copies_[level].words.empty()) copies_[level] = MakeFullCopy(image_, part_);
+        const WorkingCopy& copy = copies_[level];
+        Sight& sight = sights_[level];
+        const bool isCoarsest = level + 1 == copies_.size();
+        sight.patches = FindFlatPatches(copy, isCoarsest ? std::max(copy.width, copy.height) : kMaxSide);
+        sight.lattices = FindLattices(sight.patches, kMinNodes);
+        if (sight.lattices.size() > kLattices) sight.lattices.resize(kLattices);
+        trace_.flatPatches = std::max(trace_.flatPatches, static_cast<int>(sight.patches.size()));
+        std::vector<FoundChart> charts;
+        for (const ChartPlacement& placement : placements_.Search(copy, sight.patches, sight.lattices, false)) {
+            if (placement.mostSeen > trace_.seen) {
+                trace_.seen = placement.mostSeen;
+                fullest_ = level;
+            }
+            if (placement.match.residual >= kMaxResidual) continue;
+            if (isMatch(placement)) {
+                auto chart = Verify(placement, copy);
+                if (chart) charts.push_back(std::move(*chart));
+            } else {
+                trace_.fitsTwice = true;
+            }
+        }
+        return charts;
+    }
+
+    /// Moves the chart onto its edges in the picture and judges it by what is measured there.
+    std::optional<FoundChart> Verify(const ChartPlacement& placement, const WorkingCopy& copy) {
+        const auto columnOf = [&](std::size_t i) { return static_cast<int>(i) % layout_.columns; };
+        const auto rowOf = [&](std::size_t i) { return static_cast<int>(i) / layout_.columns; };
+        std::vector<PlacePair> pairs;
+        for (std::size_t i = 0; i < layout_.Count(); ++i) {
+            pairs.push_back({{double(columnOf(i)), double(rowOf(i))},
+                             toPicture(placement.centers[i], copy.factor, part_),
+                             placement.seen[i] ? 1.0 : 0.1});
+        }
+        const auto map = FitPlaneMap(pairs);
+        if (!map) return std::nullopt;
+        ChartSurface surface(*map, layout_.columns, layout_.rows);
+        const std::vector<int> edges = surface.Refine(SmoothPicture(image_));
+        FoundChart chart;
+        chart.refusal = FindRefusal::None;
+        int edged = 0;
+        for (std::size_t i = 0; i < layout_.Count(); ++i) {
+            chart.patches.push_back(surface.PatchAt(columnOf(i), rowOf(i)));
+            chart.patches.back().seen = edges[i] >= 3;
+            edged += edges[i] >= 3;
+        }
+        chart.seen = std::max(edged, placement.CountSeen());
+        if (edged < kMinEdged * static_cast<double>(layout_.Count())) return std::nullopt;
+        DescribeCorners(chart);
+        return JudgeColors(chart, placement) ? std::optional(chart) : std::nullopt;
+    }
+
+    void DescribeCorners(FoundChart& chart) const {
+        const std::size_t columns = static_cast<std::size_t>(layout_.columns), count = layout_.Count();
+        const std::array<std::size_t, 4> ends = {0, columns - 1, count - 1, count - columns};
+        for (std::size_t i = 0; i < 4; ++i) chart.corners[i] = chart.patches[ends[i]].corners[i];
+        const auto& [upperLeft, upperRight, lowerRight, lowerLeft] = chart.corners;
+        chart.mirrored = cross(upperLeft, upperRight, lowerLeft) < 0;
+        const ChartPoint first = chart.patches[0].center, last = chart.patches[columns - 1].center;
+        chart.rotation = std::atan2(last.y - first.y, last.x - first.x) * 180 / std::numbers::pi;
+    }
+
+    bool JudgeColors(FoundChart& chart, const ChartPlacement& placement) {
+        const double full = GetChannelFullScale(image_.GetFormat());
+        std::vector<PatchSample> samples;
+        for (const PatchMeasurement& patch : MeasurePatches(image_, chart)) {
+            PatchSample sample{{}, layout_.PlaceInUnit(samples.size()), patch.pixels > 0};
+            for (std::size_t c = 0; c < 3; ++c) sample.color[c] = 255 * std::sqrt(patch.mean[c] / full);
+            samples.push_back(sample);
+        }
+        const ColorMatch match = matcher_.Match(samples, placement.match.exponent, kOutliers);
+        const double rival = std::min(placement.rival, BestTurned(samples));
+        if (match.residual > kMaxFinalResidual) return false;
+        if (match.residual * kMinMargin > rival) {
+            trace_.fitsTwice = true;
+            return false;
+        }
+        chart.found = true;
+        chart.confidence = 1 - match.residual / rival;
+        return true;
+    }
+
+    /// The least residual of the patches taken in another order: turned by half, or mirrored.
+    double BestTurned(std::span<const PatchSample> samples) const {
+        double best = 1;
+        const auto columns = static_cast<std::size_t>(layout_.columns), rows = static_cast<std::size_t>(layout_.rows);
+        for (int order = 1; order < 4; ++order) {
+            std::vector<PatchSample> turned;
+            for (std::size_t i = 0; i < samples.size(); ++i) {
+                const std::size_t column = i % columns, row = i / columns;
+                turned.push_back(samples[(order & 2 ? rows - 1 - row : row) * columns +
+                                         (order & 1 ? columns - 1 - column : column)]);
+                turned.back().place = samples[i].place;
+            }
+            best = std::min(best, matcher_.Match(turned, 1.0, kOutliers).residual);
+        }
+        return best;
+    }
+
+    static ChartPoint CenterOf(const FoundChart& chart) {
+        ChartPoint center;
+        for (const ChartPoint& corner : chart.corners) {
+            center.x += corner.x / 4;
+            center.y += corner.y / 4;
+        }
+        return center;
+    }
+
+    static FoundChart Several(const FoundChart& first, const FoundChart& second) {
+        FoundChart refusal;
+        refusal.refusal = FindRefusal::Several;
+        refusal.seen = first.seen + second.seen;
+        const auto at = [](const FoundChart& chart) {
+            const ChartPoint center = CenterOf(chart);
+            return std::to_string(std::lround(center.x)) + "," + std::to_string(std::lround(center.y));
+        };
+        refusal.text = "more than one chart was seen, around " + at(first) + " and " + at(second) +
+                       "; a ROI around one of them decides";
+        return refusal;
+    }
+
+    /// Finds out which corners of a chart that is cut off are missing.
+    void LookBeyondTheRim() {
+        const Sight& sight = sights_[fullest_];
+        const WorkingCopy& copy = copies_[fullest_];
+        for (const ChartPlacement& placement : placements_.Search(copy, sight.patches, sight.lattices, true)) {
+            if (!isMatch(placement)) continue;
+            const double right = layout_.columns - 1, below = layout_.rows - 1;
+            const std::array<ChartPoint, 4> corners = {{{0, 0}, {right, 0}, {right, below}, {0, below}}};
+            for (std::size_t i = 0; i < 4; ++i) {
+                const ChartPoint p = placement.map(corners[i]);
+                trace_.outside[i] = !(p.x >= 0 && p.y >= 0 && p.x < copy.width && p.y < copy.height);
+            }
+            trace_.seen = placement.CountSeen();
+            return;
+        }
+    }
+
+    const CTivImage& image_;
+    CTivRect part_;
+    const ChartLayout& layout_;
+    ColorMatcher matcher_;
+    PlacementSearch placements_;
+    std::vector<WorkingCopy> copies_;  // finest first
+    std::vector<Sight> sights_;        // of each copy
+    std::size_t fullest_ = 0;          // the copy where most patches of a chart were seen
+    FindTrace trace_;
+};
+
+}  // namespace
+
+ChartFinder::ChartFinder(ChartLayout layout) : layout_(std::move(layout)) {}
+
+FoundChart ChartFinder::Find(const CTivImage& image, const std::optional<ChartRoi>& roi) const {
+    FoundChart refusal;
+    CTivRect part{0, 0, image.GetWidth(), image.GetHeight()};
+    if (roi) {
+        const std::int64_t width = std::int64_t{roi->right} - roi->left, height = std::int64_t{roi->bottom} - roi->top;
+        if (width < 1 || height < 1 || roi->left < 0 || roi->top < 0 || roi->right > part.width ||
+            roi->bottom > part.height) {
+            refusal.text = "the ROI does not lie in the picture";
+            return refusal;
+        }
+        part = {roi->left, roi->top, static_cast<int>(width), static_cast<int>(height)};
+    }
+    if (!image.IsAllocated() || !HasToned(image.GetFormat())) {
+        refusal.text = "the picture has no colors that can be measured";
+        return refusal;
+    }
+    return Search(image, part, layout_).Run();
+}
+
+std::vector<PatchMeasurement> MeasurePatches(const CTivImage& image, const FoundChart& chart) {
+    std::vector<PatchMeasurement> measured;
+    const NurImage* record = image.GetRecord();
+    const std::int64_t pixelBytes = CTivData::GetFormatBits(image.GetFormat()) / 8;
+    for (const FoundPatch& patch : chart.patches) {
+        PatchAccumulator accumulator(image.GetFormat());
+        std::array<ChartPoint, 4> inner;
+        double top = image.GetHeight(), bottom = -1;
+        for (std::size_t i = 0; i < 4; ++i) {
+            inner[i] = {(patch.corners[i].x + patch.center.x) / 2, (patch.corners[i].y + patch.center.y) / 2};
+            top = std::min(top, inner[i].y);
+            bottom = std::max(bottom, inner[i].y);
+        }
+        const int first = std::max(0, static_cast<int>(std::ceil(top)));
+        const int last = std::min(image.GetHeight() - 1, static_cast<int>(std::floor(bottom)));
+        for (int y = first; y <= last; ++y) {
+            double left = image.GetWidth(), right = -1;
+            for (std::size_t i = 0; i < 4; ++i) {  // where the row crosses the outline
+                const ChartPoint &a = inner[i], &b = inner[(i + 1) % 4];
+                if ((a.y <= y) == (b.y <= y) && a.y != y && b.y != y) continue;
+                const double x = a.y == b.y ? a.x : a.x + (y - a.y) / (b.y - a.y) * (b.x - a.x);
+                left = std::min(left, x);
+                right = std::max(right, x);
+            }
+            const int from = std::max(0, static_cast<int>(std::ceil(left)));
+            const int to = std::min(image.GetWidth() - 1, static_cast<int>(std::floor(right)));
+            if (from <= to)
+                accumulator.Add(record->Row(y) + from * pixelBytes, static_cast<std::size_t>(to - from + 1));
+        }
+        measured.push_back(accumulator.Measure());
+    }
+    return measured;
+}

@@ -1,0 +1,301 @@
+#include "chart/chart_surface_impl.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double kEdgeSpan = 0.8;            // of a side: the part of an edge that is looked at
+constexpr double kMinReach = 2.0;            // pixels
+constexpr int kMaxSamples = 64;              // across an edge
+constexpr double kMinContrast = 4;           // toned levels, over two samples
+constexpr double kFirstPeak = 0.5;           // of the largest change: the first such one outwards is the edge
+constexpr double kPeakFoot = 0.2;            // of its height: where a peak ends
+constexpr double kLimits[] = {12, 8, 6, 4};  // of the median offset, round by round: what lies farther off is left out
+constexpr double kMaxShift = 0.06;           // of a step, of a single patch
+constexpr double kMaxOffset = 0.12;          // of a step
+constexpr double kStiffness[] = {1e-6, 1e-5, 1e-4, 3e-4};  // against terms of order 0 to 3
+
+double dot(const ChartPoint& a, const ChartPoint& b) { return a.x * b.x + a.y * b.y; }
+ChartPoint minus(const ChartPoint& a, const ChartPoint& b) { return {a.x - b.x, a.y - b.y}; }
+ChartPoint along(const ChartPoint& p, const ChartPoint& direction, double by) {
+    return {p.x + by * direction.x, p.y + by * direction.y};
+}
+
+double medianOf(std::vector<double>& values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+/// The first high peak of a profile, from inside the patch outwards: what comes behind is the neighbour's edge.
+/// @param change squared; 0 at both ends @param height receives the peak's
+/// @return its centre of gravity, as an index; nothing where all is even
+std::optional<double> findPeak(std::span<const double> change, double& height) {
+    const double most = *std::max_element(change.begin(), change.end());
+    if (most < kMinContrast * kMinContrast) return std::nullopt;
+    std::size_t peak = 1;
+    while (change[peak] < kFirstPeak * most || change[peak + 1] > change[peak]) ++peak;
+    height = change[peak];
+    std::size_t first = peak, last = peak;
+    while (change[first - 1] > kPeakFoot * height) --first;
+    while (change[last + 1] > kPeakFoot * height) ++last;
+    double sum = 0, moment = 0;
+    for (std::size_t i = first; i <= last; ++i) {
+        sum += change[i];
+        moment += change[i] * static_cast<double>(i);
+    }
+    return moment / sum;
+}
+
+}  // namespace
+
+/// How closely edges are looked at.
+struct ChartSurface::Look {
+    double reach;    // of a step: how far from where it is thought an edge is looked for
+    int segments;    // of an edge, each found for itself
+    int scans;       // lines across an edge that a segment averages
+    double spacing;  // pixels between samples across an edge, at least
+    int samples;     // across an edge, at most
+};
+
+/// A piece of a patch's edge.
+struct ChartSurface::Edge {
+    int column, row;
+    int axis;           // 0: at the left or right of the patch, 1: above or below
+    int sign;           // -1 left or above, 1 right or below
+    double t;           // along the edge from its middle, in sides
+    ChartPoint found;   // in the picture
+    ChartPoint normal;  // outwards, of length 1
+    double contrast;    // toned levels
+    double weight;
+
+    ChartPoint Place(const std::array<double, 2>& side) const {
+        const double off = sign * side[static_cast<std::size_t>(axis)] / 2;
+        const double slide = t * side[static_cast<std::size_t>(1 - axis)];
+        return axis == 0 ? ChartPoint{column + off, row + slide} : ChartPoint{column + slide, row + off};
+    }
+};
+
+ChartSurface::ChartSurface(const PlaneMap& map, int columns, int rows)
+    : map_(map),
+      columns_(columns),
+      rows_(rows),
+      shifts_(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {}
+
+std::array<double, ChartSurface::kTerms> ChartSurface::TermsAt(const ChartPoint& place) const {
+    const double half = std::max(columns_, rows_) / 2.0;
+    const double x = (place.x - (columns_ - 1) / 2.0) / half, y = (place.y - (rows_ - 1) / 2.0) / half;
+    return {1, x, y, x * x, x * y, y * y, x * x * x, x * x * y, x * y * y, y * y * y};
+}
+
+ChartPoint ChartSurface::At(const ChartPoint& place) const {
+    ChartPoint at = map_(place);
+    const auto terms = TermsAt(place);
+    for (std::size_t i = 0; i < kTerms; ++i) {
+        at.x += bend_[0][i] * terms[i];
+        at.y += bend_[1][i] * terms[i];
+    }
+    return at;
+}
+
+double ChartSurface::StepAt(const ChartPoint& place) const {
+    const ChartPoint here = At(place);
+    const ChartPoint right = minus(At({place.x + 1, place.y}), here), below = minus(At({place.x, place.y + 1}), here);
+    return std::min(std::hypot(right.x, right.y), std::hypot(below.x, below.y));
+}
+
+bool ChartSurface::Aim(Edge& edge, ChartPoint& at, ChartPoint& side, double& step) const {
+    const ChartPoint place = edge.Place(side_);
+    at = At(place);
+    const double out = 0.1 * edge.sign;
+    const ChartPoint beyond = edge.axis == 0 ? At({place.x + out, place.y}) : At({place.x, place.y + out});
+    const ChartPoint tip = edge.axis == 0 ? At({place.x, place.y + 0.1}) : At({place.x + 0.1, place.y});
+    side = {10 * (tip.x - at.x), 10 * (tip.y - at.y)};
+    const double sideLength = std::hypot(side.x, side.y);
+    if (!(sideLength > 0)) return false;
+    edge.normal = {-side.y / sideLength, side.x / sideLength};
+    step = 10 * dot(edge.normal, minus(beyond, at));
+    if (step < 0) {
+        edge.normal = {-edge.normal.x, -edge.normal.y};
+        step = -step;
+    }
+    return true;
+}
+
+bool ChartSurface::FindEdge(const SmoothPicture& picture, const Look& look, Edge& edge) const {
+    ChartPoint at, side;
+    double step = 0;
+    if (!Aim(edge, at, side, step)) return false;
+    const double half = std::max(kMinReach, look.reach * step);
+    const double spacing = std::max(look.spacing, 2 * half / look.samples);
+    const int middle = static_cast<int>(half / spacing) + 1;
+    std::array<TonedColor, kMaxSamples> profile = {};
+    const std::size_t count = static_cast<std::size_t>(2 * middle + 1);
+    for (int scan = 0; scan < look.scans; ++scan) {
+        const double slide = (scan - (look.scans - 1) / 2.0) / look.scans * kEdgeSpan / look.segments;
+        const ChartPoint line = along(at, side, slide);
+        if (!picture.Holds(along(line, edge.normal, -middle * spacing)) ||
+            !picture.Holds(along(line, edge.normal, middle * spacing))) {
+            return false;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            picture.AddAt(along(line, edge.normal, (static_cast<int>(i) - middle) * spacing), profile[i]);
+        }
+    }
+    std::array<double, kMaxSamples> change = {};  // squared, over two samples
+    for (TonedColor& color : std::span(profile).first(count)) {
+        for (double& level : color) level = 255 * std::sqrt(level / look.scans);
+    }
+    for (std::size_t i = 1; i + 1 < count; ++i) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            const double difference = profile[i + 1][c] - profile[i - 1][c];
+            change[i] += difference * difference;
+        }
+    }
+    double height = 0;
+    const auto peak = findPeak(std::span<const double>(change).first(count), height);
+    if (!peak) return false;
+    edge.found = along(at, edge.normal, (*peak - middle) * spacing);
+    edge.contrast = std::sqrt(height);
+    edge.weight = 1;
+    return true;
+}
+
+std::vector<ChartSurface::Edge> ChartSurface::FindEdges(const SmoothPicture& picture, const Look& look) const {
+    std::vector<Edge> edges;
+    for (int row = 0; row < rows_; ++row) {
+        for (int column = 0; column < columns_; ++column) {
+            for (int side = 0; side < 4; ++side) {
+                for (int segment = 0; segment < look.segments; ++segment) {
+                    const double t = (segment - (look.segments - 1) / 2.0) * kEdgeSpan / look.segments;
+                    Edge edge{column, row, side / 2, side % 2 ? 1 : -1, t, {}, {}, 0, 0};
+                    if (FindEdge(picture, look, edge)) edges.push_back(edge);
+                }
+            }
+        }
+    }
+    return edges;
+}
+
+double ChartSurface::Offset(const Edge& edge) const {
+    return dot(edge.normal, minus(edge.found, At(edge.Place(side_))));
+}
+
+void ChartSurface::TakeSides(std::span<const Edge> edges) {
+    for (int axis = 0; axis < 2; ++axis) {
+        std::vector<double> sides;
+        for (const Edge& edge : edges) {
+            if (edge.axis != axis) continue;
+            const ChartPoint place = edge.Place(side_);
+            const ChartPoint beyond =
+                axis == 0 ? At({place.x + edge.sign, place.y}) : At({place.x, place.y + edge.sign});
+            const double step = dot(edge.normal, minus(beyond, At(place)));
+            if (step > 0) sides.push_back(side_[static_cast<std::size_t>(axis)] + 2 * Offset(edge) / step);
+        }
+        if (sides.size() >= 8) side_[static_cast<std::size_t>(axis)] = std::clamp(medianOf(sides), 0.5, 0.97);
+    }
+}
+
+bool ChartSurface::Fit(std::span<Edge> edges) {
+    constexpr std::size_t n = 2 * kTerms + 2;
+    if (edges.size() < 2 * n) return false;
+    const double step = StepAt({(columns_ - 1) / 2.0, (rows_ - 1) / 2.0});
+    for (int round = 0; round < static_cast<int>(std::size(kLimits)); ++round) {
+        std::vector<double> offsets;
+        for (const Edge& edge : edges) offsets.push_back(std::abs(Offset(edge)));
+        std::vector<double> sorted = offsets;
+        const double limit = std::max(0.4, std::min(kLimits[round] * medianOf(sorted), kMaxOffset * step));  // pixels
+        std::array<double, n* n> a = {};
+        std::array<double, n> b = {};
+        double whole = 0;
+        for (std::size_t e = 0; e < edges.size(); ++e) {
+            Edge& edge = edges[e];
+            const double share = offsets[e] / limit;
+            // The biweight of J. W. Tukey: what lies beyond the limit counts for nothing.
+            edge.weight = share < 1 ? (1 - share * share) * (1 - share * share) * std::min(1.0, edge.contrast / 30) : 0;
+            if (edge.weight <= 0) continue;
+            const ChartPoint place = edge.Place(side_);
+            const auto terms = TermsAt(place);
+            std::array<double, n> row = {};
+            for (std::size_t i = 0; i < kTerms; ++i) {
+                row[i] = edge.normal.x * terms[i];
+                row[kTerms + i] = edge.normal.y * terms[i];
+            }
+            const ChartPoint beyond =
+                edge.axis == 0 ? At({place.x + 0.1 * edge.sign, place.y}) : At({place.x, place.y + 0.1 * edge.sign});
+            row[2 * kTerms + static_cast<std::size_t>(edge.axis)] = 10 * dot(edge.normal, minus(beyond, At(place))) / 2;
+            const double offset = Offset(edge);
+            for (std::size_t i = 0; i < n; ++i) {
+                for (std::size_t j = 0; j <= i; ++j) a[n * i + j] += edge.weight * row[i] * row[j];
+                b[i] += edge.weight * row[i] * offset;
+            }
+            whole += edge.weight;
+        }
+        for (std::size_t i = 0; i < 2 * kTerms; ++i) {
+            const std::size_t term = i % kTerms;
+            const int order = term == 0 ? 0 : term < 3 ? 1 : term < 6 ? 2 : 3;
+            a[n * i + i] += kStiffness[order] * whole;
+            b[i] -= kStiffness[order] * whole * bend_[i / kTerms][term];
+        }
+        for (std::size_t i = 2 * kTerms; i < n; ++i) a[n * i + i] += 1e-3 * whole;
+        if (!SolveSymmetric(a, b)) return false;
+        for (std::size_t i = 0; i < 2 * kTerms; ++i) bend_[i / kTerms][i % kTerms] += b[i];
+        for (std::size_t i = 0; i < 2; ++i) side_[i] = std::clamp(side_[i] + b[2 * kTerms + i], 0.5, 0.97);
+    }
+    return true;
+}
+
+void ChartSurface::ShiftPatches(std::span<const Edge> edges) {
+    for (std::size_t patch = 0; patch < shifts_.size(); ++patch) {
+        std::array<double, 4> a = {};
+        std::array<double, 2> b = {};
+        std::array<int, 4> counts = {};
+        for (const Edge& edge : edges) {
+            if (static_cast<std::size_t>(edge.row * columns_ + edge.column) != patch || edge.weight <= 0) continue;
+            const double offset = Offset(edge);
+            a[0] += edge.weight * edge.normal.x * edge.normal.x;
+            a[2] += edge.weight * edge.normal.x * edge.normal.y;
+            a[3] += edge.weight * edge.normal.y * edge.normal.y;
+            b[0] += edge.weight * edge.normal.x * offset;
+            b[1] += edge.weight * edge.normal.y * offset;
+            ++counts[static_cast<std::size_t>(2 * edge.axis + (edge.sign > 0))];
+        }
+        shifts_[patch] = {};
+        // All four sides, so that a wrong size is no shift.
+        if (*std::min_element(counts.begin(), counts.end()) < 3 || !SolveSymmetric(a, b)) continue;
+        const double step =
+            StepAt({double(static_cast<int>(patch) % columns_), double(static_cast<int>(patch) / columns_)});
+        if (std::hypot(b[0], b[1]) < kMaxShift * step) shifts_[patch] = {b[0], b[1]};
+    }
+}
+
+std::vector<int> ChartSurface::Refine(const SmoothPicture& picture) {
+    std::vector<Edge> edges;
+    constexpr Look kCoarse = {0.13, 3, 3, 1.0, 24}, kFine = {0.05, 5, 4, 0.5, 32};
+    edges = FindEdges(picture, kCoarse);
+    TakeSides(edges);
+    if (Fit(edges)) {
+        edges = FindEdges(picture, kFine);
+        Fit(edges);
+    }
+    ShiftPatches(edges);
+    std::vector<int> counts(shifts_.size());
+    for (std::size_t patch = 0; patch < counts.size(); ++patch) {
+        std::array<int, 4> sides = {};
+        for (const Edge& edge : edges) {
+            if (static_cast<std::size_t>(edge.row * columns_ + edge.column) != patch || edge.weight <= 0) continue;
+            ++sides[static_cast<std::size_t>(2 * edge.axis + (edge.sign > 0))];
+        }
+        counts[patch] = static_cast<int>(std::count_if(sides.begin(), sides.end(), [](int n) { return n >= 2; }));
+    }
+    return counts;
+}
+
+FoundPatch ChartSurface::PatchAt(int column, int row) const {
+    const ChartPoint shift = shifts_[static_cast<std::size_t>(row * columns_ + column)];
+    const auto at = [&](double across, double down) {
+        return along(At({column + across * side_[0] / 2, row + down * side_[1] / 2}), shift, 1);
+    };
+    return {at(0, 0), {at(-1, -1), at(1, -1), at(1, 1), at(-1, 1)}, false};
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <array>
+#include <span>
+#include <vector>
+
+#include "chart/plane_map_impl.h"
+#include "chart/working_copy_impl.h"
+
+/// Where the places of a chart lie in a picture: a perspective map and, beside it, a bend of third order, which takes
+/// up what a lens or a warped card does. A patch is a square of `side` steps around its place (column, row).
+class ChartSurface {
+public:
+    /// @param columns, rows patches of the chart
+    ChartSurface(const PlaneMap& map, int columns, int rows);
+
+    ChartPoint At(const ChartPoint& place) const;
+    double GetSideAcross() const { return side_[0]; }  ///< of a patch along a row, in steps
+    double GetSideAlong() const { return side_[1]; }
+    /// Length in pixels of the shorter step at a place.
+    double StepAt(const ChartPoint& place) const;
+
+    /// Moves the surface onto the edges of the patches in the picture.
+    /// @return for each patch how many of its edges lie on the surface, 0 to 4
+    std::vector<int> Refine(const SmoothPicture& picture);
+
+    /// Centre and corners of a patch, moved to where its own edges are if they tell.
+    FoundPatch PatchAt(int column, int row) const;
+
+private:
+    static constexpr std::size_t kTerms = 10;
+    struct Edge;
+    struct Look;
+    std::vector<Edge> FindEdges(const SmoothPicture& picture, const Look& look) const;
+    bool Aim(Edge& edge, ChartPoint& at, ChartPoint& side, double& step) const;
+    bool FindEdge(const SmoothPicture& picture, const Look& look, Edge& edge) const;
+    void TakeSides(std::span<const Edge> edges);
+    bool Fit(std::span<Edge> edges);
+    void ShiftPatches(std::span<const Edge> edges);
+    double Offset(const Edge& edge) const;
+    std::array<double, kTerms> TermsAt(const ChartPoint& place) const;
+
+    PlaneMap map_;
+    int columns_;
+    int rows_;
+    std::array<double, 2> side_ = {0.84, 0.84};
+    std::array<std::array<double, kTerms>, 2> bend_ = {};  // pixels
+    std::vector<ChartPoint> shifts_;                       // of single patches, pixels
+};

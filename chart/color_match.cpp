@@ -1,0 +1,220 @@
+#include "chart/color_match_impl.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "chart/plane_map_impl.h"
+
+namespace {
+
+// From values to light: pictures that were made linear twice, linear ones, and the usual codings, some contrasty.
+constexpr double kExponents[] = {0.45, 0.7, 1.0, 1.5, 2.2, 2.8};
+constexpr double kQuickExponents[] = {0.45, 1.0, 2.2};
+constexpr double kCompression = 0.4;  // differences count in about equal steps of lightness
+constexpr double kDark = 0.01;        // of white's Y: darker patches weigh as this one
+constexpr double kClipped = 252;      // toned level from which a channel tells only that it is bright
+constexpr int kSlopeRounds = 3;
+constexpr double kMaxSlope = 0.6;       // of the light, over the unit of place
+constexpr double kOutlierShare = 0.25;  // of all that is unexplained, in one patch: it may be left out
+constexpr std::size_t kChannels = 3;
+
+double square(double x) { return x * x; }
+double toLight(double level, double exponent) { return std::pow(level / 255, 2 * exponent); }
+
+template <std::size_t N>
+double dot(const std::array<double, N>& a, const std::array<double, N>& b) {
+    double sum = 0;
+    for (std::size_t i = 0; i < N; ++i) sum += a[i] * b[i];
+    return sum;
+}
+
+/// Adds what is unexplained and the spread of one series of values.
+struct Share {
+    double error = 0, spread = 0;
+
+    template <class Weight, class Value, class Error>
+    void Add(std::size_t count, Weight weight, Value value, Error errorAt) {
+        double weights = 0, mean = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            weights += weight(i);
+            mean += weight(i) * value(i);
+        }
+        if (weights > 0) mean /= weights;
+        for (std::size_t i = 0; i < count; ++i) {
+            error += weight(i) * square(errorAt(i));
+            spread += weight(i) * square(value(i) - mean);
+        }
+    }
+    double Root() const { return spread > 0 ? std::sqrt(std::min(1.0, error / spread)) : 1; }
+};
+
+}  // namespace
+
+/// The state of one fit. Weights are squared.
+struct ColorMatcher::Fit {
+    Light light, weight, error;
+    std::array<Row, kChannels> mix = {};
+    std::vector<double> slope;  // of the light at each patch, 1 without any
+
+    explicit Fit(std::size_t count) : light(count), weight(count), error(count), slope(count, 1.0) {}
+
+    double Residual() const {
+        const std::size_t count = light.size();
+        Share all, chroma;
+        std::array<double, kChannels> gain = {};
+        for (std::size_t c = 0; c < kChannels; ++c) {
+            for (std::size_t i = 0; i < count; ++i) gain[c] += weight[i][c] * light[i][c];
+            if (!(gain[c] > 0)) return 1;
+            const auto weightAt = [&](std::size_t i) { return weight[i][c] / square(gain[c]); };
+            all.Add(
+                count, weightAt, [&](std::size_t i) { return light[i][c]; },
+                [&](std::size_t i) { return error[i][c]; });
+        }
+        for (const std::size_t c : {std::size_t{0}, std::size_t{2}}) {  // against green
+            const auto weightAt = [&](std::size_t i) { return std::min(weight[i][c], weight[i][1]); };
+            chroma.Add(
+                count, weightAt, [&](std::size_t i) { return light[i][c] / gain[c] - light[i][1] / gain[1]; },
+                [&](std::size_t i) { return error[i][c] / gain[c] - error[i][1] / gain[1]; });
+        }
+        return std::max(all.Root(), chroma.Root());
+    }
+};
+
+ColorMatcher::ColorMatcher(std::span<const XyzColor> references) {
+    double white = 0;
+    for (const XyzColor& color : references) white = std::max(white, color[1]);
+    std::array<double, 16> normal = {};
+    for (const XyzColor& color : references) {
+        design_.push_back({color[0] / white, color[1] / white, color[2] / white, 1.0});
+        weights_.push_back(std::pow(std::max(0.0, color[1] / white) + kDark, 2 * (kCompression - 1)));
+        for (std::size_t j = 0; j < 4; ++j) {
+            for (std::size_t k = 0; k < 4; ++k) {
+                normal[4 * j + k] += weights_.back() * design_.back()[j] * design_.back()[k];
+            }
+        }
+    }
+    for (std::size_t i = 0; i < design_.size(); ++i) {
+        auto a = normal;
+        Row column = design_[i];
+        for (double& value : column) value *= weights_[i];
+        if (!SolveSymmetric(a, column)) column = {};  // colors in a plane: nothing will match
+        inverse_.push_back(column);
+    }
+}
+
+ColorMatch ColorMatcher::Look(std::span<const TonedColor> colors) const {
+    ColorMatch best;
+    const std::size_t count = design_.size();
+    Fit fit(count);
+    for (std::size_t i = 0; i < count; ++i) fit.weight[i].fill(weights_[i]);
+    for (const double exponent : kQuickExponents) {
+        fit.mix = {};
+        for (std::size_t i = 0; i < count; ++i) {
+            for (std::size_t c = 0; c < kChannels; ++c) {
+                fit.light[i][c] = toLight(colors[i][c], exponent);
+                for (std::size_t k = 0; k < 4; ++k) fit.mix[c][k] += inverse_[i][k] * fit.light[i][c];
+            }
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            for (std::size_t c = 0; c < kChannels; ++c) {
+                fit.error[i][c] = fit.light[i][c] - dot(fit.mix[c], design_[i]);
+            }
+        }
+        const double residual = fit.Residual();
+        if (residual < best.residual) {
+            best.residual = residual;
+            best.exponent = exponent;
+        }
+    }
+    return best;
+}
+
+bool ColorMatcher::FitMix(Fit& fit) const {
+    for (std::size_t c = 0; c < kChannels; ++c) {
+        std::array<double, 16> a = {};
+        Row b = {};
+        for (std::size_t i = 0; i < design_.size(); ++i) {
+            const double w = fit.weight[i][c] * fit.slope[i];
+            for (std::size_t j = 0; j < 4; ++j) {
+                for (std::size_t k = 0; k <= j; ++k) a[4 * j + k] += w * fit.slope[i] * design_[i][j] * design_[i][k];
+                b[j] += w * design_[i][j] * fit.light[i][c];
+            }
+        }
+        if (!SolveSymmetric(a, b)) return false;
+        fit.mix[c] = b;
+        for (std::size_t i = 0; i < design_.size(); ++i) {
+            fit.error[i][c] = fit.light[i][c] - fit.slope[i] * dot(fit.mix[c], design_[i]);
+        }
+    }
+    return true;
+}
+
+bool ColorMatcher::FitSlope(std::span<const PatchSample> samples, Fit& fit) const {
+    std::array<double, 4> a = {};
+    std::array<double, 2> b = {};
+    for (std::size_t i = 0; i < design_.size(); ++i) {
+        const ChartPoint& place = samples[i].place;
+        for (std::size_t c = 0; c < kChannels; ++c) {
+            const double even = dot(fit.mix[c], design_[i]);
+            const double w = fit.weight[i][c] * even;
+            a[0] += w * even * place.x * place.x;
+            a[2] += w * even * place.x * place.y;
+            a[3] += w * even * place.y * place.y;
+            b[0] += w * place.x * (fit.light[i][c] - even);
+            b[1] += w * place.y * (fit.light[i][c] - even);
+        }
+    }
+    if (!SolveSymmetric(a, b)) return false;
+    for (double& value : b) value = std::clamp(value, -kMaxSlope, kMaxSlope);
+    for (std::size_t i = 0; i < design_.size(); ++i) {
+        fit.slope[i] = std::max(0.2, 1 + b[0] * samples[i].place.x + b[1] * samples[i].place.y);
+    }
+    return true;
+}
+
+bool ColorMatcher::FitAll(std::span<const PatchSample> samples, double exponent, Fit& fit) const {
+    for (std::size_t i = 0; i < design_.size(); ++i) {
+        for (std::size_t c = 0; c < kChannels; ++c) {
+            const double level = samples[i].color[c];
+            fit.light[i][c] = toLight(level, exponent);
+            fit.weight[i][c] = samples[i].isUsed && level < kClipped ? weights_[i] : 0;
+        }
+    }
+    fit.slope.assign(design_.size(), 1.0);
+    for (int round = 0; round < kSlopeRounds; ++round) {
+        if (!FitMix(fit)) return false;
+        if (!FitSlope(samples, fit)) break;
+    }
+    return FitMix(fit);
+}
+
+ColorMatch ColorMatcher::Match(std::span<const PatchSample> samples, double exponent, int allowedOutliers) const {
+    ColorMatch best;
+    Fit fit(design_.size());
+    for (const double tried : kExponents) {
+        if (tried > 1.6 * exponent || exponent > 1.6 * tried) continue;
+        std::vector<PatchSample> kept(samples.begin(), samples.end());
+        for (int left = allowedOutliers; FitAll(kept, tried, fit); --left) {
+            const double residual = fit.Residual();
+            if (residual < best.residual) {
+                best = {residual, tried, {}};
+                for (const PatchSample& sample : kept) best.isUsed.push_back(sample.isUsed);
+            }
+            if (left == 0) break;
+            double most = 0, whole = 0;
+            std::size_t worst = 0;
+            for (std::size_t i = 0; i < kept.size(); ++i) {
+                double error = 0;
+                for (std::size_t c = 0; c < kChannels; ++c) error += fit.weight[i][c] * square(fit.error[i][c]);
+                whole += error;
+                if (error > most) {
+                    most = error;
+                    worst = i;
+                }
+            }
+            if (most < kOutlierShare * whole) break;
+            kept[worst].isUsed = false;
+        }
+    }
+    return best;
+}

@@ -1,0 +1,205 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "chart/working_copy_impl.h"
+#include "foundation/nur_image.h"
+
+namespace {
+
+constexpr int kToneBits = 10;  // as many as four 8-bit values add up to
+
+const std::array<std::uint8_t, 1 << kToneBits>& toneTable() {
+    static const auto table = [] {
+        std::array<std::uint8_t, 1 << kToneBits> tones = {};
+        const double last = static_cast<double>(tones.size() - 4);  // four times 255
+        for (std::size_t i = 0; i < tones.size(); ++i) {
+            const double share = std::min(1.0, static_cast<double>(i) / last);
+            tones[i] = static_cast<std::uint8_t>(std::lround(255 * std::sqrt(share)));
+        }
+        return tones;
+    }();
+    return table;
+}
+
+// How a picture's pixels are read: as numbers with a channel in every so many bits.
+struct Pixel8 {
+    using Word = std::uint32_t;
+    static constexpr int kBits = 8;
+};
+struct Pixel10 {
+    using Word = std::uint32_t;
+    static constexpr int kBits = 10;
+};
+struct Pixel16 {
+    using Word = std::uint64_t;
+    static constexpr int kBits = 16;
+};
+
+/// Channels of fewer significant bits than their word has (12 of 16) are raised to its full scale.
+int unusedBits(const CTivImage& picture, int bits) {
+    const int used = picture.GetSignificantBits();
+    return used >= 8 && used < bits ? bits - used : 0;
+}
+
+template <class Pixel>
+TonedWord tone(const std::array<std::uint32_t, 3>& sums, int shift) {
+    const auto& table = toneTable();
+    TonedWord word = 0;
+    for (int c = 0; c < 3; ++c) {
+        const std::uint32_t index = std::min<std::uint32_t>(sums[static_cast<std::size_t>(c)] >> shift,
+                                                            static_cast<std::uint32_t>(table.size()) - 1);
+        word |= TonedWord{table[index]} << 8 * c;
+    }
+    return word;
+}
+
+template <class Pixel>
+std::uint32_t channel(typename Pixel::Word word, int c) {
+    return static_cast<std::uint32_t>(word >> Pixel::kBits * c & ((1u << Pixel::kBits) - 1));
+}
+
+template <class Pixel>
+int shiftOf(const CTivImage& picture) {
+    return Pixel::kBits + 2 - kToneBits - unusedBits(picture, Pixel::kBits);
+}
+
+template <class Pixel>
+void halveRow(const typename Pixel::Word* upper, const typename Pixel::Word* lower, int width, int shift,
+              TonedWord* out) {
+    for (int x = 0; x < width; ++x) {
+        std::array<std::uint32_t, 3> sums;
+        for (int c = 0; c < 3; ++c) {
+            sums[static_cast<std::size_t>(c)] = channel<Pixel>(upper[2 * x], c) + channel<Pixel>(upper[2 * x + 1], c) +
+                                                channel<Pixel>(lower[2 * x], c) + channel<Pixel>(lower[2 * x + 1], c);
+        }
+        out[x] = tone<Pixel>(sums, shift);
+    }
+}
+
+template <class Pixel>
+void toneRow(const typename Pixel::Word* in, int width, int shift, TonedWord* out) {
+    for (int x = 0; x < width; ++x) {
+        out[x] = tone<Pixel>({4 * channel<Pixel>(in[x], 0), 4 * channel<Pixel>(in[x], 1), 4 * channel<Pixel>(in[x], 2)},
+                             shift);
+    }
+}
+
+template <class Pixel>
+WorkingCopy makeCopy(const CTivImage& picture, const CTivRect& part, int factor) {
+    using Word = typename Pixel::Word;
+    WorkingCopy copy{factor, part.width / factor, part.height / factor, {}};
+    copy.words.resize(static_cast<std::size_t>(copy.width) * static_cast<std::size_t>(copy.height));
+    const NurImage& record = *picture.GetRecord();
+    const int shift = shiftOf<Pixel>(picture);
+    for (int y = 0; y < copy.height; ++y) {
+        TonedWord* out = copy.words.data() + std::ptrdiff_t{y} * copy.width;
+        const Word* in = record.Row<Word>(part.y + factor * y) + part.x;
+        if (factor == 1) {
+            toneRow<Pixel>(in, copy.width, shift, out);
+        } else {
+            halveRow<Pixel>(in, record.Row<Word>(part.y + 2 * y + 1) + part.x, copy.width, shift, out);
+        }
+    }
+    return copy;
+}
+
+WorkingCopy makeCopyOf(const CTivImage& picture, const CTivRect& part, int factor) {
+    if (picture.GetFormat() == CTivData::FormatRgb16) return makeCopy<Pixel16>(picture, part, factor);
+    if (picture.GetFormat() == CTivData::FormatRgb10) return makeCopy<Pixel10>(picture, part, factor);
+    return makeCopy<Pixel8>(picture, part, factor);
+}
+
+/// Byte by byte over four channels, the last of which is 0 everywhere.
+void changeRow(const std::uint8_t* __restrict above, const std::uint8_t* __restrict here,
+               const std::uint8_t* __restrict below, int count, std::uint8_t* __restrict change) {
+    for (int i = 0; i < count; ++i) {
+        const std::uint8_t left = here[i], right = here[i + 8], up = above[i + 4], down = below[i + 4];
+        const auto across = static_cast<std::uint8_t>(std::max(left, right) - std::min(left, right));
+        const auto along = static_cast<std::uint8_t>(std::max(up, down) - std::min(up, down));
+        change[i] = std::max(across, along);
+    }
+}
+
+void largestChannel(const TonedWord* __restrict words, int count, std::uint8_t* __restrict out) {
+    for (int x = 0; x < count; ++x) {
+        const TonedWord word = words[x];
+        out[x] = static_cast<std::uint8_t>(std::max(std::max(word & 0xFF, word >> 8 & 0xFF), word >> 16));
+    }
+}
+
+}  // namespace
+
+bool HasToned(CTivData::Format format) {
+    return format == CTivData::FormatRgb || format == CTivData::FormatRgb10 || format == CTivData::FormatRgb16;
+}
+
+WorkingCopy MakeHalfCopy(const CTivImage& picture, const CTivRect& part) { return makeCopyOf(picture, part, 2); }
+WorkingCopy MakeFullCopy(const CTivImage& picture, const CTivRect& part) { return makeCopyOf(picture, part, 1); }
+
+WorkingCopy Halved(const WorkingCopy& copy) {
+    WorkingCopy half{2 * copy.factor, copy.width / 2, copy.height / 2, {}};
+    half.words.resize(static_cast<std::size_t>(half.width) * static_cast<std::size_t>(half.height));
+    // Two channels at a time in the halves of a word, so that their sums have room.
+    const auto even = [](TonedWord word) { return word & 0x00FF00FF; };
+    const auto odd = [](TonedWord word) { return word >> 8 & 0x00FF00FF; };
+    for (int y = 0; y < half.height; ++y) {
+        const TonedWord* upper = copy.Row(2 * y);
+        const TonedWord* lower = copy.Row(2 * y + 1);
+        TonedWord* out = half.words.data() + std::ptrdiff_t{y} * half.width;
+        for (int x = 0; x < half.width; ++x) {
+            const TonedWord a = upper[2 * x], b = upper[2 * x + 1], c = lower[2 * x], d = lower[2 * x + 1];
+            const TonedWord evens = (even(a) + even(b) + even(c) + even(d) + 0x00020002) >> 2 & 0x00FF00FF;
+            const TonedWord odds = (odd(a) + odd(b) + odd(c) + odd(d) + 0x00020002) >> 2 & 0x00FF00FF;
+            out[x] = evens | odds << 8;
+        }
+    }
+    return half;
+}
+
+CTivImage MeasureChange(const WorkingCopy& copy) {
+    CTivImage change(copy.width, copy.height, CTivData::FormatUByte, nullptr, false);
+    if (!change.IsAllocated()) return change;
+    const NurImage& record = *change.GetRecord();
+    const int inner = copy.width - 2;
+    std::vector<TonedWord> differences(static_cast<std::size_t>(std::max(inner, 0)));
+    const auto bytes = [](const TonedWord* row) { return reinterpret_cast<const std::uint8_t*>(row); };
+    for (int y = 0; y < copy.height; ++y) {
+        std::uint8_t* out = record.Row(y);
+        std::fill_n(out, copy.width, std::uint8_t{255});
+        if (y == 0 || y == copy.height - 1 || inner < 1) continue;
+        changeRow(bytes(copy.Row(y - 1)), bytes(copy.Row(y)), bytes(copy.Row(y + 1)), 4 * inner,
+                  reinterpret_cast<std::uint8_t*>(differences.data()));
+        largestChannel(differences.data(), inner, out + 1);
+    }
+    return change;
+}
+
+SmoothPicture::SmoothPicture(const CTivImage& picture)
+    : data_(picture.GetRecord()->Row(0)),
+      pitch_(picture.GetRecord()->Pitch()),
+      width_(picture.GetWidth()),
+      height_(picture.GetHeight()),
+      bits_(CTivData::GetBitsPerChannel(picture.GetFormat())),
+      scale_(1.0 / ((1 << (bits_ - unusedBits(picture, bits_))) - 1)) {}
+
+template <class Word>
+void SmoothPicture::AddWords(const ChartPoint& place, TonedColor& sums) const {
+    const int x = static_cast<int>(place.x), y = static_cast<int>(place.y);
+    const double right = place.x - x, below = place.y - y;
+    const auto* upper = reinterpret_cast<const Word*>(data_ + y * pitch_) + x;
+    const auto* lower = reinterpret_cast<const Word*>(data_ + (y + 1) * pitch_) + x;
+    const Word mask = (Word{1} << bits_) - 1;
+    for (int c = 0; c < 3; ++c) {
+        const int shift = bits_ * (2 - c);
+        const auto level = [&](Word word) { return static_cast<double>(static_cast<int>(word >> shift & mask)); };
+        const double above = level(upper[0]) + right * (level(upper[1]) - level(upper[0]));
+        const double under = level(lower[0]) + right * (level(lower[1]) - level(lower[0]));
+        sums[static_cast<std::size_t>(c)] += (above + below * (under - above)) * scale_;
+    }
+}
+
+void SmoothPicture::AddAt(const ChartPoint& place, TonedColor& sums) const {
+    if (bits_ == 16) return AddWords<std::uint64_t>(place, sums);
+    AddWords<std::uint32_t>(place, sums);
+}
