@@ -4,13 +4,16 @@
 #include <cmath>
 #include <vector>
 
-#include "report/markup.h"
+#include "report/markup_impl.h"
 
 namespace {
 
+using markup::Fixed;
+
 constexpr int kPoints = 33;
 constexpr int kDecimals = 6;
-constexpr int kProbes = 16;  // places a channel at which the interpolation is held against the correction
+constexpr int kProbes =
+    17;  // no divisor of the lattice: places a channel at which the interpolation is held against the correction
 
 using Color = std::array<double, 3>;
 

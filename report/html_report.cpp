@@ -3,13 +3,17 @@
 #include <algorithm>
 
 #include "foundation/CTivImage.h"
-#include "report/color_spaces.h"
-#include "report/markup.h"
-#include "report/page_style.h"
-#include "report/plots.h"
-#include "report/png_bytes.h"
+#include "report/markup_impl.h"
+#include "report/page_style_impl.h"
+#include "report/plots_impl.h"
+#include "report/png_bytes_impl.h"
 
 namespace {
+
+using markup::Base64;
+using markup::CssColor;
+using markup::Escaped;
+using markup::Fixed;
 
 constexpr int kPictureSide = 900;  // pixels of the picture in the page
 
@@ -51,11 +55,11 @@ std::string findings(const Report& report) {
     std::string page = heading("Findings");
     if (report.findings.empty()) return page + "<p>Nothing speaks against this calibration.</p>\n";
     page += "<ul class=\"findings\">\n";
-    for (const ReportFinding& finding : report.findings) {
-        std::string word = finding.severity;
-        if (!word.empty()) word[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(word[0])));
-        page += "<li class=\"" + Escaped(finding.severity) + "\"><strong>" + Escaped(word) +
-                "</strong>: " + Escaped(finding.text) + "</li>\n";
+    for (const Finding& finding : report.findings) {
+        const std::string severity = GetSeverityName(finding.severity);
+        std::string word = severity;
+        word[0] = static_cast<char>(word[0] - 'a' + 'A');
+        page += "<li class=\"" + severity + "\"><strong>" + word + "</strong>: " + Escaped(finding.text) + "</li>\n";
     }
     return page + "</ul>\n";
 }
@@ -97,7 +101,7 @@ std::string swatches(const Report& report) {
         std::to_string(report.columns) + "\">\n";
     for (const ReportPatch& patch : report.patches) {
         page += "<li" + std::string(&patch == &worst ? " class=\"worst\"" : "") + "><div class=\"swatch\">";
-        for (const auto& color : {patch.measured, XyzToLinearRgb(patch.target), XyzToLinearRgb(patch.delivered)}) {
+        for (const auto& color : {patch.color.measured, patch.color.target, patch.color.delivered}) {
             page += "<span style=\"background:" + CssColor(color) + "\"></span>";
         }
         page += "</div><p>" + Escaped(nameOf(patch)) + "<br><b>" + Fixed(patch.difference, 1) + "</b> (" +
@@ -116,8 +120,9 @@ std::string plots(const Report& report) {
     std::vector<ToneStep> tones;
     std::vector<NoisePair> noise;
     for (const ReportPatch& patch : report.patches) {
-        const std::string color = CssColor(XyzToLinearRgb(patch.target));
-        const Lab target = XyzToLab(patch.target), delivered = XyzToLab(patch.delivered);
+        const std::string color = CssColor(patch.color.target);
+        const Lab& target = patch.color.targetLab;
+        const Lab& delivered = patch.color.deliveredLab;
         bars.push_back({patch.number, patch.name, color, patch.difference, patch.before});
         arrows.push_back({patch.number, color, target, delivered});
         if (patch.isNeutral) tones.push_back({target[0], delivered[0]});
@@ -139,7 +144,7 @@ std::string candidates(const Report& report) {
         "counts for every other color is the column of patches left out.</p>\n<div class=\"scroll\"><table>"
         "<thead><tr><th scope=\"col\">Terms</th><th scope=\"col\">Bare fit</th><th scope=\"col\">Delivered"
         "</th><th scope=\"col\">Patches left out</th></tr></thead><tbody>\n";
-    for (const ReportCandidate& candidate : report.candidates) {
+    for (const TermsFigures& candidate : report.candidates) {
         const bool isChosen = candidate.terms == report.terms;
         page += "<tr" + std::string(isChosen ? " class=\"chosen\"" : "") + "><td>" + std::to_string(candidate.terms) +
                 (isChosen ? " (taken)" : "") + "</td><td>" + Fixed(candidate.fitted, 2) + "</td><td>" +
@@ -148,8 +153,7 @@ std::string candidates(const Report& report) {
     return page + "</tbody></table></div>\n";
 }
 
-std::string lab(const Xyz& color) {
-    const Lab value = XyzToLab(color);
+std::string words(const Lab& value) {
     return Fixed(value[0], 1) + ", " + Fixed(value[1], 1) + ", " + Fixed(value[2], 1);
 }
 
@@ -159,9 +163,9 @@ std::string numbers(const Report& report) {
                        "L*, a*, b*</th><th scope=\"col\">Delivered L*, a*, b*</th><th scope=\"col\">Difference</th>"
                        "<th scope=\"col\">Before</th></tr></thead><tbody>\n";
     for (const ReportPatch& patch : report.patches) {
-        page += "<tr><td class=\"name\">" + Escaped(nameOf(patch)) + "</td><td>" + lab(patch.target) + "</td><td>" +
-                lab(patch.delivered) + "</td><td>" + Fixed(patch.difference, 2) + "</td><td>" + Fixed(patch.before, 2) +
-                "</td></tr>\n";
+        page += "<tr><td class=\"name\">" + Escaped(nameOf(patch)) + "</td><td>" + words(patch.color.targetLab) +
+                "</td><td>" + words(patch.color.deliveredLab) + "</td><td>" + Fixed(patch.difference, 2) + "</td><td>" +
+                Fixed(patch.before, 2) + "</td></tr>\n";
     }
     return page + "</tbody></table></div>\n";
 }

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "quality/color_difference.h"
+#include "quality/CalibrationQuality.h"
+#include "quality/findings.h"
 
 class CTivImage;
 
@@ -14,23 +15,11 @@ struct ReportPatch {
     int number = 0;                                  ///< from 1, in chart order
     std::string name;                                ///< empty: without one
     std::array<std::array<double, 2>, 4> corners{};  ///< in the picture's pixels; all 0: not outlined
-    std::array<double, 3> measured{};                ///< linear sRGB, as the uncalibrated camera gives it
-    Xyz target{};                                    ///< under D65
-    Xyz delivered{};                                 ///< under D65
-    double difference = 0;                           ///< CIEDE2000 of delivered and target
-    double before = 0;                               ///< CIEDE2000 of measured and target
+    JudgedPatch color;
+    double difference = 0;  ///< CIEDE2000 of delivered and target
+    double before = 0;      ///< CIEDE2000 of measured and target
     bool isNeutral = false;
     std::optional<std::array<double, 2>> noise;  ///< deviation before and after, in 8-bit steps
-};
-
-struct ReportFinding {
-    std::string severity;  ///< "note", "warning" or "error"
-    std::string text;
-};
-
-struct ReportCandidate {
-    int terms = 0;
-    double fitted = 0, delivered = 0, unseen = 0;  ///< mean CIEDE2000
 };
 
 struct ReportRow {
@@ -47,11 +36,11 @@ struct Report {
     std::optional<double> unseen;  ///< mean, CIEDE2000
     std::string verdict;           ///< of a verification; empty: none
     bool hasPassed = true;         ///< with a verdict
-    std::vector<ReportFinding> findings;
+    std::vector<Finding> findings;
     const CTivImage* picture = nullptr;  ///< FormatRgb; null: none is shown
     int columns = 6;                     ///< patches in a row of the chart
     std::vector<ReportPatch> patches;    ///< in chart order, at least one
-    std::vector<ReportCandidate> candidates;
+    std::vector<TermsFigures> candidates;
     int terms = 0;  ///< the candidate that was taken
     std::vector<ReportRow> settings;
 };

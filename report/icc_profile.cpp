@@ -6,7 +6,7 @@
 #include <cmath>
 #include <memory>
 
-#include "report/color_spaces.h"
+#include "report/adaptation.h"
 
 namespace {
 

@@ -1,8 +1,10 @@
-#include "report/markup.h"
+#include "report/markup_impl.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+
+namespace markup {
 
 namespace {
 
@@ -94,3 +96,5 @@ std::string Base64(std::span<const std::uint8_t> bytes) {
     }
     return text;
 }
+
+}  // namespace markup

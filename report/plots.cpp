@@ -1,19 +1,22 @@
-#include "report/plots.h"
+#include "report/plots_impl.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
 
-#include "report/markup.h"
+#include "report/markup_impl.h"
 
 namespace {
+
+using markup::Escaped;
+using markup::Fixed;
 
 // The picture area of every plot, in units of its view box.
 constexpr double kWidth = 360;
 constexpr double kHeight = 250;
 constexpr double kLeft = 34;
-constexpr double kRight = 352;
+constexpr double kRight = 348;
 constexpr double kTop = 14;
 constexpr double kBottom = 212;
 constexpr double kAxisText = 226;   // base line of the numbers below the axis

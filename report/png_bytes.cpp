@@ -1,4 +1,4 @@
-#include "report/png_bytes.h"
+#include "report/png_bytes_impl.h"
 
 #include <png.h>
 

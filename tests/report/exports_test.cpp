@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "quality/color_difference.h"
-#include "report/color_spaces.h"
+#include "report/adaptation.h"
 #include "report/cube_table.h"
 #include "report/icc_profile.h"
 #include "report/patch_tables.h"
@@ -143,8 +143,9 @@ TEST(PatchTables, NumbersStandInTheirColumns) {
     ReportPatch white;
     white.number = 19;
     white.name = "White, \"the\"";
-    white.measured = {0.8, 0.5, 0.25};
-    white.target = white.delivered = kWhiteD65;
+    white.color.measured = {0.8, 0.5, 0.25};
+    white.color.target = {1, 1, 1};
+    white.color.targetLab = white.color.deliveredLab = {100, 0, 0};
     white.before = 12.5;
     const std::vector<ReportPatch> patches = {white};
 

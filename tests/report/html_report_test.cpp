@@ -20,8 +20,8 @@ Report sampleReport(const CTivImage* picture) {
         patch.number = i + 1;
         patch.name = i == 17 ? "Cyan" : "Other";
         patch.corners = {{{1.0 * i, 2}, {1.0 * i + 4, 2}, {1.0 * i + 4, 6}, {1.0 * i, 6}}};
-        patch.target = {0.2, 0.2, 0.2};
-        patch.delivered = {0.21, 0.2, 0.2};
+        patch.color.target = {0.2, 0.2, 0.2};
+        patch.color.delivered = {0.21, 0.2, 0.2};
         patch.difference = i == 17 ? 9.04 : 1;
         patch.isNeutral = i >= 18;
         report.patches.push_back(patch);
@@ -79,7 +79,8 @@ TEST(HtmlReport, BrokenNumbersAreToldAsNone) {
     Report report = sampleReport(nullptr);
     report.mean = std::nan("");
     for (ReportPatch& patch : report.patches) {
-        patch.delivered = {std::nan(""), std::numeric_limits<double>::infinity(), 0};
+        patch.color.delivered = {std::nan(""), std::numeric_limits<double>::infinity(), 0};
+        patch.color.deliveredLab = {std::nan(""), std::numeric_limits<double>::infinity(), 0};
         patch.difference = std::nan("");
         patch.noise = {{std::nan(""), 1e300}};
     }

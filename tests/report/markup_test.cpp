@@ -1,10 +1,15 @@
-#include "report/markup.h"
+#include "report/markup_impl.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
 #include <limits>
+
+using markup::Base64;
+using markup::CssColor;
+using markup::Escaped;
+using markup::Fixed;
 
 TEST(Markup, EscapesWhatMeansSomethingAndWhatIsNoText) {
     EXPECT_EQ(Escaped("<img src=\"x\" onerror='a'>&"), "&lt;img src=&quot;x&quot; onerror=&#39;a&#39;&gt;&amp;");

@@ -9,6 +9,8 @@
 // The small pieces of which an HTML page with SVG is put together. Texts are UTF-8; numbers have a decimal point
 // whatever the locale.
 
+namespace markup {
+
 /// The text with the five characters that mean something in HTML and XML written as entities; control characters other
 /// than tab and line feed, and bytes that are no UTF-8, become U+FFFD.
 std::string Escaped(std::string_view text);
@@ -21,3 +23,5 @@ std::string CssColor(const std::array<double, 3>& linear);
 
 /// The bytes in base 64 (RFC 4648), without line breaks.
 std::string Base64(std::span<const std::uint8_t> bytes);
+
+}  // namespace markup

@@ -7,6 +7,3 @@ inline constexpr Xyz kWhiteD50 = {0.9642, 1.0, 0.8249};
 
 /// A color under D65 as it looks the same under D50 (Bradford, through Little CMS).
 Xyz ToD50(const Xyz& color);
-
-/// CIE XYZ under D65 to linear sRGB, not clipped, by the calibration's own matrix.
-std::array<double, 3> XyzToLinearRgb(const Xyz& color);

@@ -1,0 +1,68 @@
+#include "report/calibration_report.h"
+
+#include <algorithm>
+
+#include "chart/patch_names.h"
+#include "foundation/CTivImage.h"
+
+namespace {
+
+bool isNamed(const ChartSize& chart) { return chart.Width == 6 && chart.Height == 4; }
+
+Report reportPatches(const std::vector<JudgedPatch>& patches, const ChartDifferences& delivered,
+                     const ChartDifferences& before, const std::vector<Finding>& findings, const ChartSize& chart,
+                     const PatchOutlines& outlines) {
+    Report report;
+    report.mean = delivered.deltaE00.mean;
+    report.before = before.deltaE00.mean;
+    report.findings = findings;
+    report.columns = chart.Width;
+    for (std::size_t i = 0; i < patches.size(); ++i) {
+        ReportPatch patch;
+        patch.number = static_cast<int>(i) + 1;
+        if (isNamed(chart) && i < kPatchNames.size()) patch.name = kPatchNames[i];
+        if (i < outlines.size()) patch.corners = outlines[i];
+        patch.color = patches[i];
+        patch.difference = delivered.deltaE00.patches[i];
+        patch.before = before.deltaE00.patches[i];
+        report.patches.push_back(patch);
+    }
+    return report;
+}
+
+double meanOf(const std::array<double, 3>& channels) { return (channels[0] + channels[1] + channels[2]) / 3; }
+
+}  // namespace
+
+Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Finding>& findings, int terms,
+                         const ChartSize& chart, const PatchOutlines& outlines) {
+    Report report = reportPatches(quality.patches, quality.delivered, quality.before, findings, chart, outlines);
+    if (!quality.unseen.deltaE00.patches.empty()) report.unseen = quality.unseen.deltaE00.mean;
+    report.candidates = quality.candidates;
+    report.terms = terms;
+    for (const int number : quality.neutralPatches)
+        report.patches.at(static_cast<std::size_t>(number - 1)).isNeutral = true;
+    for (std::size_t i = 0; i < std::min(quality.noise.size(), report.patches.size()); ++i) {
+        report.patches[i].noise = {{meanOf(quality.noise[i].before), meanOf(quality.noise[i].after)}};
+    }
+    return report;
+}
+
+Report ReportVerification(const VerifiedQuality& quality, const std::vector<Finding>& findings, const ChartSize& chart,
+                          const PatchOutlines& outlines) {
+    return reportPatches(quality.patches, quality.delivered, quality.before, findings, chart, outlines);
+}
+
+CTivImage ReportPicture(const CTivImage& picture) {
+    CTivImage shown;
+    const CTivData::Format format = picture.GetFormat();
+    if (format == CTivData::FormatRgb) return picture;
+    if (format != CTivData::FormatRgb10 && format != CTivData::FormatRgb16) return shown;
+    CTivImage whole = picture;
+    constexpr int kByShifts = 2;
+    if (!whole.SetRoi({}) || !shown.Set(picture.GetWidth(), picture.GetHeight(), CTivData::FormatRgb, nullptr, true) ||
+        !shown.ConvertFormat(whole, kByShifts)) {
+        shown.Free();
+    }
+    return shown;
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "quality/CalibrationQuality.h"
+#include "quality/findings.h"
+#include "report/html_report.h"
+
+class CTivImage;
+
+/// The corners of each patch in the picture's pixels, in chart order.
+using PatchOutlines = std::vector<std::array<std::array<double, 2>, 4>>;
+
+/// The figures of a calibration as a report shows them. Title, picture and settings are the caller's to add.
+Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Finding>& findings, int terms,
+                         const ChartSize& chart, const PatchOutlines& outlines);
+
+/// The same for a calibration that was judged on another picture.
+Report ReportVerification(const VerifiedQuality& quality, const std::vector<Finding>& findings, const ChartSize& chart,
+                          const PatchOutlines& outlines);
+
+/// The picture in the 8 bits a channel that a report shows: deep ones by their highest bits.
+/// @return empty for a format that has no colors
+CTivImage ReportPicture(const CTivImage& picture);
