@@ -5,7 +5,7 @@
 #include "foundation/CTivImage.h"
 #include "report/markup_impl.h"
 #include "report/page_style_impl.h"
-#include "report/plots_impl.h"
+#include "report/plots.h"
 #include "report/png_bytes_impl.h"
 
 namespace {
@@ -15,6 +15,8 @@ using markup::CssColor;
 using markup::Escaped;
 using markup::Fixed;
 
+const PlotColors kPageColors = {"var(--text)", "var(--soft)",   "var(--line)",
+                                "var(--edge)", "var(--accent)", "var(--bad)"};
 constexpr int kPictureSide = 900;  // pixels of the picture in the page
 
 std::string heading(const std::string& words) { return "<h2>" + Escaped(words) + "</h2>\n"; }
@@ -183,7 +185,8 @@ std::string settings(const Report& report) {
 std::string HtmlReport(const Report& report) {
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<meta name=\"viewport\" "
            "content=\"width=device-width, initial-scale=1\">\n<title>" +
-           Escaped(report.title) + "</title>\n<style>" + kPageStyle + "</style>\n</head>\n<body>\n<main>\n" +
-           headline(report) + findings(report) + picture(report) + swatches(report) + plots(report) +
-           candidates(report) + numbers(report) + settings(report) + "</main>\n</body>\n</html>\n";
+           Escaped(report.title) + "</title>\n<style>" + kPageStyle + PlotRules(kPageColors) +
+           "</style>\n</head>\n<body>\n<main>\n" + headline(report) + findings(report) + picture(report) +
+           swatches(report) + plots(report) + candidates(report) + numbers(report) + settings(report) +
+           "</main>\n</body>\n</html>\n";
 }

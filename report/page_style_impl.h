@@ -45,14 +45,6 @@ td.name { text-align: left; overflow-wrap: anywhere; }
 thead th { color: var(--soft); font-weight: 600; }
 tr.chosen td { font-weight: 650; color: var(--accent); }
 table.settings td { text-align: left; } table.settings td:first-child { color: var(--soft); width: 12em; }
-.plot text { fill: var(--soft); font: 10.5px system-ui, "DejaVu Sans", sans-serif; } .plot text.tiny { font-size: 8px; }
-.plot .grid { stroke: var(--line); stroke-width: 1; } .plot .axis { stroke: var(--edge); stroke-width: 1; }
-.plot .bar { stroke: var(--edge); stroke-width: .8; } .plot .worst { stroke: var(--bad); stroke-width: 2; }
-.plot .before { stroke: var(--text); stroke-width: 1.4; stroke-dasharray: 3 2; }
-.plot .target { stroke: var(--edge); stroke-width: 1; } .plot .arrow { stroke: var(--text); stroke-width: 1.3; }
-.plot .head { fill: var(--text); } .plot .curve { fill: none; stroke: var(--accent); stroke-width: 2; }
-.plot .mark { fill: var(--accent); } .plot .noise-before { fill: var(--edge); opacity: .55; }
-.plot .noise-after { fill: var(--accent); }
 .plot rect, .plot circle { print-color-adjust: exact; -webkit-print-color-adjust: exact; }
 .chart polygon { fill: none; stroke: #ffffff; stroke-width: 2; vector-effect: non-scaling-stroke; }
 .chart polygon.shade { stroke: #000000; stroke-width: 4; }

@@ -1,4 +1,4 @@
-#include "report/plots_impl.h"
+#include "report/plots.h"
 
 #include <algorithm>
 #include <array>
@@ -12,9 +12,7 @@ namespace {
 using markup::Escaped;
 using markup::Fixed;
 
-// The picture area of every plot, in units of its view box.
-constexpr double kWidth = 360;
-constexpr double kHeight = 250;
+// The area of every plot, in units of its view box.
 constexpr double kLeft = 34;
 constexpr double kRight = 348;
 constexpr double kTop = 14;
@@ -58,7 +56,7 @@ std::string rectangle(double x, double y, double width, double height, const std
 }
 
 std::string plot(const std::string& title, const std::string& description, const std::string& content) {
-    return "<svg class=\"plot\" viewBox=\"0 0 " + Fixed(kWidth, 0) + " " + Fixed(kHeight, 0) +
+    return "<svg class=\"plot\" viewBox=\"0 0 " + std::to_string(kPlotWidth) + " " + std::to_string(kPlotHeight) +
            "\" role=\"img\"><title>" + Escaped(title) + "</title><desc>" + Escaped(description) + "</desc>" + content +
            "</svg>\n";
 }
@@ -90,6 +88,30 @@ std::string numbersBelow(std::span<const int> numbers, const Scale& x) {
 }
 
 }  // namespace
+
+std::string PlotRules(const PlotColors& colors) {
+    return ".plot text { fill: " + colors.soft + "; font-size: 10.5px; font-family: 'DejaVu Sans', sans-serif; }\n" +
+           ".plot .tiny { font-size: 8px; }\n.plot .grid { stroke: " + colors.line + "; stroke-width: 1; }\n" +
+           ".plot .axis { stroke: " + colors.edge + "; stroke-width: 1; }\n.plot .bar { stroke: " + colors.edge +
+           "; stroke-width: 0.8; }\n.plot .worst { stroke: " + colors.bad + "; stroke-width: 2; }\n" +
+           ".plot .before { stroke: " + colors.text + "; stroke-width: 1.4; stroke-dasharray: 3 2; }\n" +
+           ".plot .target { stroke: " + colors.edge + "; stroke-width: 1; }\n.plot .arrow { stroke: " + colors.text +
+           "; stroke-width: 1.3; }\n.plot .head { fill: " + colors.text +
+           "; }\n.plot .curve { fill: none; stroke: " + colors.accent +
+           "; stroke-width: 2; }\n.plot .mark { fill: " + colors.accent + "; }\n" +
+           ".plot .noise-before { fill: " + colors.edge +
+           "; opacity: 0.55; }\n.plot .noise-after { fill: " + colors.accent + "; }\n";
+}
+
+std::string StandalonePlot(const std::string& plot, const PlotColors& colors) {
+    std::string rules = PlotRules(colors);
+    // Alone there is no page around it, and simple readers know no descent in selectors.
+    for (std::size_t at; (at = rules.find(".plot ")) != std::string::npos;) rules.erase(at, 6);
+    const std::size_t inside = plot.find('>') + 1;
+    std::string head = plot.substr(0, inside);
+    head.insert(4, " xmlns=\"http://www.w3.org/2000/svg\"");
+    return head + "<style>" + rules + "</style>" + plot.substr(inside);
+}
 
 std::string DifferenceBars(std::span<const PatchBar> patches) {
     double greatest = 0;

@@ -5,8 +5,28 @@
 
 #include "quality/color_difference.h"
 
-// The plots of the report: SVG elements of one size, colored by the page's style sheet, each with a title and a
-// description for those who don't see it.
+// The plots of a calibration: SVG elements of one size, each with a title and a description for those who don't see it.
+// Their parts bear class names, which PlotRules gives their colors.
+
+/// The view box of every plot, in its own units.
+inline constexpr int kPlotWidth = 360;
+inline constexpr int kPlotHeight = 250;
+
+/// CSS colors.
+struct PlotColors {
+    std::string text;    ///< arrows, marks of the state before
+    std::string soft;    ///< numbers and words
+    std::string line;    ///< grid
+    std::string edge;    ///< axes, outlines, the lighter bars
+    std::string accent;  ///< curve, the darker bars
+    std::string bad;     ///< the worst patch
+};
+
+/// The style sheet's rules for plots.
+std::string PlotRules(const PlotColors& colors);
+
+/// A plot as an SVG file of its own, with its rules inside.
+std::string StandalonePlot(const std::string& plot, const PlotColors& colors);
 
 /// A value for each patch.
 struct PatchBar {
