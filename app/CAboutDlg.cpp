@@ -29,7 +29,8 @@ constexpr int kIconPixels = 32;
 CAboutDlg::CAboutDlg(QWidget* parent) : QDialog(parent) {
     setWindowTitle("About Tonewright Tool");
     QPalette white = palette();
-    white.setColor(QPalette::Window, Qt::white);
+    white.setColor(QPalette::Window, Qt::white);  // whatever the colors of the other windows
+    white.setColor(QPalette::WindowText, Qt::black);
     setPalette(white);
 
     const DialogUnits units(fontMetrics());

@@ -35,6 +35,13 @@ public:
     /// @return false where a part that the window can't do without could not be made
     bool OnCreate();
 
+    /// Puts window and panes where they were when SaveLayout last wrote it, on a screen of today.
+    /// @return false, nothing changed, where nothing was written yet
+    bool RestoreLayout();
+    void SaveLayout() const;
+    /// Dresses the program as the user last chose.
+    static void RestoreChrome();
+
     /// The viewer whose selected flag is set. @return null, with a warning in the log, where there is none
     CImageViewerCtrl* GetSelectedViewer();
     /// The picture of a buffer has come: the raw viewer shows the session's current image, its view kept.
@@ -99,6 +106,9 @@ public:
     void OnAbout();
     void OnHelp();
     void OnContextHelp();
+    void OnResetLayout();
+    void OnChrome(int id);
+    void OnSelectViewer(int id);
 
     // The parts, for whoever watches the window.
     RibbonBar& Ribbon() { return *m_ribbon; }

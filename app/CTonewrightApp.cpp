@@ -9,7 +9,6 @@
 #include "app/HelpFile.h"
 #include "app/StringTable.h"
 #include "app/toolkit/Prompts.h"
-#include "app/toolkit/Theme.h"
 #include "foundation/CTivManager.h"
 #include "foundation/nur_report.h"
 
@@ -24,7 +23,7 @@ CTonewrightApp::~CTonewrightApp() = default;
 
 // The toolkit's own parts (controls, drag and drop, keyboard, tool tips) are up when the application object is.
 bool CTonewrightApp::InitInstance() {
-    theme::Apply(*this);
+    CMainFrame::RestoreChrome();
     SetHelpRoot(qEnvironmentVariable("ZELVANDIR"));
     CTivManager::Initialize();
     CTivManager::SetErrorMode(ErrorModeNone);  // all words of the library go to the log, none shows by itself
@@ -33,13 +32,16 @@ bool CTonewrightApp::InitInstance() {
     });
     InstallAcquisitionDialogs();
     if (!CreateMainFrame()) return false;
-    const QRect free = m_mainFrame->screen()->availableGeometry();
-    m_mainFrame->move(free.center() - QRect(QPoint(0, 0), m_mainFrame->size()).center());
+    if (!m_mainFrame->RestoreLayout()) {
+        const QRect free = m_mainFrame->screen()->availableGeometry();
+        m_mainFrame->move(free.center() - QRect(QPoint(0, 0), m_mainFrame->size()).center());
+    }
     m_mainFrame->show();
     return true;
 }
 
 int CTonewrightApp::ExitInstance(int code) {
+    if (m_mainFrame) m_mainFrame->SaveLayout();
     DestroyMainFrame();
     nur_set_message_box({});
     CTivManager::Shutdown();

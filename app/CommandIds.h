@@ -68,6 +68,17 @@ enum CommandId : int {
     /// Where illuminants beyond the published nine go on.
     ID_BTN_ILLUMINANT_MORE = 40900,
 
+    // The tab "Quality".
+    ID_BTN_RESET_LAYOUT = 40000,
+    ID_BTN_CHROME = 40001,
+    ID_BTN_CHROME_SYSTEM = 40002,
+    ID_BTN_CHROME_LIGHT = 40003,
+    ID_BTN_CHROME_DARK = 40004,
+    ID_BTN_CHROME_NEUTRAL = 40005,
+    ID_SELECT_RAW_VIEWER = 40006,
+    ID_SELECT_REF_VIEWER = 40007,
+    ID_SELECT_CALIB_VIEWER = 40008,
+
     ID_APP_ABOUT = 57664,
     ID_APP_EXIT = 57665,
     ID_CONTEXT_HELP = 57669,

@@ -44,6 +44,10 @@ template <bool StudioState::*Flag>
 bool flag(State s) {
     return s.*Flag;
 }
+template <int Chrome>
+bool chromeIs(State s) {
+    return s.chrome == Chrome;
+}
 bool automaticColors(State s) { return !s.manualColors; }
 
 // Calls a member function of the frame, with the command's number if it takes one.
@@ -165,6 +169,21 @@ constexpr CommandRow kFixedCommands[] = {
     {ID_COLOR_LIST_CLEAR, "Clear colors", "", "Ctrl+Del", canEditColors, kUnchecked, call<&F::OnClearColors>, ""},
     // The key is bound and nothing handles it, deliberately.
     {ID_KEY_CONTROL_S, "", "", "Ctrl+S", never, kUnchecked, kNothing, ""},
+
+    {ID_BTN_RESET_LAYOUT, "Reset Layout", "reset-layout", "", always, kUnchecked, call<&F::OnResetLayout>,
+     "Put all panes back to where they first were.\n Reset Layout"},
+    {ID_BTN_CHROME, "Appearance", "appearance", "", always, kUnchecked, kNothing,
+     "Choose the colors of the window.\n Appearance"},
+    {ID_BTN_CHROME_SYSTEM, "System", "", "", always, chromeIs<0>, call<&F::OnChrome>,
+     "Light or dark, as the desktop is.\n System"},
+    {ID_BTN_CHROME_LIGHT, "Light", "", "", always, chromeIs<1>, call<&F::OnChrome>, ""},
+    {ID_BTN_CHROME_DARK, "Dark", "", "", always, chromeIs<2>, call<&F::OnChrome>, ""},
+    {ID_BTN_CHROME_NEUTRAL, "Neutral Gray", "", "", always, chromeIs<3>, call<&F::OnChrome>,
+     "Gray without any hue, for judging the colors of pictures.\n Neutral Gray"},
+    {ID_SELECT_RAW_VIEWER, "Select Raw Viewer", "", "Ctrl+1", always, kUnchecked, call<&F::OnSelectViewer>, ""},
+    {ID_SELECT_REF_VIEWER, "Select Reference Viewer", "", "Ctrl+2", always, kUnchecked, call<&F::OnSelectViewer>, ""},
+    {ID_SELECT_CALIB_VIEWER, "Select Calibrated Viewer", "", "Ctrl+3", always, kUnchecked, call<&F::OnSelectViewer>,
+     ""},
 
     {ID_APP_EXIT, "Exit", "exit", "", always, kUnchecked, call<&F::OnExit>, ""},
     {ID_APP_ABOUT, "About Tonewright Tool", "about", "", always, kUnchecked, call<&F::OnAbout>, ""},

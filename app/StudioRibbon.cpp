@@ -104,6 +104,12 @@ constexpr Item kPanes[] = {
     button(Kind::CheckBox, ID_CBTN_CALIB_IMG_VIEW, "A"),
 };
 
+constexpr int kChromeMenu[] = {ID_BTN_CHROME_SYSTEM, ID_BTN_CHROME_LIGHT, ID_BTN_CHROME_DARK, ID_BTN_CHROME_NEUTRAL};
+constexpr Item kWindow[] = {
+    button(Kind::Large, ID_BTN_RESET_LAYOUT, "RL"),
+    menuButton(Kind::Large, ID_BTN_CHROME, "AP", Menu::Whole, kChromeMenu),
+};
+
 constexpr ribbon::Panel kHomePanels[] = {
     {"Image Acquisition", ":/icons/snap.svg", "ZA", kAcquisition},
     {"Acquisition Device Coefficients", ":/icons/load-coefficients.svg", "ZD", kCoefficients},
@@ -115,6 +121,7 @@ constexpr ribbon::Panel kViewPanels[] = {
     {"Log Window", ":/icons/clear-log.svg", "ZL", kLog},
     {"Dockable Panes", ":/icons/panes.svg", "ZP", kPanes},
 };
+constexpr ribbon::Panel kQualityPanels[] = {{"Window", ":/icons/reset-layout.svg", "ZW", kWindow}};
 
 // Where room is short, what is used least while calibrating goes first.
 enum HomePanel : std::size_t { Acquisition, Coefficients, Execution, Parameters, Viewer };
@@ -125,7 +132,11 @@ constexpr RibbonShrinkStep kHomeSteps[] = {
 };
 constexpr RibbonShrinkStep kViewSteps[] = {{1, RibbonForm::Button}, {0, RibbonForm::Button}};
 
-constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels, kHomeSteps}, {"View", "V", kViewPanels, kViewSteps}};
+constexpr RibbonShrinkStep kQualitySteps[] = {{0, RibbonForm::Button}};
+
+constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels, kHomeSteps},
+                                 {"View", "V", kViewPanels, kViewSteps},
+                                 {"Quality", "Q", kQualityPanels, kQualitySteps}};
 
 constexpr int kHelpMenu[] = {ID_APP_ABOUT};
 

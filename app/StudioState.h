@@ -24,4 +24,5 @@ struct StudioState {
     bool spectrumVisible = false;
     bool refPaneVisible = false;
     bool calibPaneVisible = false;
+    int chrome = 0;  ///< how the window is dressed, a theme::Chrome
 };

@@ -17,6 +17,7 @@
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Profile.h"
 #include "app/toolkit/RibbonBar.h"
+#include "app/toolkit/Theme.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "calibration/CTivTonewrightDC.h"
@@ -60,7 +61,7 @@ void CMainFrame::CreateActions() {
         auto* action = new QAction(row.label, this);
         action->setData(row.id);
         action->setCheckable(row.checked != nullptr);
-        if (*row.picture) action->setIcon(QIcon(QString(":/icons/%1.svg").arg(row.picture)));
+        if (*row.picture) action->setIcon(theme::Icon(QString(":/icons/%1.svg").arg(row.picture)));
         const CommandTip tip = SplitTip(row.tip);
         if (*row.tip) {
             action->setToolTip(toolTipHtml(tip, fontMetrics()));
@@ -121,7 +122,8 @@ StudioState CMainFrame::GetState() const {
             .rawColorsVisible = !m_rawColorWnd->isHidden(),
             .spectrumVisible = !m_spectrumWnd->isHidden(),
             .refPaneVisible = !m_refPane->isHidden(),
-            .calibPaneVisible = !m_calibPane->isHidden()};
+            .calibPaneVisible = !m_calibPane->isHidden(),
+            .chrome = static_cast<int>(theme::GetChrome())};
 }
 
 void CMainFrame::UpdateCommands() {

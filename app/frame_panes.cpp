@@ -24,6 +24,12 @@ void setUp(QDockWidget& pane, int id, const QString& title, Qt::DockWidgetAreas 
     pane.setWindowTitle(title);
     pane.setAllowedAreas(areas);
     pane.setWindowIcon(QIcon(icon));
+    // Where it is docked beside another pane it comes in front, once the docking is done.
+    QObject::connect(&pane, &QDockWidget::topLevelChanged, &pane, [&pane](bool floats) {
+        if (!floats && !pane.isHidden())
+            QMetaObject::invokeMethod(
+                &pane, [&pane] { pane.raise(); }, Qt::QueuedConnection);
+    });
 }
 
 void setUp(CImageViewerCtrl& viewer, int id, const QString& title, CMainFrame& frame) {
@@ -124,4 +130,15 @@ void CMainFrame::OnTogglePane(int id) {
     } else {
         pane->hide();
     }
+}
+
+// Ready for the keyboard, its pane in view.
+void CMainFrame::OnSelectViewer(int id) {
+    if (id == ID_SELECT_REF_VIEWER) ShowPane(*m_refPane);
+    if (id == ID_SELECT_CALIB_VIEWER) ShowPane(*m_calibPane);
+    CImageViewerCtrl* const viewer = id == ID_SELECT_RAW_VIEWER   ? m_rawViewer.get()
+                                     : id == ID_SELECT_REF_VIEWER ? m_refViewer.get()
+                                                                  : m_calibViewer.get();
+    SelectViewer(*viewer);
+    viewer->setFocus(Qt::ShortcutFocusReason);
 }

@@ -6,6 +6,7 @@
 #include "app/CMainFrame.h"
 #include "app/StatusTexts.h"
 #include "app/StringTable.h"
+#include "app/toolkit/StatusRow.h"
 #include "app/view/CAutoROIImageViewer.h"
 
 namespace {
@@ -13,34 +14,30 @@ namespace {
 struct PaneRow {
     int id;
     bool extended;           // on the right
-    const char* widestText;  // keeps its place while the numbers change; null: as wide as it needs
+    int givesWay;            // where room is short, in this order
+    const char* widestText;  // keeps its place while the numbers change; "": as wide as it needs
 };
 
 constexpr PaneRow kPanes[] = {
-    {string_id::kBufferInformation, false, nullptr},
-    {string_id::kExecutionTime, false, nullptr},
-    {string_id::kPixelData, true, "Pos 0000,0000 | Val 0000,0000,0000"},
-    {string_id::kRoi, true, "ROI s:(0000,0000), w:0000, h:0000"},
-    {string_id::kZoomFactor, true, "Zoom 0100.00x"},
+    {string_id::kBufferInformation, false, 1, ""},
+    {string_id::kExecutionTime, false, 0, ""},
+    {string_id::kPixelData, true, 3, "Pos 0000,0000 | Val 0000,0000,0000"},
+    {string_id::kRoi, true, 2, "ROI s:(0000,0000), w:0000, h:0000"},
+    {string_id::kZoomFactor, true, 4, "Zoom 0100.00x"},
 };
-constexpr int kPadding = 20;
 
 }  // namespace
 
 void CMainFrame::CreateStatusBar() {
     QStatusBar* bar = statusBar();
     bar->setSizeGripEnabled(false);
+    auto* texts = new StatusRow(bar);
+    bar->addWidget(texts, 1);
     for (const PaneRow& row : kPanes) {
-        auto* pane = new QLabel(LoadStudioString(row.id), bar);
+        QLabel* const pane = texts->Add(row.extended, row.givesWay, row.widestText);
+        pane->setText(LoadStudioString(row.id));
         pane->setObjectName(QString::number(row.id));
-        pane->setTextFormat(Qt::PlainText);
-        if (row.widestText) pane->setMinimumWidth(pane->fontMetrics().horizontalAdvance(row.widestText) + kPadding);
         if (row.id != string_id::kBufferInformation) pane->setProperty("divided", true);
-        if (row.extended) {
-            bar->addPermanentWidget(pane);
-        } else {
-            bar->addWidget(pane);
-        }
         m_statusPanes[row.id] = pane;
     }
     SetStatus(string_id::kBufferInformation, status_texts::BufferAtStart());

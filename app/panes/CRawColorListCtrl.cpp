@@ -8,7 +8,7 @@
 #include <algorithm>
 
 #include "app/panes/RawColorLists.h"
-#include "app/panes/dimming.h"
+#include "app/toolkit/Theme.h"
 
 namespace {
 
@@ -50,7 +50,7 @@ public:
         if (row >= side_.Rows().size()) return {};
         const RawColorSide::Row& shown = side_.Rows()[row];
         if (role == Qt::DisplayRole) return shown.label;
-        if (role == Qt::ForegroundRole && dimmed_) return kDimmedText;
+        if (role == Qt::ForegroundRole && dimmed_) return theme::Now().dimmed;
         if (role == Qt::UserRole && shown.image < side_.Images().size()) return side_.Images()[shown.image] & 0xFFFFFF;
         return {};
     }

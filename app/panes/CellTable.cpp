@@ -1,6 +1,6 @@
 #include "app/panes/CellTable.h"
 
-#include "app/panes/dimming.h"
+#include "app/toolkit/Theme.h"
 
 CellTable::CellTable(const QStringList& headers, bool numbered, QObject* parent)
     : QAbstractTableModel(parent), headers_(headers), numbered_(numbered) {}
@@ -50,7 +50,7 @@ void CellTable::SetDimmed(bool dimmed) {
 
 QVariant CellTable::data(const QModelIndex& index, int role) const {
     if (role == Qt::DisplayRole) return Text(index.row(), index.column());
-    if (role == Qt::ForegroundRole && dimmed_) return kDimmedText;
+    if (role == Qt::ForegroundRole && dimmed_) return theme::Now().dimmed;
     return {};
 }
 

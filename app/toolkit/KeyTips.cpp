@@ -1,20 +1,28 @@
 #include "app/toolkit/KeyTips.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QKeyEvent>
 #include <QLabel>
-#include <algorithm>
 
 #include "app/toolkit/RibbonBar.h"
+#include "app/toolkit/RibbonButton.h"
 #include "app/toolkit/RibbonPage.h"
 #include "app/toolkit/RibbonPanel.h"
 
 namespace {
 
-constexpr int kRowBelow = 40;       // pixels of height that tell a row from a large button
-constexpr int kPictureCentre = 14;  // of a row's picture
+constexpr int kOverEdge = 4;      // how far a tip below a tab reaches over its edge
+constexpr int kLeftOfEdit = 8;    // how far a tip stands out of an edit, whose number is on the right
+constexpr int kBelowPicture = 3;  // between a large button's picture and its text
 
 }  // namespace
+
+/// A point of a widget, and which point of the tip comes there, so that pictures are covered and texts are not.
+struct KeyTips::Spot {
+    QPoint at;
+    Qt::Alignment tip;
+};
 
 KeyTips::KeyTips(RibbonBar& bar) : QObject(&bar), bar_(bar) { qApp->installEventFilter(this); }
 
@@ -110,7 +118,8 @@ void KeyTips::ShowTop() {
     for (const RibbonBody::Target& target : bar_.TopTargets()) {
         const QRect place = target.widget ? QRect(target.widget->mapTo(&bar_, QPoint(0, 0)), target.widget->size())
                                           : bar_.TabRect(tab++);
-        Show(target, bar_.window(), bar_.mapTo(bar_.window(), QPoint(place.center().x(), place.bottom())));
+        const QPoint below(place.center().x(), place.bottom() - kOverEdge);
+        Show(target, bar_.window(), {bar_.mapTo(bar_.window(), below), Qt::AlignHCenter | Qt::AlignTop});
     }
 }
 
@@ -125,21 +134,35 @@ void KeyTips::ShowPage() {
     for (const RibbonPanel* panel : panels) {
         if (dropped && panel != dropped) continue;
         for (const RibbonBody::Target& target : panel->Targets()) {
-            // On a row the tip lies over the picture and leaves the text readable.
-            QWidget* window = target.widget->window();
-            const bool isRow = target.widget->height() < kRowBelow;
-            const int x = isRow ? std::min(target.widget->width() / 2, kPictureCentre) : target.widget->width() / 2;
-            Show(target, window, target.widget->mapTo(window, QPoint(x, target.widget->height())));
+            QWidget* const window = target.widget->window();
+            const Spot spot = SpotOf(*target.widget);
+            Show(target, window, {target.widget->mapTo(window, spot.at), spot.tip});
         }
     }
 }
 
-void KeyTips::Show(const RibbonBody::Target& target, QWidget* window, QPoint bottomCentre) {
+KeyTips::Spot KeyTips::SpotOf(QWidget& widget) {
+    const int middle = widget.height() / 2;
+    if (const auto* button = qobject_cast<RibbonButton*>(&widget)) {
+        if (!button->IsLarge()) return {{RibbonButton::RowTextLeft(), middle}, Qt::AlignRight | Qt::AlignVCenter};
+        return {{widget.width() / 2, RibbonButton::LargePictureBottom() + kBelowPicture},
+                Qt::AlignHCenter | Qt::AlignBottom};
+    }
+    if (qobject_cast<QCheckBox*>(&widget)) return {{0, middle}, Qt::AlignRight | Qt::AlignVCenter};
+    return {{-kLeftOfEdit, middle}, Qt::AlignLeft | Qt::AlignVCenter};
+}
+
+void KeyTips::Show(const RibbonBody::Target& target, QWidget* window, const Spot& spot) {
     auto* label = new QLabel(target.keyTip, window);
     label->setObjectName("keyTip");
     label->setAttribute(Qt::WA_TransparentForMouseEvents);
     label->adjustSize();
-    label->move(bottomCentre.x() - label->width() / 2, bottomCentre.y() - label->height() / 2 - 4);
+    QPoint corner = spot.at;
+    if (spot.tip & Qt::AlignRight) corner.rx() -= label->width();
+    if (spot.tip & Qt::AlignHCenter) corner.rx() -= label->width() / 2;
+    if (spot.tip & Qt::AlignBottom) corner.ry() -= label->height();
+    if (spot.tip & Qt::AlignVCenter) corner.ry() -= label->height() / 2;
+    label->move(corner);
     label->show();
     label->raise();
     shown_.push_back({target, label});

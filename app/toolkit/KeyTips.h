@@ -30,7 +30,9 @@ private:
     bool HandleKey(int key, const QString& text);
     void ShowTop();
     void ShowPage();
-    void Show(const RibbonBody::Target& target, QWidget* window, QPoint bottomCentre);
+    struct Spot;
+    static Spot SpotOf(QWidget& widget);
+    void Show(const RibbonBody::Target& target, QWidget* window, const Spot& spot);
     void End();
     void Choose(const RibbonBody::Target& target);
     bool IsOwnWindow() const;

@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QMessageBox>
+#include <QTreeView>
 
 #include "app/toolkit/CMatrixSizeDialog.h"
 #include "app/toolkit/FileFilters.h"
@@ -11,7 +13,21 @@ namespace {
 
 QWidget* dialogParent() { return QApplication::activeWindow(); }
 
+constexpr QSize kFileDialog(860, 520);
+constexpr QSize kSign(40, 40);
+
+// Wide enough for whole dates and kinds; the names take what is left. The desktop's own dialog has no such list.
+void makeRoom(QFileDialog& dialog) {
+    dialog.resize(kFileDialog.expandedTo(dialog.size()));
+    const auto* list = dialog.findChild<QTreeView*>("treeView");
+    if (!list) return;
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
 std::optional<FileChoice> runFileDialog(QFileDialog& dialog, const FileRequest& request) {
+    makeRoom(dialog);
     const QStringList filters = ParseFileFilters(request.filters);
     dialog.setNameFilters(filters);
     if (const int index = request.filterIndex - 1; index >= 0 && index < filters.size()) {
@@ -25,8 +41,11 @@ std::optional<FileChoice> runFileDialog(QFileDialog& dialog, const FileRequest& 
                       static_cast<int>(filters.indexOf(dialog.selectedNameFilter())) + 1};
 }
 
-void showMessage(QMessageBox::Icon icon, const QString& caption, const QString& text) {
-    QMessageBox(icon, caption, text, QMessageBox::Ok, dialogParent()).exec();
+int showMessage(const char* sign, const QString& caption, const QString& text, QMessageBox::StandardButtons buttons) {
+    QMessageBox box(QMessageBox::NoIcon, caption, text, buttons, dialogParent());
+    box.setIconPixmap(QIcon(sign).pixmap(kSign));
+    box.setDefaultButton(buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok);
+    return box.exec();
 }
 
 }  // namespace
@@ -47,16 +66,15 @@ std::optional<FileChoice> QtPrompts::SaveFile(const FileRequest& request) {
 }
 
 bool QtPrompts::AskYesNo(const QString& caption, const QString& text) {
-    return QMessageBox::question(dialogParent(), caption, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) ==
-           QMessageBox::Yes;
+    return showMessage(":/icons/help.svg", caption, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 void QtPrompts::ShowWarning(const QString& caption, const QString& text) {
-    showMessage(QMessageBox::Warning, caption, text);
+    showMessage(":/icons/log-warning.svg", caption, text, QMessageBox::Ok);
 }
 
 void QtPrompts::ShowError(const QString& caption, const QString& text) {
-    showMessage(QMessageBox::Critical, caption, text);
+    showMessage(":/icons/log-error.svg", caption, text, QMessageBox::Ok);
 }
 
 bool QtPrompts::EditMatrixSize(int& width, int& height) {

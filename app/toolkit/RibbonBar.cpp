@@ -3,7 +3,7 @@
 #include <QAction>
 #include <QBoxLayout>
 #include <QCursor>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
 #include <QStackedWidget>
@@ -64,6 +64,7 @@ QWidget* RibbonBar::MakeTopRow(const RibbonActions& actions) {
     for (const int id : layout_.helpMenuIds) helpMenu->addAction(actions(id));
     help_->setMenu(helpMenu);
     places->addWidget(help_);
+    for (QToolButton* button : {file_, help_}) button->installEventFilter(this);
     return row;
 }
 
@@ -137,9 +138,9 @@ std::vector<RibbonBody::Target> RibbonBar::TopTargets() {
 
 void RibbonBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.fillRect(rect(), theme::kSurface);
-    painter.fillRect(0, 0, width(), pages_->y(), theme::kWindow);
-    painter.fillRect(0, height() - 1, width(), 1, theme::kBorder);
+    painter.fillRect(rect(), theme::Now().surface);
+    painter.fillRect(0, 0, width(), pages_->y(), theme::Now().window);
+    painter.fillRect(0, height() - 1, width(), 1, theme::Now().border);
 }
 
 void RibbonBar::showEvent(QShowEvent* event) {
@@ -151,6 +152,15 @@ void RibbonBar::showEvent(QShowEvent* event) {
 bool RibbonBar::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::WindowBlocked) {
         for (RibbonPanel* panel : CurrentPage().Panels()) panel->CloseDropDown();
+    }
+    const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
+    if (isKey && (watched == file_ || watched == help_)) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            event->accept();
+            if (event->type() == QEvent::KeyPress) static_cast<QToolButton*>(watched)->click();
+            return true;
+        }
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -7,7 +7,6 @@
 
 #include "app/toolkit/RibbonButton.h"
 #include "app/toolkit/RibbonField.h"
-#include "app/toolkit/Theme.h"
 
 namespace {
 
@@ -15,12 +14,14 @@ constexpr int kColumnGap = 2;
 constexpr int kSeparatorRoom = 9;
 constexpr std::size_t kRowsInColumn = 3;
 constexpr int kShortSlider = 64;
+constexpr int kCheckBoxLeft = 18;  // room for a key tip beside the box
 
 QMenu* makeMenu(std::span<const int> ids, const RibbonActions& actions) {
     auto* menu = new QMenu;
     for (const int id : ids) {
         if (id) {
             menu->addAction(actions(id));
+            if (!actions(id)->icon().isNull()) menu->setObjectName("pictures");  // no room for check marks
             if (!actions(id)->whatsThis().isEmpty()) menu->setToolTipsVisible(true);
         } else {
             menu->addSeparator();
@@ -31,10 +32,8 @@ QMenu* makeMenu(std::span<const int> ids, const RibbonActions& actions) {
 
 QWidget* makeSeparator(QWidget* parent) {
     auto* line = new QWidget(parent);
-    line->setAutoFillBackground(true);
-    QPalette palette = line->palette();
-    palette.setColor(QPalette::Window, theme::kBorder);
-    line->setPalette(palette);
+    line->setObjectName("ribbonSeparator");
+    line->setAttribute(Qt::WA_StyledBackground);
     return line;
 }
 
@@ -204,15 +203,16 @@ void RibbonBody::EndColumn(Flowing& flow) const {
         } else if (row->item->kind == ribbon::Kind::Slider) {
             width = std::max(width, slider);
         } else {
-            width = std::max(width, row->widget->sizeHint().width());
+            width = std::max(width, kCheckBoxLeft + row->widget->sizeHint().width());
         }
     }
     int y = 0;
     for (const Control* row : flow.rows) {
         if (flow.apply) {
             if (row->field) row->field->Arrange(labelWidth, SliderWidth(*row->item, flow.form), flow.rowHeight);
-            const bool isSlider = row->item->kind == ribbon::Kind::Slider;
-            const int rowWidth = isSlider ? std::min(width, row->item->sliderWidth) : width;
+            int rowWidth = width;
+            if (row->item->kind == ribbon::Kind::Slider) rowWidth = std::min(width, row->item->sliderWidth);
+            if (row->item->kind == ribbon::Kind::CheckBox) rowWidth = width - kCheckBoxLeft;
             row->widget->setGeometry(flow.x + (width - rowWidth), y, rowWidth, flow.rowHeight);
         }
         y += flow.rowHeight;

@@ -1,6 +1,7 @@
 #include "app/toolkit/RibbonButton.h"
 
 #include <QAction>
+#include <QCursor>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
@@ -29,6 +30,11 @@ void paintArrow(QPainter& painter, const QPoint& centre, const QColor& color) {
     const QPointF c = QPointF(centre) + QPointF(0.5, 0.5);
     painter.drawPolyline(QPolygonF{c + QPointF(-3, -1.5), c + QPointF(0, 1.5), c + QPointF(3, -1.5)});
     painter.restore();
+}
+
+bool isEnter(const QEvent* event) {
+    const int key = static_cast<const QKeyEvent*>(event)->key();
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
 void fill(QPainter& painter, const QRect& area, const QColor& color) {
@@ -73,6 +79,7 @@ void RibbonButton::SetLarge(bool large) {
 void RibbonButton::SetMenu(QMenu* menu, ribbon::Menu use) {
     menu->setParent(this, menu->windowFlags());
     setMenu(menu);
+    connect(menu, &QMenu::aboutToHide, this, [this] { update(); });
     menuUse_ = use;
     setPopupMode(use == ribbon::Menu::Whole ? InstantPopup : DelayedPopup);
     SetArrow(true);
@@ -105,6 +112,12 @@ QSize RibbonButton::SizeFor(bool large) const {
     return {std::max(width + 2 * kPadding, kLeastLargeWidth), BodyHeight(metrics)};
 }
 
+int RibbonButton::RowTextLeft() { return kPadding + kSmallPicture + kGap; }
+int RibbonButton::LargePictureBottom() { return kLargeTop + kLargePicture; }
+
+// A menu that closes over another place tells nobody that the pointer has left: look where it is.
+bool RibbonButton::IsUnderPointer() const { return underMouse() && rect().contains(mapFromGlobal(QCursor::pos())); }
+
 QRect RibbonButton::ArrowZone() const {
     if (large_) return rect().adjusted(0, kLargeTop + kLargePicture + kLargeTextTop / 2, 0, 0);
     return rect().adjusted(width() - kPadding - kArrow - kGap, 0, 0, 0);
@@ -114,27 +127,28 @@ void RibbonButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const bool menuOpen = menu() && menu()->isVisible();
     if (isEnabled()) {
-        if (isChecked()) fill(painter, rect(), theme::kChecked);
+        if (isChecked()) fill(painter, rect(), theme::Now().selection);
         if (isDown() || menuOpen) {
-            fill(painter, rect(), theme::kPressed);
-        } else if (underMouse()) {
-            fill(painter, rect(), theme::kHover);
+            fill(painter, rect(), theme::Now().pressed);
+        } else if (IsUnderPointer()) {
+            fill(painter, rect(),
+                 isChecked() ? theme::Now().pressed : theme::Now().hover);  // lit, also where it is checked
             if (menuUse_ == ribbon::Menu::Split) {
                 const bool overArrow = ArrowZone().contains(pointer_);
                 painter.setClipRegion(overArrow ? QRegion(ArrowZone()) : QRegion(rect()) - ArrowZone());
-                fill(painter, rect(), theme::kPressed);
+                fill(painter, rect(), theme::Now().pressed);
                 painter.setClipping(false);
             }
         }
     }
     if (hasFocus()) {
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(theme::kAccent, 1));
+        painter.setPen(QPen(theme::Now().lit, 1));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
         painter.setRenderHint(QPainter::Antialiasing, false);
     }
-    painter.setPen(isEnabled() ? theme::kText : theme::kDisabledText);
+    painter.setPen(isEnabled() ? theme::Now().text : theme::Now().disabled);
     large_ ? PaintLarge(painter) : PaintSmall(painter);
 }
 
@@ -165,7 +179,7 @@ void RibbonButton::PaintLarge(QPainter& painter) const {
 
 void RibbonButton::PaintSmall(QPainter& painter) const {
     PaintPicture(painter, {kPadding, (height() - kSmallPicture) / 2, kSmallPicture, kSmallPicture});
-    const int left = kPadding + kSmallPicture + kGap;
+    const int left = RowTextLeft();
     painter.drawText(QRect(left, 0, width() - left, height()), Qt::AlignLeft | Qt::AlignVCenter, Caption());
     if (arrow_) {
         const int x = left + fontMetrics().horizontalAdvance(Caption()) + kGap + kArrow / 2;
@@ -190,9 +204,23 @@ void RibbonButton::mouseMoveEvent(QMouseEvent* event) {
     QToolButton::mouseMoveEvent(event);
 }
 
+// Enter belongs to the button while it has the focus, whatever the window binds it to.
+bool RibbonButton::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && isEnter(event)) {
+        event->accept();
+        return true;
+    }
+    return QToolButton::event(event);
+}
+
 void RibbonButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Down && menu()) {
+    const bool opensByEnter = isEnter(event) && menuUse_ == ribbon::Menu::Whole;
+    if (opensByEnter || (event->key() == Qt::Key_Down && menu())) {
         showMenu();
+        return;
+    }
+    if (isEnter(event)) {
+        click();
         return;
     }
     QToolButton::keyPressEvent(event);

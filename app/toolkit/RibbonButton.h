@@ -32,13 +32,19 @@ public:
     static int RowHeight(const QFontMetrics& metrics);
     static int BodyHeight(const QFontMetrics& metrics);
 
+    /// Where the text of a row begins, and where the picture of a large button ends, in pixels from the corner.
+    static int RowTextLeft();
+    static int LargePictureBottom();
+
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    bool IsUnderPointer() const;
     QRect ArrowZone() const;
     QString Caption() const;
     void PaintLarge(QPainter& painter) const;

@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QEvent>
 #include <QFrame>
-#include <QIcon>
 #include <QPainter>
 #include <QScreen>
 #include <algorithm>
@@ -26,7 +25,7 @@ RibbonPanel::RibbonPanel(const ribbon::Panel& panel, const RibbonActions& action
       panel_(panel),
       body_(new RibbonBody(panel, actions, this)),
       dropDown_(new QFrame(this, Qt::Popup)) {
-    auto* open = new QAction(QIcon(panel.picture), panel.caption, this);
+    auto* open = new QAction(theme::Icon(panel.picture), panel.caption, this);
     open->setToolTip(panel.caption);
     button_ = new RibbonButton(open, this);
     button_->SetArrow(true);
@@ -79,11 +78,11 @@ void RibbonPanel::resizeEvent(QResizeEvent*) {
 
 void RibbonPanel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setPen(theme::kBorder);
+    painter.setPen(theme::Now().border);
     painter.drawLine(width() - 1, kTopMargin + 2, width() - 1, height() - kTopMargin - 2);
     if (form_ == RibbonForm::Button) return;
     painter.setFont(CaptionFont());
-    painter.setPen(theme::kMutedText);
+    painter.setPen(theme::Now().muted);
     const int top = kTopMargin + RibbonButton::BodyHeight(fontMetrics()) + kCaptionTop;
     painter.drawText(QRect(0, top, width(), height() - top), Qt::AlignHCenter | Qt::AlignVCenter, panel_.caption);
 }
@@ -114,8 +113,8 @@ bool RibbonPanel::eventFilter(QObject* watched, QEvent* event) {
     }
     if (watched == dropDown_ && event->type() == QEvent::Paint) {
         QPainter painter(dropDown_);
-        painter.setPen(theme::kBorder);
-        painter.setBrush(theme::kSurface);
+        painter.setPen(theme::Now().border);
+        painter.setBrush(theme::Now().surface);
         painter.drawRect(dropDown_->rect().adjusted(0, 0, -1, -1));
         return true;
     }

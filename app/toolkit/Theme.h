@@ -1,26 +1,59 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 
 class QApplication;
 
-/// The program's look, the same on every desktop: one light palette, one style sheet, and the colors for what is
-/// painted by hand.
+/// The program's look: one style sheet in several sets of colors, the same on every desktop, and the colors for what is
+/// painted by hand. Main thread only.
 namespace theme {
 
-inline constexpr QColor kWindow{0xF3, 0xF5, 0xF8};
-inline constexpr QColor kSurface{0xFF, 0xFF, 0xFF};
-inline constexpr QColor kBorder{0xD3, 0xD9, 0xE2};
-inline constexpr QColor kText{0x1F, 0x2A, 0x37};
-inline constexpr QColor kMutedText{0x5B, 0x67, 0x78};
-inline constexpr QColor kDisabledText{0xA3, 0xAC, 0xB9};
-inline constexpr QColor kAccent{0x1F, 0x63, 0xB0};
-inline constexpr QColor kHover{0xE6, 0xEF, 0xFA};
-inline constexpr QColor kPressed{0xC9, 0xDE, 0xF5};
-inline constexpr QColor kChecked{0xD7, 0xE7, 0xF8};
-inline constexpr QColor kKeyTip{0x2B, 0x36, 0x44};
+enum class Chrome : int {
+    System = 0,  ///< light or dark, as the desktop's own colors are
+    Light,
+    Dark,
+    NeutralGray  ///< no hue but in warning signs, of medium lightness: for judging the colors of pictures
+};
+inline constexpr int kChromes = 4;
 
-/// Sets style, palette, font size and style sheet.
-void Apply(QApplication& application);
+/// One set of colors. Every text color can be read on window, surface and raised.
+struct Colors {
+    QColor window;   ///< behind everything
+    QColor surface;  ///< of ribbon, lists and edits
+    QColor raised;   ///< of titles and of tabs that are behind
+    QColor header;   ///< of the columns of a list
+    QColor border;   ///< between parts
+    QColor line;     ///< within a part
+    QColor control;  ///< around a button or an edit
+    QColor strong;   ///< around a check box or a handle
+    QColor text;
+    QColor label;
+    QColor muted;  ///< captions
+    QColor disabled;
+    QColor dimmed;  ///< the rows of a list that can't be edited now
+    QColor accent;  ///< what white text stands on
+    QColor accentDeep;
+    QColor accentSoft;
+    QColor lit;  ///< focus and the chosen tab, as a text or a line
+    QColor hover;
+    QColor pressed;
+    QColor selection;  ///< a selected row, a checked button
+    QColor keyTip;
+    QColor keyTipText;
+};
+
+/// The colors in force.
+const Colors& Now();
+
+/// Dresses the program, and again whenever the choice changes. Pictures from Icon and what asks Now() while it paints
+/// follow by themselves.
+void Apply(QApplication& application, Chrome chrome);
+Chrome GetChrome();  ///< as it was chosen, System included
+bool IsDark();       ///< whether the set in force is the dark one
+
+/// A picture of the program in the colors in force.
+/// @param path of an SVG in the program's resources
+QIcon Icon(const QString& path);
 
 }  // namespace theme

@@ -1,9 +1,18 @@
+#include <QAction>
+#include <QCheckBox>
 #include <QDockWidget>
+#include <QLabel>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QTest>
+#include <cmath>
 
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
+#include "app/toolkit/Profile.h"
 #include "app/toolkit/RibbonBar.h"
+#include "app/toolkit/RibbonButton.h"
+#include "app/toolkit/Theme.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "tests/app/studio.h"
@@ -35,6 +44,173 @@ TEST_F(FramePanes, EverySizeOfTheWindowIsPainted) {
     for (int width = 0; width < 8; ++width) {
         frame->ReferenceViewer().resize(width, 7 - width);
         frame->ReferenceViewer().grab();
+    }
+}
+
+TEST_F(FramePanes, APaneThatIsDockedAgainComesInFront) {
+    frame->resize(1600, 900);
+    frame->show();
+    Run(ID_CBTN_CALIB_IMG_VIEW);
+    Run(ID_CBTN_REF_IMG_VIEW);
+    CDockableImgPane& pane = frame->CalibratedPane();
+    EXPECT_TRUE(pane.visibleRegion().isEmpty()) << "behind the other one";
+    pane.setFloating(true);
+    pane.setFloating(false);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frame->tabifiedDockWidgets(&pane).size(), 1);
+    EXPECT_FALSE(pane.visibleRegion().isEmpty());
+}
+
+TEST_F(FramePanes, StatusTextsShareWhatRoomThereIs) {
+    frame->show();
+    Run(ID_BTN_COLOR_MANUAL);
+    for (const int width : {1600, 800, 640, 500}) {
+        frame->resize(width, 600);
+        QCoreApplication::processEvents();
+        int end = 0;
+        for (const int id : {317, 111, 112, 107, 316}) {
+            const QRect place = frame->StatusPane(id)->geometry();
+            EXPECT_GE(place.left(), end) << id << " at " << width;
+            end = place.left() + place.width();
+        }
+        EXPECT_LE(end, frame->width());
+    }
+    EXPECT_GT(frame->StatusPane(316)->width(), 80) << "the zoom gives way last";
+}
+
+TEST_F(FramePanes, KeyTipsLeaveTextsAndBoxesReadable) {
+    frame->resize(1900, 900);
+    frame->show();
+    frame->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get()));
+    const auto inWindow = [&](const QWidget* widget, QRect part) {
+        return QRect(widget->mapTo(frame.get(), part.topLeft()), part.size());
+    };
+    for (const Qt::Key tab : {Qt::Key_H, Qt::Key_V}) {
+        QTest::keyClick(frame.get(), Qt::Key_Alt);
+        QTest::keyClick(frame.get(), tab);
+        std::vector<QRect> texts;
+        for (const auto* button : frame->findChildren<RibbonButton*>()) {
+            if (!button->isVisible()) continue;
+            const QRect text = button->IsLarge()
+                                   ? button->rect().adjusted(0, RibbonButton::LargePictureBottom() + 4, 0, 0)
+                                   : button->rect().adjusted(RibbonButton::RowTextLeft(), 0, 0, 0);
+            texts.push_back(inWindow(button, text));
+        }
+        for (const auto* box : frame->findChildren<QCheckBox*>()) {
+            if (!box->isVisible()) continue;
+            QStyleOptionButton option;
+            option.initFrom(box);
+            texts.push_back(inWindow(box, box->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, box)));
+        }
+        int tips = 0;
+        for (const auto* tip : frame->findChildren<QLabel*>("keyTip")) {
+            if (!tip->isVisible()) continue;
+            ++tips;
+            for (const QRect& text : texts) {
+                EXPECT_FALSE(tip->geometry().intersects(text)) << tip->text().toStdString();
+            }
+        }
+        EXPECT_GT(tips, 3);
+        QTest::keyClick(frame.get(), Qt::Key_Escape);
+        QTest::keyClick(frame.get(), Qt::Key_Escape);
+    }
+}
+
+TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
+    EXPECT_FALSE(frame->RestoreLayout()) << "nothing to remember yet";
+    frame->setGeometry(10, 20, 700, 600);
+    frame->show();
+    Run(ID_CBTN_LOG);
+    Run(ID_CBTN_RAW_COLOR_LIST);
+    frame->addDockWidget(Qt::RightDockWidgetArea, &frame->RawColorPane());
+    frame->SaveLayout();
+    Start();
+    EXPECT_FALSE(frame->Logger().isHidden()) << "a start without a memory is as ever";
+    ASSERT_TRUE(frame->RestoreLayout());
+    frame->show();
+    EXPECT_EQ(frame->geometry(), QRect(10, 20, 700, 600));
+    EXPECT_TRUE(frame->Logger().isHidden());
+    EXPECT_FALSE(frame->RawColorPane().isHidden());
+    EXPECT_EQ(frame->dockWidgetArea(&frame->RawColorPane()), Qt::RightDockWidgetArea);
+
+    frame->CalibratedPane().setFloating(true);
+    Run(ID_BTN_RESET_LAYOUT);
+    EXPECT_FALSE(frame->Logger().isHidden());
+    EXPECT_TRUE(frame->RawColorPane().isHidden());
+    EXPECT_FALSE(frame->CalibratedPane().isFloating());
+    EXPECT_EQ(frame->dockWidgetArea(&frame->RawColorPane()), Qt::LeftDockWidgetArea);
+}
+
+TEST_F(FramePanes, AMemoryThatIsNoneIsLeftAlone) {
+    GetProfile().WriteString("Window", "Place", "1 2 3");
+    GetProfile().WriteInt("Window", "Chrome", 77);
+    EXPECT_FALSE(frame->RestoreLayout());
+    CMainFrame::RestoreChrome();
+    EXPECT_EQ(theme::GetChrome(), theme::Chrome::System);
+    GetProfile().WriteString("Window", "Place", "10 20 700 600 0");
+    GetProfile().WriteString("Window", "Panes", "bm8gbGF5b3V0");
+    EXPECT_TRUE(frame->RestoreLayout());
+    EXPECT_FALSE(frame->Logger().isHidden());
+}
+
+double luminance(QColor color) {
+    const auto linear = [](double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+double contrast(QColor a, QColor b) {
+    const double la = luminance(a), lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+TEST_F(FramePanes, TextsCanBeReadInEverySetOfColorsAndTheChoiceIsKept) {
+    for (const int id : {ID_BTN_CHROME_DARK, ID_BTN_CHROME_NEUTRAL, ID_BTN_CHROME_LIGHT}) {
+        Run(id);
+        EXPECT_TRUE(frame->GetAction(id)->isChecked());
+        EXPECT_EQ(GetProfile().ReadInt("Window", "Chrome", 0), id - ID_BTN_CHROME_SYSTEM);
+        const theme::Colors& now = theme::Now();
+        for (const QColor& ground : {now.window, now.surface, now.raised, now.header}) {
+            for (const QColor& text : {now.text, now.label, now.muted}) EXPECT_GE(contrast(text, ground), 4.0) << id;
+        }
+        for (const QColor& ground : {now.hover, now.pressed, now.selection}) {
+            EXPECT_GE(contrast(now.text, ground), 4.5) << id;
+        }
+        EXPECT_GE(contrast(now.keyTipText, now.keyTip), 4.5) << id;
+        EXPECT_GE(contrast(Qt::white, now.accent), 4.5) << id;
+        EXPECT_GE(contrast(now.dimmed, now.surface), 3.0) << id;
+        if (id != ID_BTN_CHROME_NEUTRAL) continue;
+        for (const QColor& color : {now.window, now.surface, now.raised, now.accent, now.selection, now.text}) {
+            EXPECT_EQ(color.hsvSaturation(), 0);
+        }
+    }
+}
+
+TEST_F(FramePanes, PicturesFollowTheColors) {
+    const QIcon icon = frame->GetAction(ID_BTN_PARAM_SAVE)->icon();
+    Run(ID_BTN_CHROME_LIGHT);
+    const QImage light = icon.pixmap(16).toImage();
+    Run(ID_BTN_CHROME_DARK);
+    const QImage dark = icon.pixmap(16).toImage();
+    EXPECT_NE(light, dark);
+    Run(ID_BTN_CHROME_LIGHT);
+    EXPECT_EQ(icon.pixmap(16).toImage(), light);
+}
+
+TEST_F(FramePanes, KeysSelectAViewerAndBringItIntoView) {
+    frame->resize(1600, 900);
+    frame->show();
+    frame->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get()));
+    struct Case {
+        Qt::Key key;
+        CImageViewerCtrl& viewer;
+    };
+    for (const Case& c : {Case{Qt::Key_3, frame->CalibratedViewer()}, Case{Qt::Key_2, frame->ReferenceViewer()},
+                          Case{Qt::Key_1, frame->RawViewer()}}) {
+        QTest::keyClick(frame.get(), c.key, Qt::ControlModifier);
+        EXPECT_EQ(frame->GetSelectedViewer(), &c.viewer);
+        EXPECT_TRUE(c.viewer.hasFocus());
+        EXPECT_FALSE(c.viewer.visibleRegion().isEmpty());
     }
 }
 

@@ -19,6 +19,8 @@
 #include "app/toolkit/RibbonForms.h"
 #include "app/toolkit/RibbonPage.h"
 #include "app/toolkit/RibbonPanel.h"
+#include "app/toolkit/StatusRow.h"
+#include "app/toolkit/WindowPlace.h"
 
 namespace {
 
@@ -74,6 +76,47 @@ TEST(RibbonForms, StepsAreTakenInOrderUntilAllFits) {
           Case{500, {Compact, Full, Full}}, Case{499, {Compact, Button, Full}}, Case{210, {Button, Button, Full}},
           Case{150, {Button, Button, Button}}, Case{10, {Button, Button, Button}}}) {
         EXPECT_EQ(ChooseRibbonForms(panels, steps, c.available), c.expected) << c.available;
+    }
+}
+
+TEST(WindowPlace, ReturnsToItsScreenOrTheNearestThingToIt) {
+    const QList<QRect> two{{0, 0, 1920, 1040}, {1920, 0, 1280, 1024}};
+    const QList<QRect> laptop{{0, 30, 1280, 770}};
+    struct Case {
+        const char* what;
+        QRect normal;
+        QList<QRect> screens;
+        QRect expected;
+    };
+    for (const Case& c : {Case{"as it was", {100, 50, 1600, 900}, two, {100, 50, 1600, 900}},
+                          Case{"on the second screen", {2000, 10, 1000, 900}, two, {2000, 10, 1000, 900}},
+                          Case{"that screen is gone", {2000, 10, 1000, 700}, laptop, {140, 65, 1000, 700}},
+                          Case{"too large", {100, 50, 1600, 900}, laptop, {0, 30, 1280, 770}},
+                          Case{"its title is above", {100, -20, 1000, 700}, laptop, {100, 30, 1000, 700}},
+                          Case{"mostly beside", {-950, 100, 1000, 600}, laptop, {140, 115, 1000, 600}}}) {
+        EXPECT_EQ(FitToScreens(c.normal, c.screens), c.expected) << c.what;
+    }
+}
+
+TEST(WindowPlace, TextsComeBackAndOtherTextsAreNoPlace) {
+    const auto place = WindowPlaceFrom(ToText({{-5, 20, 640, 480}, true}));
+    ASSERT_TRUE(place);
+    EXPECT_EQ(place->normal, QRect(-5, 20, 640, 480));
+    EXPECT_TRUE(place->isMaximised);
+    for (const char* text : {"", "1 2 3 4", "1 2 0 4 0", "1 2 x 4 0", "1 2 3000000000 4 0", "1 2 900000 4 0"}) {
+        EXPECT_FALSE(WindowPlaceFrom(text)) << text;
+    }
+}
+
+TEST(StatusRow, TheLeastImportantTextGivesWayFirst) {
+    const std::vector<StatusPart> parts{{100, 1}, {50, 0}, {30, 2}};
+    struct Case {
+        int available;
+        std::vector<int> expected;
+    };
+    for (const Case& c : {Case{500, {100, 50, 30}}, Case{180, {100, 50, 30}}, Case{140, {100, 10, 30}},
+                          Case{120, {90, 0, 30}}, Case{20, {0, 0, 20}}, Case{0, {0, 0, 0}}}) {
+        EXPECT_EQ(ShareStatusRoom(parts, c.available), c.expected) << c.available;
     }
 }
 
@@ -220,6 +263,31 @@ TEST_F(Ribbon, FileMenuEntriesShowTheTipsOfTheirCommands) {
     EXPECT_EQ(tipAt(1), "") << "its own text is no tip";
     EXPECT_EQ(tipAt(0), "<b>Push</b>");
     menu->hide();
+}
+
+TEST_F(Ribbon, EnterPressesTheButtonInFocusAndNotWhatTheWindowBindsToIt) {
+    QAction bound;
+    bound.setShortcut(Qt::Key_Return);
+    window.addAction(&bound);
+    QSignalSpy taken(&bound, &QAction::triggered);
+    for (RibbonButton* button : window.findChildren<RibbonButton*>()) {
+        if (button->defaultAction() != actions[kPush]) continue;
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Return);
+        QTest::keyClick(button, Qt::Key_Enter);
+    }
+    EXPECT_EQ(runs[kPush], 2);
+    EXPECT_EQ(taken.count(), 0);
+}
+
+TEST_F(Ribbon, AButtonIsLitOnlyWhileThePointerIsOverIt) {
+    auto* button = window.findChild<RibbonButton*>();
+    QCursor::setPos(button->mapToGlobal(QPoint(5, 200)));
+    const QImage dark = button->grab().toImage();
+    button->setAttribute(Qt::WA_UnderMouse);  // as a menu leaves it that closes elsewhere
+    EXPECT_EQ(button->grab().toImage(), dark);
+    QCursor::setPos(button->mapToGlobal(button->rect().center()));
+    EXPECT_NE(button->grab().toImage(), dark);
 }
 
 TEST_F(Ribbon, DisabledActionsDisableTheirControls) {
