@@ -93,6 +93,7 @@ CTivImage loadPicture(const CalibrateOptions& options) {
 
 void setUserIlluminant(CTivTonewrightDC& engine, const CalibrateOptions& options, int count) {
     CTivVector values(count, CTivData::FormatColorFloat, nullptr, true);
+    RequireText(options.values);
     try {
         CCSVParser parser;
         Require([&] { return parser.Read(options.values, values); }, options.values, "cannot read the values");

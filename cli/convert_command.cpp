@@ -32,9 +32,6 @@ Outcome convert(const ConvertOptions& options) {
     CTivImage image = LoadImage(options.input);
     if (options.format != CTivData::FormatNone) image = converted(image, options);
     SaveImage(image, options.output, options.fileFormat);
-    if (options.fileFormat == ImageFileCrc && image.GetFormat() == CTivData::FormatRgb) {
-        Tell(options.output + ": a .crc file has no code for FormatRgb, so it cannot be loaded again");
-    }
     return {{{"input", options.input},
              {"output", options.output},
              {"format", FormatName(image.GetFormat())},

@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <mutex>
 #include <string_view>
@@ -13,6 +14,7 @@
 #include "cli/whole_files.h"
 #include "foundation/nur_report.h"
 #include "imagefile/CTivImageFileFormat.h"
+#include "imagefile/buffer_format.h"
 
 namespace {
 
@@ -54,7 +56,24 @@ void swapBytes(CTivImage& image) {
 
 const char* GetKindName(FileKind kind) { return kKindNames[static_cast<int>(kind)]; }
 
+void RequireFile(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::file_type type = std::filesystem::status(path, error).type();
+    if (error || type == std::filesystem::file_type::regular) return;
+    const bool isFolder = type == std::filesystem::file_type::directory;
+    throw WorkFailure(path + ": is a " + (isFolder ? "folder" : "pipe or a device") + ", not a file");
+}
+
+void RequireText(const std::string& path) {
+    constexpr std::uintmax_t most = 1 << 20;
+    RequireFile(path);
+    std::error_code error;
+    const std::uintmax_t bytes = std::filesystem::file_size(path, error);
+    if (!error && bytes > most) throw WorkFailure(path + ": is too long for a text of numbers");
+}
+
 FileKind FindKind(const std::string& path) {
+    RequireFile(path);
     std::array<char, kNameBytes + 1> head{};
     std::ifstream file(path, std::ios::binary);
     file.read(head.data(), kNameBytes);
@@ -66,14 +85,17 @@ FileKind FindKind(const std::string& path) {
     return FileKind::Unknown;
 }
 
+void RequireKnownFormat(const CTivImage& image, const std::string& path) {
+    if (CTivData::GetFormatName(image.GetFormat())) return;
+    throw WorkFailure(path + ": CTivImage::Load => unrecognized image data format");
+}
+
 CTivImage LoadImageWithRoi(const std::string& path) {
     const FileKind kind = FindKind(path);
     if (kind == FileKind::NativeImage) RequireWholeImage(path);
     CTivImage image;
     Require([&] { return image.Load(path, true); }, path, "cannot read the image");
-    if (!CTivData::GetFormatName(image.GetFormat())) {
-        throw WorkFailure(path + ": CTivImage::Load => unrecognized image data format");
-    }
+    RequireKnownFormat(image, path);
     const bool isDeep = image.GetFormat() == CTivData::FormatUShort || image.GetFormat() == CTivData::FormatRgb16;
     if (kind == FileKind::Png && isDeep) swapBytes(image);
     return image;
@@ -98,6 +120,10 @@ int FindFileFormat(const std::string& path) {
 }
 
 void SaveImage(const CTivImage& image, const std::string& path, int fileFormat) {
+    if (fileFormat == ImageFileCrc && bufferFormatOf(image.GetFormat()) < 0) {
+        throw WorkFailure(path + ": a .crc file has no code for " + CTivData::GetFormatName(image.GetFormat()) +
+                          ", so it could not be loaded again");
+    }
     Require([&] { return image.Save(path, fileFormat); }, path, "cannot write the image");
 }
 

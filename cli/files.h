@@ -10,8 +10,20 @@ enum class FileKind { Unknown, Bmp, Tiff, Png, Crc, NativeImage, NativeVector, P
 /// @return the kind's name in the documents of `info`, null for Unknown
 const char* GetKindName(FileKind kind);
 
+/// Refuses what gives its bytes only once, or without end, or has none: pipes, devices, folders. Files are read more
+/// than once. What is not there passes: the reader tells.
+/// @throw WorkFailure
+void RequireFile(const std::string& path);
+
+/// The same for a text of numbers, which also has a megabyte at most. @throw WorkFailure
+void RequireText(const std::string& path);
+
 /// @return Unknown also for a file that cannot be read
+/// @throw WorkFailure for what RequireFile refuses
 FileKind FindKind(const std::string& path);
+
+/// @throw WorkFailure for an image of a format that the library has no name for
+void RequireKnownFormat(const CTivImage& image, const std::string& path);
 
 /// Loads an image of any kind as its file has it, but for the words of a 16-bit PNG, which the library leaves in the
 /// file's order: they are put into the machine's.
@@ -25,7 +37,8 @@ CTivImage LoadImage(const std::string& path);
 ///         -1 for another one
 int FindFileFormat(const std::string& path);
 
-/// Saves an image. @throw WorkFailure with the library's message
+/// Saves an image. @throw WorkFailure with the library's message, and for a format that a .crc file has no code for:
+/// the library writes such a file, but nothing loads it again
 void SaveImage(const CTivImage& image, const std::string& path, int fileFormat);
 
 /// Runs a call of the library that answers bool.

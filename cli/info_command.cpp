@@ -32,10 +32,19 @@ Json metadataOf(CTivImageReader& reader) {
     return metadata;
 }
 
-Json describeImage(const std::string& path) {
-    const CTivImage image = LoadImageWithRoi(path);
+Json describeImage(const std::string& path, FileKind kind) {
+    if (kind == FileKind::NativeImage) RequireWholeImage(path);
     CTivImageReader reader;
-    Require([&] { return reader.SetDataSource(path); }, path, "cannot read the image");
+    CTivImage image;
+    const auto load = [&] {
+        try {
+            return reader.SetDataSource(path) && image.LoadFrom(reader);
+        } catch (const std::runtime_error& failure) {
+            throw WorkFailure(path + ": CTivImage::Load => " + failure.what());
+        }
+    };
+    Require(load, path, "cannot read the image");
+    RequireKnownFormat(image, path);
     const CTivRect roi = image.GetRoi();
     return {{"format", FormatName(image.GetFormat())},
             {"width", image.GetWidth()},
@@ -83,6 +92,7 @@ Json describeCoefficients(const std::string& path) {
 Json describe(const std::string& path, FileKind kind) {
     switch (kind) {
         case FileKind::Unknown:
+            RequireOpens(path);
             throw WorkFailure(path + ": unknown kind of file");
         case FileKind::NativeVector:
             return ToJson(ReadWholeVector(path));
@@ -91,16 +101,17 @@ Json describe(const std::string& path, FileKind kind) {
         case FileKind::Coefficients:
             return describeCoefficients(path);
         default:
-            return describeImage(path);
+            return describeImage(path, kind);
     }
 }
 
 /// One file's object. A file that fails has the reason in the place of what it holds.
 Json describeFile(const std::string& path, int& status) {
-    const FileKind kind = FindKind(path);
-    Json object = {{"file", path}, {"kind", kind == FileKind::Unknown ? Json() : Json(GetKindName(kind))}};
+    Json object = {{"file", path}, {"kind", nullptr}};
     std::string problem;
     try {
+        const FileKind kind = FindKind(path);
+        if (kind != FileKind::Unknown) object["kind"] = GetKindName(kind);
         object.update(describe(path, kind));
         return object;
     } catch (const std::bad_alloc&) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <ostream>
 
 Json ToNumber(float value) {
     if (!std::isfinite(value)) return nullptr;
@@ -67,9 +68,13 @@ Json ToJson(const CTivData& value) {
 }
 
 Json ToJson(const CTivVector& vector) {
-    Json values = Json::array();
-    for (int i = 0; i < vector.GetSize(); ++i) values.push_back(ToJson(vector.GetData(i)));
-    return {{"format", FormatName(vector.GetFormat())}, {"size", vector.GetSize()}, {"values", values}};
+    const auto* data = static_cast<const std::uint8_t*>(vector.GetDataPointer());
+    const std::uint64_t bytes =
+        data ? CTivData::GetByteCount(vector.GetFormat(), static_cast<std::uint64_t>(vector.GetSize())) : 0;
+    const auto format = static_cast<std::uint64_t>(vector.GetFormat());
+    return {{"format", FormatName(vector.GetFormat())},
+            {"size", vector.GetSize()},
+            {"values", Json::binary(std::vector<std::uint8_t>(data, data + bytes), format)}};
 }
 
 Json FormatName(CTivData::Format format) {
@@ -79,31 +84,69 @@ Json FormatName(CTivData::Format format) {
 
 namespace {
 
-void append(std::string& text, const Json& value, const std::string& indent) {
-    const auto isNested = [](const Json& element) { return element.is_structured() && !element.empty(); };
-    if (!isNested(value)) {
-        text += value.dump(-1, ' ', false, Json::error_handler_t::replace);
-        return;
+class Printer {
+public:
+    explicit Printer(std::ostream& stream) : stream_(stream) {}
+    ~Printer() { stream_ << text_; }
+
+    void Append(const Json& value, const std::string& indent) {
+        if (value.is_binary()) return AppendVector(value.get_binary(), indent);
+        if (!IsNested(value)) return AppendPlain(value);
+        const bool isShort = value.is_array() && std::none_of(value.begin(), value.end(), IsNested);
+        AppendList(value.is_object() ? "{}" : "[]", isShort, indent, [&](auto beginElement) {
+            for (const auto& [key, element] : value.items()) {
+                beginElement();
+                if (value.is_object()) {
+                    AppendPlain(key);
+                    text_ += ": ";
+                }
+                Append(element, indent + "  ");
+            }
+        });
     }
-    const bool isShort = value.is_array() && std::none_of(value.begin(), value.end(), isNested);
-    const std::string deeper = indent + "  ";
-    const char* separator = "";
-    text += value.is_object() ? '{' : '[';
-    for (const auto& [key, element] : value.items()) {
-        text += separator;
-        if (!isShort) text.append("\n").append(deeper);
-        if (value.is_object()) text += Json(key).dump(-1, ' ', false, Json::error_handler_t::replace) + ": ";
-        append(text, element, deeper);
-        separator = isShort ? ", " : ",";
+
+private:
+    static bool IsNested(const Json& value) { return value.is_structured() && !value.empty(); }
+
+    void AppendPlain(const Json& value) { text_ += value.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
+    void AppendVector(const Json::binary_t& bytes, const std::string& indent) {
+        const auto format = static_cast<CTivData::Format>(bytes.subtype());
+        const auto bits = static_cast<std::uint64_t>(CTivData::GetFormatBits(format));
+        const std::uint64_t count = bits == 0 ? 0 : bytes.size() * 8 / bits;
+        if (count == 0) return AppendPlain(Json::array());
+        const bool isShort = !ToJson(ReadElement(format, bytes.data(), 0)).is_structured();
+        AppendList("[]", isShort, indent, [&](auto beginElement) {
+            for (std::uint64_t i = 0; i < count; ++i) {
+                beginElement();
+                AppendPlain(ToJson(ReadElement(format, bytes.data(), i)));
+            }
+        });
     }
-    if (!isShort) text.append("\n").append(indent);
-    text += value.is_object() ? '}' : ']';
-}
+
+    /// @param appendElements appends them all, and calls its argument before each
+    template <class AppendElements>
+    void AppendList(const char* brackets, bool isShort, const std::string& indent, AppendElements appendElements) {
+        constexpr std::size_t block = 1 << 16;
+        const std::string line = isShort ? "" : "\n" + indent + "  ";
+        const char* separator = "";
+        text_ += brackets[0];
+        appendElements([&] {
+            if (text_.size() >= block) {
+                stream_ << text_;
+                text_.clear();
+            }
+            text_.append(separator).append(line);
+            separator = isShort ? ", " : ",";
+        });
+        if (!isShort) text_.append("\n").append(indent);
+        text_ += brackets[1];
+    }
+
+    std::ostream& stream_;
+    std::string text_;
+};
 
 }  // namespace
 
-std::string ToText(const Json& document) {
-    std::string text;
-    append(text, document, "");
-    return text;
-}
+void Print(std::ostream& stream, const Json& document) { Printer(stream).Append(document, ""); }

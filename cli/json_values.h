@@ -1,5 +1,7 @@
 #pragma once
 
+#include <iosfwd>
+
 #include "cli/command.h"
 #include "foundation/CTivVector.h"
 
@@ -10,12 +12,14 @@ Json ToNumber(float value);
 /// points, single numbers; null for a format without numbers and for what is no number.
 Json ToJson(const CTivData& value);
 
-/// {"format", "size", "values"} of a vector.
+/// {"format", "size", "values"} of a vector. The values stay the bytes that they are in the vector, in a binary value
+/// with the format as its subtype, until Print makes a list of them: as numbers they would take hundreds of times as
+/// much.
 Json ToJson(const CTivVector& vector);
 
-/// A document as text for people and programs: a line a field, but lists of plain values on one line. Bytes of file
-/// names that are no UTF-8 become replacement characters.
-std::string ToText(const Json& document);
+/// Writes a document as text for people and programs: a line a field, but lists of plain values on one line. Bytes of
+/// file names that are no UTF-8 become replacement characters. Memory does not grow with the vectors in it.
+void Print(std::ostream& stream, const Json& document);
 
 /// A format's name, null for FormatNone.
 Json FormatName(CTivData::Format format);

@@ -25,7 +25,8 @@ int fail(int status, const std::string& text) {
 int run(const Work& work) {
     try {
         const Outcome outcome = work();
-        std::cout << ToText(outcome.document) << std::endl;
+        Print(std::cout, outcome.document);
+        std::cout << std::endl;
         if (!std::cout) return fail(kWorkFailed, "cannot write to standard output");
         return outcome.status;
     } catch (const UsageFailure& failure) {

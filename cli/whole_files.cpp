@@ -2,7 +2,9 @@
 
 #include <array>
 #include <bit>
+#include <cerrno>
 #include <fstream>
+#include <system_error>
 
 #include "calibration/illuminants.h"
 #include "cli/command.h"
@@ -17,9 +19,11 @@ constexpr std::uint64_t kImageHead = 64;
 constexpr std::uint64_t kVectorHead = 44;
 
 std::ifstream open(const std::string& path) {
+    RequireFile(path);
+    errno = 0;
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw WorkFailure(path + ": cannot open file for reading");
-    return file;
+    if (file) return file;
+    throw WorkFailure(path + ": cannot open file for reading: " + std::generic_category().message(errno));
 }
 
 void rewind(std::ifstream& file) {
@@ -57,6 +61,8 @@ void requireNoReason(const std::string& path, const std::string& reason) {
 
 }  // namespace
 
+void RequireOpens(const std::string& path) { open(path); }
+
 void RequireWholeImage(const std::string& path) {
     std::ifstream file = open(path);
     const auto [width, height, format] = readHead<3>(file);
@@ -75,7 +81,9 @@ CTivVector ReadWholeVector(const std::string& path) {
     std::ifstream file = open(path);
     const auto [size, format] = readHead<2>(file);
     const auto count = static_cast<std::uint64_t>(std::max(size, 0));
-    requireLength(file, path, kVectorHead + CTivData::GetByteCount(static_cast<CTivData::Format>(format), count));
+    const std::uint64_t bytes = CTivData::GetByteCount(static_cast<CTivData::Format>(format), count);
+    if (count > 0 && bytes == 0) throw WorkFailure(path + ": the vector's elements have no size");
+    requireLength(file, path, kVectorHead + bytes);
     rewind(file);
     CTivVector vector;
     Require([&] { return vector.ReadFile(file); }, path, "cannot read the vector");

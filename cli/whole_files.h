@@ -19,6 +19,9 @@ struct CoefficientFile {
     CTivVector transform;  ///< 3 x terms floats
 };
 
+/// @throw WorkFailure with the system's reason for a file that does not open
+void RequireOpens(const std::string& path);
+
 /// @throw WorkFailure for a native image record that is shorter than its head says
 void RequireWholeImage(const std::string& path);
 

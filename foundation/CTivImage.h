@@ -74,6 +74,8 @@ public:
     // Image files of every kind. Defined in imagefile/, which knows the kinds: link Tonewright::imagefile.
     /// Loads a file; its kind is found by content. @param reallocate take the file's format and size
     bool Load(const CTivString& path, bool reallocate);
+    /// Takes the pixels out of a reader, whose results go on telling of the file. @throw std::runtime_error
+    bool LoadFrom(CTivImageReader& reader);
     /// @param fileFormat a CTivImageFileFormat of imagefile/
     bool Save(const CTivString& path, int fileFormat) const;
     bool Save(CTivOutputStream& stream, int fileFormat) const;
@@ -83,6 +85,5 @@ public:
     NurImage* GetRecord();
 
 private:
-    bool LoadFrom(CTivImageReader& reader);
     std::unique_ptr<ImplImage> impl_;
 };

@@ -1,4 +1,5 @@
 #include <png.h>
+#include <sys/stat.h>
 
 #include "tests/cli/tool_test.h"
 #include "tests/support/drawn_chart.h"
@@ -120,6 +121,47 @@ TEST_F(Files, InfoReadsNativeVectorsAndGoesOnBehindAFileThatFails) {
                                     {"format", "FormatShort"},
                                     {"size", 3},
                                     {"values", {1, -1, -32768}}}));
+}
+
+TEST_F(Files, WhatIsNoFileIsRefusedWithItsReason) {
+    const std::string pipe = Path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);  // nobody ever writes into it
+    std::filesystem::create_directory(Path("folder"));
+    const std::string picture = WriteImage("chart.bmp", DrawnChart().Draw());
+    const std::string longText = Write("long.csv", "");
+    std::filesystem::resize_file(longText, 1ull << 33);
+    const auto calibrated = [&](const std::string& values) {
+        return std::vector<std::string>{"calibrate", picture, "--illuminant", "user",
+                                        "--values",  values,  "--white",      "0.8,0.9,0.9"};
+    };
+    const struct {
+        std::vector<std::string> arguments;
+        const char* reason;
+    } cases[] = {
+        {{"info", Path("missing")}, "missing: cannot open file for reading: No such file or directory"},
+        {{"info", Path("folder")}, "is a folder, not a file"},
+        {{"info", pipe}, "is a pipe or a device, not a file"},
+        {{"convert", pipe, Path("out.bmp")}, "is a pipe or a device"},
+        {{"apply", picture, "--parameters", pipe, "--output", Path("out.bmp")}, "is a pipe or a device"},
+        {calibrated("/dev/zero"), "is a pipe or a device"},
+        {calibrated(longText), "too long for a text of numbers"},
+    };
+    for (const auto& [arguments, reason] : cases) {
+        const ToolRun run = RunTool(arguments);
+        EXPECT_EQ(run.status, 1) << reason;
+        EXPECT_THAT(run.err, HasSubstr(reason));
+    }
+    EXPECT_EQ(RunTool({"info", Path("missing")}).Document()[0]["kind"], nullptr);
+}
+
+TEST_F(Files, NoCrcFileIsWrittenThatCouldNotBeLoadedAgain) {
+    const std::string source = WriteImage("chart.bmp", DrawnChart().Draw());
+    for (const char* format : {"FormatRgb", "FormatRgb10", "FormatRgb16"}) {
+        const ToolRun run = RunTool({"convert", source, Path("a.crc"), "--format", format, "--mode", "2"});
+        EXPECT_EQ(run.status, 1) << format;
+        EXPECT_THAT(run.err, HasSubstr(std::string("a.crc: a .crc file has no code for ") + format + ","));
+    }
+    EXPECT_THAT(Files(), ElementsAre("chart.bmp"));
 }
 
 TEST_F(Files, ConvertSavesByExtensionAndChangesTheFormat) {

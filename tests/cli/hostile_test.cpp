@@ -112,6 +112,28 @@ TEST_F(HostileFiles, CalibrationsWithImpossibleFields) {
     EXPECT_EQ(RunTool({"info", file}).Document()[0]["mode"], 7);
 }
 
+/// The head of a native vector.
+std::string vectorHead(std::uint32_t size, std::uint32_t format) {
+    std::string bytes(44, '\0');
+    bytes.replace(0, 10, "CTivVector");
+    return WithU32(WithU32(WithU32(bytes, 32, 100), 36, size), 40, format);
+}
+
+TEST_F(HostileFiles, VectorsOfElementsWithoutASize) {
+    for (const std::uint32_t format : {0u, 1u, 4u, 9u, 22u, 26u, 99u}) {
+        ExpectRefusal(vectorHead(0x7FFFFFFF, format) + "12345678", "elements of format " + std::to_string(format));
+    }
+}
+
+TEST_F(HostileFiles, AHugeVectorIsPrintedWithoutItsNumbersInMemory) {
+    constexpr std::uint32_t bytes = 1 << 19;
+    const std::string file = Write("bits", vectorHead(bytes * 8, CTivData::FormatBinary) + std::string(bytes, '\0'));
+    const ToolRun run = RunTool({"info", file});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.Document()[0]["values"].size(), bytes * 8u);
+    EXPECT_LT(run.peakKilobytes, kPeakKilobytes);
+}
+
 TEST_F(HostileFiles, Garbage) {
     std::string noise;
     std::uint32_t state = 1;
