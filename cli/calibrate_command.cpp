@@ -157,7 +157,6 @@ void write(OutputSet& outputs, CTivTonewrightDC& engine, const CalibrateOptions&
         outputs.Add(options.corrected,
                     [&](const std::string& name) { SaveImage(corrected, name, options.correctedFormat); });
     }
-    outputs.Commit();
 }
 
 Json describe(const DifferenceSummary& summary) {
@@ -185,12 +184,12 @@ Outcome calibrate(const CalibrateOptions& options) {
     describeFit(document, engine, options);
     const FitQuality quality = JudgeFit(engine);
 
-    OutputSet outputs;
-    write(outputs, engine, options, reading.image);
-    document["written"] = outputs.GetPaths();
+    const auto outputs = std::make_shared<OutputSet>();
+    write(*outputs, engine, options, reading.image);
+    document["written"] = outputs->GetPaths();
     document["quality"] = describe(quality.fitted);
     document["quality"]["before"] = describe(quality.before);
-    return {document};
+    return {document, kDone, outputs};
 }
 
 /// What the single options cannot see of each other.

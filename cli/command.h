@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -30,10 +31,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// What a command ends with: the document for standard output, and the exit status.
+class OutputSet;
+
+/// What a command ends with.
 struct Outcome {
-    Json document;
+    Json document;  ///< for standard output
     int status = kDone;
+    std::shared_ptr<OutputSet> outputs = nullptr;  ///< files that stay only if the document could be told
 };
 
 /// The work of the command that was chosen.

@@ -5,6 +5,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/json_values.h"
+#include "cli/output_set.h"
 #include "imagefile/CTivImageFileFormat.h"
 
 namespace {
@@ -31,12 +32,15 @@ CTivImage converted(const CTivImage& source, const ConvertOptions& options) {
 Outcome convert(const ConvertOptions& options) {
     CTivImage image = LoadImage(options.input);
     if (options.format != CTivData::FormatNone) image = converted(image, options);
-    SaveImage(image, options.output, options.fileFormat);
+    const auto outputs = std::make_shared<OutputSet>();
+    outputs->Add(options.output, [&](const std::string& name) { SaveImage(image, name, options.fileFormat); });
     return {{{"input", options.input},
              {"output", options.output},
              {"format", FormatName(image.GetFormat())},
              {"width", image.GetWidth()},
-             {"height", image.GetHeight()}}};
+             {"height", image.GetHeight()}},
+            kDone,
+            outputs};
 }
 
 std::optional<CTivData::Format> parseFormat(const std::string& name) {

@@ -9,6 +9,7 @@
 #include "acquisition/CTonewrightAcq.h"
 #include "acquisition/zvn/CAcqConfigDlg.h"
 #include "acquisition/zvn/ZvnManager.h"
+#include "calibration/usable_transform.h"
 #include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/files.h"
@@ -72,11 +73,11 @@ public:
     static void Receive(void* context, int bufferIndex) {
         auto& self = *static_cast<FrameBox*>(context);
         const std::scoped_lock held(self.lock_);
-        self.frames_.push_back(*self.session->GetImage(bufferIndex));
+        self.frames_.push_back(*self.session->GetImage(bufferIndex));  // empty where the memory is short
         self.arrived_.notify_all();
     }
 
-    /// @throw WorkFailure where none comes
+    /// @throw WorkFailure where none comes, or there was no memory for it
     CTivImage Take(const std::string& device) {
         std::unique_lock held(lock_);
         if (!arrived_.wait_for(held, kFrameTime, [this] { return !frames_.empty(); })) {
@@ -84,6 +85,7 @@ public:
         }
         CTivImage frame = std::move(frames_.front());
         frames_.pop_front();
+        if (!frame.IsAllocated()) throw WorkFailure(device + ": not enough memory for a frame");
         return frame;
     }
 
@@ -125,25 +127,28 @@ Outcome grab(const DeviceOptions& options) {
     CTonewrightAcq session(FrameBox::Receive, &box, nullptr);
     box.session = &session;
     const std::string device = connect(session, options);
-    OutputSet outputs;
+    const auto outputs = std::make_shared<OutputSet>();
     CTivImage frame;
     for (int number = 1; number <= options.count; ++number) {
         Require([&] { return session.Snap(); }, device, "cannot grab");
         frame = box.Take(device);
-        outputs.Add(numbered(options.file, number, options.count),
-                    [&](const std::string& name) { SaveImage(frame, name, options.fileFormat); });
+        outputs->Add(numbered(options.file, number, options.count),
+                     [&](const std::string& name) { SaveImage(frame, name, options.fileFormat); });
     }
-    outputs.Commit();
     return {{{"device", device},
              {"kind", kindWord(session.GetDeviceKind())},
              {"format", FormatName(frame.GetFormat())},
              {"width", frame.GetWidth()},
              {"height", frame.GetHeight()},
-             {"written", outputs.GetPaths()}}};
+             {"written", outputs->GetPaths()}},
+            kDone,
+            outputs};
 }
 
 Outcome send(const DeviceOptions& options) {
-    ReadWholeCoefficients(options.file);
+    const CoefficientFile file = ReadWholeCoefficients(options.file);
+    const std::string reason = WhyUnusableTransform(file.transform, file.head.terms);
+    if (!reason.empty()) throw WorkFailure(options.file + ": " + reason);
     CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
     const std::string device = connect(session, options);
     Require([&] { return session.TransferFile(options.file.c_str(), true); }, device, "cannot be written to");

@@ -7,6 +7,8 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/json_values.h"
+#include "cli/output_set.h"
+#include "cli/signals.h"
 #include "foundation/CTivManager.h"
 
 namespace {
@@ -21,13 +23,18 @@ int fail(int status, const std::string& text) {
     return status;
 }
 
+bool print(const Json& document) {
+    Print(std::cout, document);
+    std::cout << std::endl;
+    return static_cast<bool>(std::cout);
+}
+
 /// Runs the work and prints its document. The last fence: whatever a file makes the library throw ends here.
 int run(const Work& work) {
     try {
         const Outcome outcome = work();
-        Print(std::cout, outcome.document);
-        std::cout << std::endl;
-        if (!std::cout) return fail(kWorkFailed, "cannot write to standard output");
+        const std::shared_ptr<OutputSet> outputs = outcome.outputs ? outcome.outputs : std::make_shared<OutputSet>();
+        outputs->Commit([&] { return print(outcome.document); });
         return outcome.status;
     } catch (const UsageFailure& failure) {
         return fail(kWrongUsage, failure.what());
@@ -45,6 +52,7 @@ int run(const Work& work) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const SignalWatch watch;
     CTivManager::Initialize();
     ListenToLibrary();
 
@@ -62,5 +70,8 @@ int main(int argc, char** argv) {
     } catch (const UsageFailure& failure) {
         return fail(kWrongUsage, failure.what());
     }
-    return work ? run(work) : fail(kWrongUsage, "a command is needed\nRun with --help for more information.");
+    if (!work) return fail(kWrongUsage, "a command is needed\nRun with --help for more information.");
+    const int status = run(work);
+    SignalWatch::EndIfRequested();
+    return status;
 }

@@ -166,7 +166,10 @@ std::error_code StagedFile::TakePlace(bool keepEarlier) {
     if (keepEarlier) {
         // A second name for the earlier file, from which it comes back. Where links can't be made it goes without.
         std::string second = RandomNameBeside(target_);
-        if (!second.empty() && ::link(target_.c_str(), second.c_str()) == 0) earlier_ = std::move(second);
+        if (!second.empty() && ::link(target_.c_str(), second.c_str()) == 0) {
+            earlier_ = std::move(second);
+            Staged().names.insert(earlier_);
+        }
     }
     if (std::rename(name_.c_str(), target_.c_str()) == 0) return {};
     const std::error_code error = LastError();
@@ -177,11 +180,13 @@ std::error_code StagedFile::TakePlace(bool keepEarlier) {
 void StagedFile::GiveBack() {
     std::rename(target_.c_str(), name_.c_str());
     if (!earlier_.empty()) std::rename(earlier_.c_str(), target_.c_str());
+    Staged().names.erase(earlier_);
     earlier_.clear();
 }
 
 void StagedFile::DropEarlier() {
     if (!earlier_.empty()) ::unlink(earlier_.c_str());
+    Staged().names.erase(earlier_);
     earlier_.clear();
 }
 
@@ -190,24 +195,42 @@ std::error_code StagedFile::Commit() {
     return failure ? failure->error : std::error_code();
 }
 
-std::optional<StagedFile::Failure> StagedFile::CommitAll(std::span<StagedFile> files) {
+void StagedFile::GiveBackAll(std::span<StagedFile> files) {
+    for (std::size_t i = files.size(); i-- > 0;) {
+        if (files[i].IsBeside()) files[i].GiveBack();
+    }
+}
+
+std::optional<StagedFile::Failure> StagedFile::TakePlaces(std::span<StagedFile> files, bool keepEarlier) {
+    const std::scoped_lock lock(Staged().lock);
+    if (Staged().ending) return Failure{0, std::make_error_code(std::errc::operation_canceled)};
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (!files[i].IsBeside()) continue;
+        const std::error_code error = files[i].TakePlace(keepEarlier);
+        if (!error) continue;
+        GiveBackAll(files.first(i));
+        return Failure{i, error};
+    }
+    return std::nullopt;
+}
+
+std::optional<StagedFile::Failure> StagedFile::CommitAll(std::span<StagedFile> files,
+                                                         const std::function<std::error_code()>& confirm) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         if (files[i].error_) return Failure{i, files[i].error_};
         if (!files[i].IsBeside()) continue;
         if (const std::error_code error = files[i].Prepare()) return Failure{i, error};
     }
+    if (const auto failure = TakePlaces(files, confirm || files.size() > 1)) return failure;
+    const std::error_code unconfirmed = confirm ? confirm() : std::error_code();
     std::set<fs::path> folders;
     {
         const std::scoped_lock lock(Staged().lock);
+        // Where the process ends meanwhile, the files stay where they are: the earlier ones are gone.
         if (Staged().ending) return Failure{0, std::make_error_code(std::errc::operation_canceled)};
-        for (std::size_t i = 0; i < files.size(); ++i) {
-            if (!files[i].IsBeside()) continue;
-            const std::error_code error = files[i].TakePlace(files.size() > 1);
-            if (!error) continue;
-            for (std::size_t k = i; k-- > 0;) {
-                if (files[k].IsBeside()) files[k].GiveBack();
-            }
-            return Failure{i, error};
+        if (unconfirmed) {
+            GiveBackAll(files);
+            return Failure{0, unconfirmed};
         }
         for (StagedFile& file : files) {
             if (!file.IsBeside()) continue;

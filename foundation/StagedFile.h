@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -43,9 +44,12 @@ public:
     /// Puts the files into their places, all or none, and lets them reach the disk: each gets the replaced file's owner
     /// and permissions and is synchronised before the first is renamed, each folder once after the last. Files written
     /// in place are left alone.
-    /// @return nothing, or what failed; then those that had taken their places have given them back, and a second call
-    ///         may try again
-    static std::optional<Failure> CommitAll(std::span<StagedFile> files);
+    /// @param confirm called once all are in their places; its error makes them give the places back
+    /// @return nothing, or what failed (at index 0 where that is `confirm`); then those that had taken their places
+    /// have
+    ///         given them back, and a second call may try again
+    static std::optional<Failure> CommitAll(std::span<StagedFile> files,
+                                            const std::function<std::error_code()>& confirm = {});
 
     /// Removes every staged file of the process; from then on each path is refused and each commit fails. For a process
     /// that is about to end, from an ordinary thread: not async-signal-safe. A CommitAll under way ends first.
@@ -56,6 +60,8 @@ private:
     std::error_code TakePlace(bool keepEarlier);
     void GiveBack();
     void DropEarlier();
+    static std::optional<Failure> TakePlaces(std::span<StagedFile> files, bool keepEarlier);
+    static void GiveBackAll(std::span<StagedFile> files);
 
     std::string name_;
     std::string target_;

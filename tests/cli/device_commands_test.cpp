@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdlib>
 
 #include "tests/cli/tool_test.h"
@@ -90,6 +91,36 @@ TEST_F(DeviceCommands, GrabThatFailsTellsWhyAndLeavesNoFile) {
         EXPECT_THAT(run.err, testing::HasSubstr(row.text));
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(Files(), std::vector<std::string>{"simulation.ini"});
+    }
+}
+
+TEST_F(DeviceCommands, GrabThatASignalEndsLeavesNoFile) {
+    Simulate(kGrabber);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const ToolRun run =
+            InterruptTool({"grab", Path("f.bmp"), "--count", "100000"}, signal, [&] { return Files().size() > 3; });
+        EXPECT_EQ(run.status, -signal) << run.err;
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(Files(), std::vector<std::string>{"simulation.ini"}) << signal;
+    }
+}
+
+TEST_F(DeviceCommands, SendRefusesWhatCanBeNoCalibration) {
+    Simulate(kCamera);
+    Write("ColorCorrectionMatrix", "factory");
+    const struct {
+        std::size_t offset;
+        std::uint32_t value;
+        const char* reason;
+    } cases[] = {
+        {88, 0x7fc00000, "the red row of the transform has an entry that is no number"},
+        {108, 0, "the green row of the transform has no weight"},
+    };
+    for (const auto& [offset, value, reason] : cases) {
+        const ToolRun run = RunTool({"send", Write("new.ccor", WithU32(identity(), offset, value))});
+        EXPECT_EQ(run.status, 1) << reason;
+        EXPECT_THAT(run.err, testing::HasSubstr(reason));
+        EXPECT_EQ(ReadBytes(Path("ColorCorrectionMatrix")), "factory");
     }
 }
 

@@ -161,7 +161,7 @@ TEST_F(Files, NoCrcFileIsWrittenThatCouldNotBeLoadedAgain) {
         EXPECT_EQ(run.status, 1) << format;
         EXPECT_THAT(run.err, HasSubstr(std::string("a.crc: a .crc file has no code for ") + format + ","));
     }
-    EXPECT_THAT(Files(), ElementsAre("chart.bmp"));
+    EXPECT_THAT(ToolTest::Files(), ElementsAre("chart.bmp"));
 }
 
 TEST_F(Files, ConvertSavesByExtensionAndChangesTheFormat) {

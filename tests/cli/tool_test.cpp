@@ -1,10 +1,14 @@
 #include "tests/cli/tool_test.h"
 #include "tests/support/places.h"
 
+#include <fcntl.h>
+#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -24,16 +28,41 @@ fs::path newFolder() {
 
 }  // namespace
 
-ToolRun RunTool(const std::vector<std::string>& arguments) {
+ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& out, const std::string& before) {
     const fs::path folder = newFolder();
-    std::string line = "timeout -s KILL 30 " + quoted(buildFile("cli/tonewright"));
+    std::string line = before + " timeout -s KILL 30 " + quoted(buildFile("cli/tonewright"));
     for (const std::string& argument : arguments) line += quoted(argument);
-    line += "</dev/null >" + quoted(folder / "out") + "2>" + quoted(folder / "err");
+    line += "</dev/null >" + quoted(out.empty() ? (folder / "out").native() : out) + "2>" + quoted(folder / "err");
     const int status = std::system(line.c_str());
     rusage usage{};
     ::getrusage(RUSAGE_CHILDREN, &usage);
     const ToolRun run = {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ToolTest::ReadBytes(folder / "out"),
                          ToolTest::ReadBytes(folder / "err"), usage.ru_maxrss};
+    fs::remove_all(folder);
+    return run;
+}
+
+ToolRun InterruptTool(const std::vector<std::string>& arguments, int signal, const std::function<bool()>& isReady) {
+    const fs::path folder = newFolder();
+    const std::string tool = buildFile("cli/tonewright"), out = folder / "out", err = folder / "err";
+    std::vector<char*> words = {const_cast<char*>(tool.c_str())};
+    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    posix_spawn_file_actions_t files;
+    ::posix_spawn_file_actions_init(&files);
+    ::posix_spawn_file_actions_addopen(&files, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
+    ::posix_spawn_file_actions_addopen(&files, 2, err.c_str(), O_WRONLY | O_CREAT, 0600);
+    pid_t child = 0;
+    EXPECT_EQ(::posix_spawn(&child, tool.c_str(), &files, nullptr, words.data(), environ), 0);
+    ::posix_spawn_file_actions_destroy(&files);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    int status = 0;
+    for (bool isSent = false; ::waitpid(child, &status, WNOHANG) == 0; ::usleep(2000)) {
+        if (std::chrono::steady_clock::now() > end) ::kill(child, SIGKILL);
+        if (!isSent && isReady()) isSent = ::kill(child, signal) == 0;
+    }
+    const ToolRun run = {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), ToolTest::ReadBytes(out),
+                         ToolTest::ReadBytes(err)};
     fs::remove_all(folder);
     return run;
 }

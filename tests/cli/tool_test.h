@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -23,7 +24,12 @@ struct ToolRun {
 };
 
 /// Runs `tonewright` with these arguments.
-ToolRun RunTool(const std::vector<std::string>& arguments);
+/// @param out where standard output goes instead of into the answer @param before what the shell does first
+ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& out = {}, const std::string& before = {});
+
+/// Starts the tool, sends it a signal once `isReady`, and waits for its end.
+/// @return with the negative number of the signal that ended it as the status, where one did
+ToolRun InterruptTool(const std::vector<std::string>& arguments, int signal, const std::function<bool()>& isReady);
 
 /// Gives each test a folder of its own that is gone afterwards.
 class ToolTest : public testing::Test {

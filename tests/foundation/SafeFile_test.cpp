@@ -221,6 +221,15 @@ TEST_F(SafeFile, SetOfFilesTakesItsPlacesWholeOrNotAtAll) {
     EXPECT_EQ(FileCount(), 2 + 3);
 
     fs::remove_all(folder_ / "blocked");
+    const auto refuse = [&] {
+        EXPECT_EQ(Read(first) + Read(folder_ / "fresh"), "new firstnew fresh");
+        return std::make_error_code(std::errc::no_space_on_device);
+    };
+    const auto unconfirmed = StagedFile::CommitAll(files, refuse);
+    ASSERT_TRUE(unconfirmed);
+    EXPECT_EQ(unconfirmed->error, std::errc::no_space_on_device);
+    EXPECT_EQ(Read(first), "earlier");
+    EXPECT_EQ(FileCount(), 1 + 3);
     EXPECT_FALSE(StagedFile::CommitAll(files));
     EXPECT_EQ(Read(first), "new first");
     EXPECT_EQ(Read(folder_ / "blocked"), "new blocked");
