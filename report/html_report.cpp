@@ -112,29 +112,16 @@ std::string swatches(const Report& report) {
     return page + "</ol>\n";
 }
 
-std::string plotFigure(const std::string& words, const std::string& drawn) {
-    return "<figure><h3>" + Escaped(words) + "</h3>" + drawn + "</figure>\n";
-}
-
 std::string plots(const Report& report) {
-    std::vector<PatchBar> bars;
-    std::vector<LabArrow> arrows;
-    std::vector<ToneStep> tones;
-    std::vector<NoisePair> noise;
-    for (const ReportPatch& patch : report.patches) {
-        const std::string color = CssColor(patch.color.target);
-        const Lab& target = patch.color.targetLab;
-        const Lab& delivered = patch.color.deliveredLab;
-        bars.push_back({patch.number, patch.name, color, patch.difference, patch.before});
-        arrows.push_back({patch.number, color, target, delivered});
-        if (patch.isNeutral) tones.push_back({target[0], delivered[0]});
-        if (patch.noise) noise.push_back({patch.number, (*patch.noise)[0], (*patch.noise)[1]});
+    constexpr std::pair<ReportPlot, const char*> kPlots[] = {{ReportPlot::Differences, "Difference by patch"},
+                                                             {ReportPlot::LabPlane, "Where the colors go"},
+                                                             {ReportPlot::Tone, "Tone of the neutral patches"},
+                                                             {ReportPlot::Noise, "Noise before and after"}};
+    std::string page = heading("Plots") + "<div class=\"pair\">\n";
+    for (const auto& [plot, words] : kPlots) {
+        const std::string drawn = DrawPlot(report, plot);
+        if (!drawn.empty()) page += "<figure><h3>" + Escaped(words) + "</h3>" + drawn + "</figure>\n";
     }
-    std::string page = heading("Plots") + "<div class=\"pair\">\n" +
-                       plotFigure("Difference by patch", DifferenceBars(bars)) +
-                       plotFigure("Where the colors go", LabPlane(arrows));
-    if (!tones.empty()) page += plotFigure("Tone of the neutral patches", ToneCurve(tones));
-    if (!noise.empty()) page += plotFigure("Noise before and after", NoiseBars(noise));
     return page + "</div>\n";
 }
 
@@ -181,6 +168,31 @@ std::string settings(const Report& report) {
 }
 
 }  // namespace
+
+std::string DrawPlot(const Report& report, ReportPlot plot) {
+    std::vector<PatchBar> bars;
+    std::vector<LabArrow> arrows;
+    std::vector<ToneStep> tones;
+    std::vector<NoisePair> noise;
+    for (const ReportPatch& patch : report.patches) {
+        const std::string color = CssColor(patch.color.target);
+        bars.push_back({patch.number, patch.name, color, patch.difference, patch.before});
+        arrows.push_back({patch.number, color, patch.color.targetLab, patch.color.deliveredLab});
+        if (patch.isNeutral) tones.push_back({patch.color.targetLab[0], patch.color.deliveredLab[0]});
+        if (patch.noise) noise.push_back({patch.number, (*patch.noise)[0], (*patch.noise)[1]});
+    }
+    switch (plot) {
+        case ReportPlot::Differences:
+            return bars.empty() ? std::string() : DifferenceBars(bars);
+        case ReportPlot::LabPlane:
+            return arrows.empty() ? std::string() : LabPlane(arrows);
+        case ReportPlot::Tone:
+            return tones.empty() ? std::string() : ToneCurve(tones);
+        case ReportPlot::Noise:
+            return noise.empty() ? std::string() : NoiseBars(noise);
+    }
+    return {};
+}
 
 std::string HtmlReport(const Report& report) {
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<meta name=\"viewport\" "

@@ -45,5 +45,10 @@ struct Report {
     std::vector<ReportRow> settings;
 };
 
+enum class ReportPlot { Differences, LabPlane, Tone, Noise };
+
+/// One of the report's plots, as report/plots.h makes them. @return empty where the report has nothing for it
+std::string DrawPlot(const Report& report, ReportPlot plot);
+
 /// The report as one HTML page that needs nothing else: no script, no network, pictures inside. UTF-8.
 std::string HtmlReport(const Report& report);
