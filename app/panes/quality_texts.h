@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+#include "report/html_report.h"
+
+/// The words of the pane "Calibration Quality".
+namespace quality_texts {
+
+/// One digit behind the point; a dash for what is no number.
+QString Difference(double value);
+/// "4.1" and what it is.
+QString Headline(const Report& report);
+/// "worst 9.0 (18 Cyan)", "unseen 4.8", "before 10.8", on one line.
+QString Figures(const Report& report);
+/// What a patch measures, in lines.
+QString PatchNumbers(const ReportPatch& patch);
+/// The findings as rich text, each with its severity; one sentence where there are none.
+QString Findings(const std::vector<Finding>& findings);
+
+}  // namespace quality_texts
