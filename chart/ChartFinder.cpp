@@ -48,7 +48,12 @@ bool isWithin(const std::array<ChartPoint, 4>& quad, const ChartPoint& p) {
 class Search {
 public:
     Search(const CTivImage& image, const CTivRect& part, const ChartLayout& layout)
-        : image_(image), part_(part), layout_(layout), matcher_(layout.references), placements_(layout, matcher_) {
+        : image_(image),
+          part_(part),
+          toneShift_(FindToneShift(image, part)),
+          layout_(layout),
+          matcher_(layout.references),
+          placements_(layout, matcher_) {
         trace_.needed = (2 * static_cast<int>(layout.Count()) + 2) / 3;
         trace_.patches = static_cast<int>(layout.Count());
         trace_.isRoi = part.width != image.GetWidth() || part.height != image.GetHeight();
@@ -59,13 +64,14 @@ public:
         for (std::size_t level = copies_.size(); level-- > 0;) {
             std::vector<FoundChart> charts = SearchCopy(level);
             if (charts.empty()) continue;
-            if (level > 0 && !copies_[level - 1].words.empty() && copies_[level - 1].words.size() < kSecondLook) {
+            if (level > 0 && copies_[level - 1].words.size() < kSecondLook) {
                 for (FoundChart& chart : SearchCopy(level - 1)) charts.push_back(std::move(chart));
             }
-            for (std::size_t i = 1; i < charts.size(); ++i) {
-                if (!isWithin(charts[0].corners, CenterOf(charts[i]))) return Several(charts[0], charts[i]);
-            }
-            return charts[0];
+            return OneOf(charts);
+        }
+        if (std::max(part_.width, part_.height) < kFullBelow) {
+            const std::vector<FoundChart> charts = SearchPicture();
+            if (!charts.empty()) return OneOf(charts);
         }
         if (trace_.seen > 0 && !trace_.fitsTwice) LookBeyondTheRim();
         return Refused(trace_);
@@ -78,21 +84,32 @@ private:
     };
 
     void MakeCopies() {
-        const bool hasFull = std::max(part_.width, part_.height) < kFullBelow;
-        if (hasFull) copies_.emplace_back();  // made when it is needed
-        copies_.push_back(MakeHalfCopy(image_, part_));
+        copies_.push_back(MakeHalfCopy(image_, part_, toneShift_));
         while (std::max(copies_.back().width, copies_.back().height) > kCoarsest) {
             copies_.push_back(Halved(copies_.back()));
         }
         sights_.resize(copies_.size());
     }
 
+    /// The picture itself, patches in pixels of its half copy.
+    std::vector<FoundChart> SearchPicture() {
+        CTivImage change = MeasureChange(image_, part_, toneShift_);
+        sights_[0].patches = FindFlatPatches(change, kMaxSide);
+        Halve(sights_[0].patches);
+        return SearchSight(0);
+    }
+
     std::vector<FoundChart> SearchCopy(std::size_t level) {
-        if (copies_[level].words.empty()) copies_[level] = MakeFullCopy(image_, part_);
+        const WorkingCopy& copy = copies_[level];
+        const bool isCoarsest = level + 1 == copies_.size();
+        CTivImage change = MeasureChange(copy);
+        sights_[level].patches = FindFlatPatches(change, isCoarsest ? std::max(copy.width, copy.height) : kMaxSide);
+        return SearchSight(level);
+    }
+
+    std::vector<FoundChart> SearchSight(std::size_t level) {
         const WorkingCopy& copy = copies_[level];
         Sight& sight = sights_[level];
-        const bool isCoarsest = level + 1 == copies_.size();
-        sight.patches = FindFlatPatches(copy, isCoarsest ? std::max(copy.width, copy.height) : kMaxSide);
         sight.lattices = FindLattices(sight.patches, kMinNodes);
         if (sight.lattices.size() > kLattices) sight.lattices.resize(kLattices);
         trace_.flatPatches = std::max(trace_.flatPatches, static_cast<int>(sight.patches.size()));
@@ -126,19 +143,22 @@ private:
         const auto map = FitPlaneMap(pairs);
         if (!map) return std::nullopt;
         ChartSurface surface(*map, layout_.columns, layout_.rows);
-        const std::vector<int> edges = surface.Refine(SmoothPicture(image_));
+        const SmoothPicture picture(image_, toneShift_);
+        const std::vector<int> edges = surface.Refine(picture);
         FoundChart chart;
         chart.refusal = FindRefusal::None;
         int edged = 0;
+        std::vector<PatchSample> samples;
         for (std::size_t i = 0; i < layout_.Count(); ++i) {
             chart.patches.push_back(surface.PatchAt(columnOf(i), rowOf(i)));
             chart.patches.back().seen = edges[i] >= 3;
+            samples.push_back({surface.ColorAt(picture, columnOf(i), rowOf(i)), layout_.PlaceInUnit(i), true});
             edged += edges[i] >= 3;
         }
         chart.seen = std::max(edged, placement.CountSeen());
         if (edged < kMinEdged * static_cast<double>(layout_.Count())) return std::nullopt;
         DescribeCorners(chart);
-        return JudgeColors(chart, placement) ? std::optional(chart) : std::nullopt;
+        return JudgeColors(chart, samples, placement) ? std::optional(chart) : std::nullopt;
     }
 
     void DescribeCorners(FoundChart& chart) const {
@@ -151,14 +171,7 @@ private:
         chart.rotation = std::atan2(last.y - first.y, last.x - first.x) * 180 / std::numbers::pi;
     }
 
-    bool JudgeColors(FoundChart& chart, const ChartPlacement& placement) {
-        const double full = GetChannelFullScale(image_.GetFormat());
-        std::vector<PatchSample> samples;
-        for (const PatchMeasurement& patch : MeasurePatches(image_, chart)) {
-            PatchSample sample{{}, layout_.PlaceInUnit(samples.size()), patch.pixels > 0};
-            for (std::size_t c = 0; c < 3; ++c) sample.color[c] = 255 * std::sqrt(patch.mean[c] / full);
-            samples.push_back(sample);
-        }
+    bool JudgeColors(FoundChart& chart, std::span<const PatchSample> samples, const ChartPlacement& placement) {
         const ColorMatch match = matcher_.Match(samples, placement.match.exponent, kOutliers);
         const double rival = std::min(placement.rival, BestTurned(samples));
         if (match.residual > kMaxFinalResidual) return false;
@@ -197,6 +210,14 @@ private:
         return center;
     }
 
+    /// The chart, unless another one lies elsewhere.
+    static FoundChart OneOf(const std::vector<FoundChart>& charts) {
+        for (const FoundChart& chart : charts) {
+            if (!isWithin(charts[0].corners, CenterOf(chart))) return Several(charts[0], chart);
+        }
+        return charts[0];
+    }
+
     static FoundChart Several(const FoundChart& first, const FoundChart& second) {
         FoundChart refusal;
         refusal.refusal = FindRefusal::Several;
@@ -229,11 +250,12 @@ private:
 
     const CTivImage& image_;
     CTivRect part_;
+    int toneShift_;
     const ChartLayout& layout_;
     ColorMatcher matcher_;
     PlacementSearch placements_;
     std::vector<WorkingCopy> copies_;  // finest first
-    std::vector<Sight> sights_;        // of each copy
+    std::vector<Sight> sights_;        // of each copy; of the finest one at last what the picture itself shows
     std::size_t fullest_ = 0;          // the copy where most patches of a chart were seen
     FindTrace trace_;
 };

@@ -6,6 +6,7 @@
 namespace {
 
 constexpr int kMinSeen = 9;              // patches of the chart that must be nodes of the lattice
+constexpr double kShareOfMost = 0.5;     // of the patches in the place that holds most of them
 constexpr double kSampleReach = 0.2;     // of a step
 constexpr double kMargin = 0.3;          // of a step: so far inside the picture a patch's centre must lie
 constexpr double kWorthMatching = 0.75;  // a residual of a quick look above which nothing good comes
@@ -76,6 +77,7 @@ public:
     struct Cell {
         ChartPoint center;
         TonedColor color = {};
+        ColorMatcher::QuickLight light = {};
         bool isInside = false;  // the picture
         bool isSeen = false;    // as a node of the lattice
     };
@@ -101,7 +103,9 @@ public:
             Cell& cell = cells_[i];
             if (!cell.isSeen) cell.center = lattice.map(place);
             cell.isInside = isInside(copy, cell.center, kMargin * step);
-            if (cell.isInside) cell.color = SampleColor(copy, cell.center, kSampleReach * step);
+            if (!cell.isInside) continue;
+            cell.color = SampleColor(copy, cell.center, kSampleReach * step);
+            cell.light = ColorMatcher::ToQuickLight(cell.color);
         }
     }
 
@@ -153,6 +157,10 @@ std::vector<PlacementSearch::Place> PlacementSearch::ListPlaces(const PatchLatti
             }
         }
     }
+    // Where a place holds far more of the lattice, the chart is not where there is little.
+    int most = 0;
+    for (const Place& place : places) most = std::max(most, place.seen);
+    std::erase_if(places, [&](const Place& place) { return place.seen < kShareOfMost * most; });
     return places;
 }
 
@@ -169,11 +177,11 @@ ColorMatch PlacementSearch::MatchAt(const Cells& cells, const Place& place, doub
 /// The placements inside the picture: a quick look at all, then the whole truth of the best.
 std::vector<PlacementSearch::Looked> PlacementSearch::LookAt(const Cells& cells, std::span<const Place> places) const {
     std::vector<Looked> looked;
-    std::vector<TonedColor> colors(layout_.Count());
+    std::vector<const ColorMatcher::QuickLight*> lights(layout_.Count());
     for (const Place& place : places) {
         if (!cells.IsInside(place)) continue;
-        for (std::size_t i = 0; i < colors.size(); ++i) colors[i] = cells.At(place, i).color;
-        looked.push_back({place, matcher_.Look(colors)});
+        for (std::size_t i = 0; i < lights.size(); ++i) lights[i] = &cells.At(place, i).light;
+        looked.push_back({place, matcher_.Look(lights)});
     }
     std::stable_sort(looked.begin(), looked.end());
     if (looked.size() > kMatched) looked.resize(kMatched);

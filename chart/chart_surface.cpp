@@ -272,7 +272,7 @@ void ChartSurface::ShiftPatches(std::span<const Edge> edges) {
 
 std::vector<int> ChartSurface::Refine(const SmoothPicture& picture) {
     std::vector<Edge> edges;
-    constexpr Look kCoarse = {0.13, 3, 3, 1.0, 24}, kFine = {0.05, 5, 4, 0.5, 32};
+    constexpr Look kCoarse = {0.13, 3, 2, 1.0, 20}, kFine = {0.05, 4, 3, 0.7, 28};
     edges = FindEdges(picture, kCoarse);
     TakeSides(edges);
     if (Fit(edges)) {
@@ -290,6 +290,22 @@ std::vector<int> ChartSurface::Refine(const SmoothPicture& picture) {
         counts[patch] = static_cast<int>(std::count_if(sides.begin(), sides.end(), [](int n) { return n >= 2; }));
     }
     return counts;
+}
+
+TonedColor ChartSurface::ColorAt(const SmoothPicture& picture, int column, int row) const {
+    constexpr int kSamples = 9;  // in each direction, over the inner half
+    TonedColor color = {};
+    int count = 0;
+    for (int i = 0; i < kSamples * kSamples; ++i) {
+        const double across = (i % kSamples - kSamples / 2) / (2.0 * kSamples),
+                     down = (i / kSamples - kSamples / 2) / (2.0 * kSamples);
+        const ChartPoint at = At({column + across * side_[0], row + down * side_[1]});
+        if (!picture.Holds(at)) continue;
+        picture.AddAt(at, color);
+        ++count;
+    }
+    for (double& level : color) level = count > 0 ? 255 * std::sqrt(std::min(1.0, level / count)) : 0;
+    return color;
 }
 
 FoundPatch ChartSurface::PatchAt(int column, int row) const {

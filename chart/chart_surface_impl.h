@@ -24,6 +24,9 @@ public:
     /// @return for each patch how many of its edges lie on the surface, 0 to 4
     std::vector<int> Refine(const SmoothPicture& picture);
 
+    /// The mean color of the inner half of a patch.
+    TonedColor ColorAt(const SmoothPicture& picture, int column, int row) const;
+
     /// Centre and corners of a patch, moved to where its own edges are if they tell.
     FoundPatch PatchAt(int column, int row) const;
 

@@ -102,16 +102,24 @@ ColorMatcher::ColorMatcher(std::span<const XyzColor> references) {
     }
 }
 
-ColorMatch ColorMatcher::Look(std::span<const TonedColor> colors) const {
+ColorMatcher::QuickLight ColorMatcher::ToQuickLight(const TonedColor& color) {
+    QuickLight light;
+    for (std::size_t e = 0; e < light.size(); ++e) {
+        for (std::size_t c = 0; c < kChannels; ++c) light[e][c] = toLight(color[c], kQuickExponents[e]);
+    }
+    return light;
+}
+
+ColorMatch ColorMatcher::Look(std::span<const QuickLight* const> lights) const {
     ColorMatch best;
     const std::size_t count = design_.size();
     Fit fit(count);
     for (std::size_t i = 0; i < count; ++i) fit.weight[i].fill(weights_[i]);
-    for (const double exponent : kQuickExponents) {
+    for (std::size_t e = 0; e < std::size(kQuickExponents); ++e) {
         fit.mix = {};
         for (std::size_t i = 0; i < count; ++i) {
+            fit.light[i] = (*lights[i])[e];
             for (std::size_t c = 0; c < kChannels; ++c) {
-                fit.light[i][c] = toLight(colors[i][c], exponent);
                 for (std::size_t k = 0; k < 4; ++k) fit.mix[c][k] += inverse_[i][k] * fit.light[i][c];
             }
         }
@@ -123,7 +131,7 @@ ColorMatch ColorMatcher::Look(std::span<const TonedColor> colors) const {
         const double residual = fit.Residual();
         if (residual < best.residual) {
             best.residual = residual;
-            best.exponent = exponent;
+            best.exponent = kQuickExponents[e];
         }
     }
     return best;

@@ -30,10 +30,13 @@ class ColorMatcher {
 public:
     explicit ColorMatcher(std::span<const XyzColor> references);
 
+    /// A color in the three exponents of a quick look.
+    using QuickLight = std::array<std::array<double, 3>, 3>;
+    static QuickLight ToQuickLight(const TonedColor& color);
     /// A quick look: all patches in even light, three exponents.
-    /// @param colors as many as references, in the chart's order
+    /// @param lights as many as references, in the chart's order
     /// @return the least residual and its exponent
-    ColorMatch Look(std::span<const TonedColor> colors) const;
+    ColorMatch Look(std::span<const QuickLight* const> lights) const;
 
     /// The whole truth: light may slope over the chart, and up to `allowedOutliers` patches that stand out are left
     /// out.

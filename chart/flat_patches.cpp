@@ -11,12 +11,12 @@ namespace {
 // from the dark card in clean pictures, the high ones bear noise.
 constexpr std::uint8_t kFlatLevels[] = {5, 10, 20, 36};
 
-constexpr float kMinArea = 12;          // pixels: a patch of ten pixels less its blurred edges
-constexpr double kMinFill = 0.72;       // area over that of the parallelogram with the same second moments
-constexpr double kMaxFill = 1.12;       // an ellipse has 1.05
-constexpr double kMinAxisRatio = 0.28;  // a chart tilted twice by 40 degrees, as in a photograph of a photograph
-constexpr double kRim = 1;              // pixels that the change at an edge takes from a patch, at each side
-constexpr std::size_t kMaxPatches = 1200;
+constexpr float kMinArea = 12;            // pixels: a patch of ten pixels less its blurred edges
+constexpr double kMinFill = 0.72;         // area over that of the parallelogram with the same second moments
+constexpr double kMaxFill = 1.12;         // an ellipse has 1.05
+constexpr double kMinAxisRatio = 0.28;    // a chart tilted twice by 40 degrees, as in a photograph of a photograph
+constexpr double kRim = 1;                // pixels that the change at an edge takes from a patch, at each side
+constexpr std::size_t kMaxPatches = 600;  // a level
 
 /// @return a patch of area 0 where the moments aren't a parallelogram's
 FlatPatch toPatch(const BlobRecord& blob) {
@@ -50,9 +50,8 @@ bool isSame(const FlatPatch& a, const FlatPatch& b) {
 
 }  // namespace
 
-std::vector<FlatPatch> FindFlatPatches(const WorkingCopy& copy, int maxSide) {
+std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide) {
     std::vector<FlatPatch> patches;
-    CTivImage change = MeasureChange(copy);
     if (!change.IsAllocated()) return patches;
     CTivBlob blobs(1024, 1024);
     BlobConfig& config = *blobs.GetConfig();
@@ -62,17 +61,29 @@ std::vector<FlatPatch> FindFlatPatches(const WorkingCopy& copy, int maxSide) {
     config.minArea = kMinArea;
     config.maxArea = static_cast<float>(maxSide) * static_cast<float>(maxSide);
     config.maxWidth = config.maxHeight = 2 * maxSide;
+    std::size_t allowed = 0;
     for (const std::uint8_t level : kFlatLevels) {
+        allowed += kMaxPatches;
         config.thresholds[0] = level;
         if (!blobs.Execute(change)) continue;
-        for (int i = 0; i < blobs.GetNumBlobs() && patches.size() < kMaxPatches; ++i) {
+        const std::size_t earlier = patches.size();
+        for (int i = 0; i < blobs.GetNumBlobs() && patches.size() < allowed; ++i) {
             const FlatPatch patch = toPatch(*blobs.GetBlob(i));
             if (patch.area <= 0) continue;
-            // The more even a level, the truer its shape; the later ones add what it did not have.
-            const bool isKnown = std::any_of(patches.begin(), patches.end(),
-                                             [&](const FlatPatch& known) { return isSame(known, patch); });
+            // A stricter level's shape is the truer one; the later levels add what it did not have.
+            const auto end = patches.begin() + static_cast<std::ptrdiff_t>(earlier);
+            const bool isKnown =
+                std::any_of(patches.begin(), end, [&](const FlatPatch& known) { return isSame(known, patch); });
             if (!isKnown) patches.push_back(patch);
         }
     }
     return patches;
+}
+
+void Halve(std::vector<FlatPatch>& patches) {
+    for (FlatPatch& patch : patches) {
+        patch.center = {(patch.center.x - 0.5) / 2, (patch.center.y - 0.5) / 2};
+        patch.area /= 4;
+        for (double& entry : patch.whiten) entry *= 2;
+    }
 }

@@ -21,6 +21,10 @@ struct FlatPatch {
     }
 };
 
-/// Finds the flat patches of a working copy at several levels of what counts as flat, each region once.
+/// Finds the flat patches of a picture at several levels of what counts as flat, each region once.
+/// @param change what MeasureChange gave
 /// @param maxSide pixels; regions that are larger are left to a coarser copy
-std::vector<FlatPatch> FindFlatPatches(const WorkingCopy& copy, int maxSide);
+std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide);
+
+/// The same patches in pixels that are twice as large.
+void Halve(std::vector<FlatPatch>& patches);

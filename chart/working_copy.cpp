@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 
 #include "chart/working_copy_impl.h"
@@ -36,78 +37,74 @@ struct Pixel16 {
     static constexpr int kBits = 16;
 };
 
-/// Channels of fewer significant bits than their word has (12 of 16) are raised to its full scale.
-int unusedBits(const CTivImage& picture, int bits) {
-    const int used = picture.GetSignificantBits();
-    return used >= 8 && used < bits ? bits - used : 0;
-}
-
-template <class Pixel>
-TonedWord tone(const std::array<std::uint32_t, 3>& sums, int shift) {
-    const auto& table = toneTable();
-    TonedWord word = 0;
-    for (int c = 0; c < 3; ++c) {
-        const std::uint32_t index = std::min<std::uint32_t>(sums[static_cast<std::size_t>(c)] >> shift,
-                                                            static_cast<std::uint32_t>(table.size()) - 1);
-        word |= TonedWord{table[index]} << 8 * c;
-    }
-    return word;
-}
-
 template <class Pixel>
 std::uint32_t channel(typename Pixel::Word word, int c) {
     return static_cast<std::uint32_t>(word >> Pixel::kBits * c & ((1u << Pixel::kBits) - 1));
 }
 
-template <class Pixel>
-int shiftOf(const CTivImage& picture) {
-    return Pixel::kBits + 2 - kToneBits - unusedBits(picture, Pixel::kBits);
+TonedWord tone(std::uint32_t blue, std::uint32_t green, std::uint32_t red, int shift) {
+    const auto& table = toneTable();
+    const auto look = [&](std::uint32_t sum) {
+        return TonedWord{table[std::min<std::uint32_t>(sum >> shift, (1 << kToneBits) - 1)]};
+    };
+    return look(blue) | look(green) << 8 | look(red) << 16;
 }
 
+/// Adds four pixels, blue and red in one word, which leaves room for both sums.
 template <class Pixel>
 void halveRow(const typename Pixel::Word* upper, const typename Pixel::Word* lower, int width, int shift,
               TonedWord* out) {
+    using Word = typename Pixel::Word;
+    constexpr Word one = (Word{1} << Pixel::kBits) - 1, outer = one | one << 2 * Pixel::kBits;
     for (int x = 0; x < width; ++x) {
-        std::array<std::uint32_t, 3> sums;
-        for (int c = 0; c < 3; ++c) {
-            sums[static_cast<std::size_t>(c)] = channel<Pixel>(upper[2 * x], c) + channel<Pixel>(upper[2 * x + 1], c) +
-                                                channel<Pixel>(lower[2 * x], c) + channel<Pixel>(lower[2 * x + 1], c);
-        }
-        out[x] = tone<Pixel>(sums, shift);
+        const Word a = upper[2 * x], b = upper[2 * x + 1], c = lower[2 * x], d = lower[2 * x + 1];
+        const Word sums = (a & outer) + (b & outer) + (c & outer) + (d & outer);
+        const auto green = [](Word word) { return static_cast<std::uint32_t>(word >> Pixel::kBits & one); };
+        out[x] = tone(static_cast<std::uint32_t>(sums & (4 * one + 3)), green(a) + green(b) + green(c) + green(d),
+                      static_cast<std::uint32_t>(sums >> 2 * Pixel::kBits), shift);
     }
 }
 
 template <class Pixel>
 void toneRow(const typename Pixel::Word* in, int width, int shift, TonedWord* out) {
     for (int x = 0; x < width; ++x) {
-        out[x] = tone<Pixel>({4 * channel<Pixel>(in[x], 0), 4 * channel<Pixel>(in[x], 1), 4 * channel<Pixel>(in[x], 2)},
-                             shift);
+        out[x] = tone(4 * channel<Pixel>(in[x], 0), 4 * channel<Pixel>(in[x], 1), 4 * channel<Pixel>(in[x], 2), shift);
     }
 }
 
 template <class Pixel>
-WorkingCopy makeCopy(const CTivImage& picture, const CTivRect& part, int factor) {
+int toneShift(const CTivImage& picture, const CTivRect& part) {
+    constexpr int kUsual = Pixel::kBits + 2 - kToneBits, kRowStep = 16;
+    if (kUsual == 0) return 0;
+    std::uint32_t most = 0;
+    for (int y = 0; y < part.height; y += kRowStep) {
+        const auto* row = picture.GetRecord()->Row<typename Pixel::Word>(part.y + y) + part.x;
+        for (int x = 0; x < part.width; ++x) {
+            for (int c = 0; c < 3; ++c) most |= channel<Pixel>(row[x], c);
+        }
+    }
+    return std::clamp(static_cast<int>(std::bit_width(most)) + 2 - kToneBits, 0, kUsual);
+}
+
+template <class Pixel>
+WorkingCopy halfCopy(const CTivImage& picture, const CTivRect& part, int shift) {
     using Word = typename Pixel::Word;
-    WorkingCopy copy{factor, part.width / factor, part.height / factor, {}};
+    WorkingCopy copy{2, part.width / 2, part.height / 2, {}};
     copy.words.resize(static_cast<std::size_t>(copy.width) * static_cast<std::size_t>(copy.height));
     const NurImage& record = *picture.GetRecord();
-    const int shift = shiftOf<Pixel>(picture);
     for (int y = 0; y < copy.height; ++y) {
-        TonedWord* out = copy.words.data() + std::ptrdiff_t{y} * copy.width;
-        const Word* in = record.Row<Word>(part.y + factor * y) + part.x;
-        if (factor == 1) {
-            toneRow<Pixel>(in, copy.width, shift, out);
-        } else {
-            halveRow<Pixel>(in, record.Row<Word>(part.y + 2 * y + 1) + part.x, copy.width, shift, out);
-        }
+        halveRow<Pixel>(record.Row<Word>(part.y + 2 * y) + part.x, record.Row<Word>(part.y + 2 * y + 1) + part.x,
+                        copy.width, shift, copy.words.data() + std::ptrdiff_t{y} * copy.width);
     }
     return copy;
 }
 
-WorkingCopy makeCopyOf(const CTivImage& picture, const CTivRect& part, int factor) {
-    if (picture.GetFormat() == CTivData::FormatRgb16) return makeCopy<Pixel16>(picture, part, factor);
-    if (picture.GetFormat() == CTivData::FormatRgb10) return makeCopy<Pixel10>(picture, part, factor);
-    return makeCopy<Pixel8>(picture, part, factor);
+/// Calls serve with the reading of the picture's format.
+template <class Serve>
+auto withPixel(const CTivImage& picture, Serve serve) {
+    if (picture.GetFormat() == CTivData::FormatRgb16) return serve(Pixel16{});
+    if (picture.GetFormat() == CTivData::FormatRgb10) return serve(Pixel10{});
+    return serve(Pixel8{});
 }
 
 /// Byte by byte over four channels, the last of which is 0 everywhere.
@@ -134,8 +131,13 @@ bool HasToned(CTivData::Format format) {
     return format == CTivData::FormatRgb || format == CTivData::FormatRgb10 || format == CTivData::FormatRgb16;
 }
 
-WorkingCopy MakeHalfCopy(const CTivImage& picture, const CTivRect& part) { return makeCopyOf(picture, part, 2); }
-WorkingCopy MakeFullCopy(const CTivImage& picture, const CTivRect& part) { return makeCopyOf(picture, part, 1); }
+int FindToneShift(const CTivImage& picture, const CTivRect& part) {
+    return withPixel(picture, [&]<class Pixel>(Pixel) { return toneShift<Pixel>(picture, part); });
+}
+
+WorkingCopy MakeHalfCopy(const CTivImage& picture, const CTivRect& part, int toneShift) {
+    return withPixel(picture, [&]<class Pixel>(Pixel) { return halfCopy<Pixel>(picture, part, toneShift); });
+}
 
 WorkingCopy Halved(const WorkingCopy& copy) {
     WorkingCopy half{2 * copy.factor, copy.width / 2, copy.height / 2, {}};
@@ -157,31 +159,57 @@ WorkingCopy Halved(const WorkingCopy& copy) {
     return half;
 }
 
-CTivImage MeasureChange(const WorkingCopy& copy) {
-    CTivImage change(copy.width, copy.height, CTivData::FormatUByte, nullptr, false);
+/// @param rowOf gives row y, valid until two rows further
+template <class RowOf>
+static CTivImage measureChange(int width, int height, RowOf rowOf) {
+    CTivImage change(width, height, CTivData::FormatUByte, nullptr, false);
     if (!change.IsAllocated()) return change;
     const NurImage& record = *change.GetRecord();
-    const int inner = copy.width - 2;
+    const int inner = width - 2;
     std::vector<TonedWord> differences(static_cast<std::size_t>(std::max(inner, 0)));
+    const TonedWord *above = nullptr, *here = nullptr;
     const auto bytes = [](const TonedWord* row) { return reinterpret_cast<const std::uint8_t*>(row); };
-    for (int y = 0; y < copy.height; ++y) {
-        std::uint8_t* out = record.Row(y);
-        std::fill_n(out, copy.width, std::uint8_t{255});
-        if (y == 0 || y == copy.height - 1 || inner < 1) continue;
-        changeRow(bytes(copy.Row(y - 1)), bytes(copy.Row(y)), bytes(copy.Row(y + 1)), 4 * inner,
-                  reinterpret_cast<std::uint8_t*>(differences.data()));
-        largestChannel(differences.data(), inner, out + 1);
+    for (int y = 0; y <= height; ++y) {
+        const TonedWord* below = y < height ? rowOf(y) : nullptr;
+        if (y > 0) {
+            std::uint8_t* out = record.Row(y - 1);
+            std::fill_n(out, width, std::uint8_t{255});
+            if (above && below && inner > 0) {
+                changeRow(bytes(above), bytes(here), bytes(below), 4 * inner,
+                          reinterpret_cast<std::uint8_t*>(differences.data()));
+                largestChannel(differences.data(), inner, out + 1);
+            }
+        }
+        above = here;
+        here = below;
     }
     return change;
 }
 
-SmoothPicture::SmoothPicture(const CTivImage& picture)
+CTivImage MeasureChange(const WorkingCopy& copy) {
+    return measureChange(copy.width, copy.height, [&](int y) { return copy.Row(y); });
+}
+
+CTivImage MeasureChange(const CTivImage& picture, const CTivRect& part, int toneShift) {
+    return withPixel(picture, [&]<class Pixel>(Pixel) {
+        std::array<std::vector<TonedWord>, 3> rows;
+        return measureChange(part.width, part.height, [&](int y) -> const TonedWord* {
+            std::vector<TonedWord>& row = rows[static_cast<std::size_t>(y % 3)];
+            row.resize(static_cast<std::size_t>(part.width));
+            toneRow<Pixel>(picture.GetRecord()->Row<typename Pixel::Word>(part.y + y) + part.x, part.width, toneShift,
+                           row.data());
+            return row.data();
+        });
+    });
+}
+
+SmoothPicture::SmoothPicture(const CTivImage& picture, int toneShift)
     : data_(picture.GetRecord()->Row(0)),
       pitch_(picture.GetRecord()->Pitch()),
       width_(picture.GetWidth()),
       height_(picture.GetHeight()),
       bits_(CTivData::GetBitsPerChannel(picture.GetFormat())),
-      scale_(1.0 / ((1 << (bits_ - unusedBits(picture, bits_))) - 1)) {}
+      scale_(1.0 / ((1 << (kToneBits - 2 + toneShift)) - 1)) {}
 
 template <class Word>
 void SmoothPicture::AddWords(const ChartPoint& place, TonedColor& sums) const {

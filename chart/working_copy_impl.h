@@ -27,10 +27,13 @@ struct WorkingCopy {
 /// @return whether a picture of this format can be looked at: FormatRgb, FormatRgb10, FormatRgb16
 bool HasToned(CTivData::Format format);
 
-/// Looks at a part of a picture. @param part inside the picture
-/// An odd last row or column is left out.
-WorkingCopy MakeHalfCopy(const CTivImage& picture, const CTivRect& part);
-WorkingCopy MakeFullCopy(const CTivImage& picture, const CTivRect& part);
+/// How far channels are shifted down to ten bits after four were added: less than their depth asks for where deep words
+/// are used in part only (12 bits of 16).
+int FindToneShift(const CTivImage& picture, const CTivRect& part);
+
+/// The copy of half the size of a part of a picture. An odd last row or column is left out.
+/// @param part inside the picture
+WorkingCopy MakeHalfCopy(const CTivImage& picture, const CTivRect& part, int toneShift);
 
 /// Each pixel the mean of four; an odd last row or column is left out.
 WorkingCopy Halved(const WorkingCopy& copy);
@@ -38,15 +41,17 @@ WorkingCopy Halved(const WorkingCopy& copy);
 /// Each pixel of the answer (FormatUByte) is the largest difference, over the channels, of its neighbours left and
 /// right and of those above and below; 255 at the rim.
 CTivImage MeasureChange(const WorkingCopy& copy);
+/// The same in the picture itself, without a copy.
+CTivImage MeasureChange(const CTivImage& picture, const CTivRect& part, int toneShift);
 
 /// The picture itself, between its pixels by bilinear interpolation.
 class SmoothPicture {
 public:
-    explicit SmoothPicture(const CTivImage& picture);  ///< in a format of HasToned; must outlive this
-    bool Holds(const ChartPoint& place) const {        ///< whether a place lies between the picture's pixels
+    SmoothPicture(const CTivImage& picture, int toneShift);  ///< in a format of HasToned; must outlive this
+    bool Holds(const ChartPoint& place) const {              ///< whether a place lies between the picture's pixels
         return place.x >= 0 && place.y >= 0 && place.x < width_ - 1 && place.y < height_ - 1;
     }
-    /// Adds the channels, red first, as shares of full scale. @param place that the picture holds
+    /// Adds the channels, red first, as shares of the scale that the shift leaves. @param place that the picture holds
     void AddAt(const ChartPoint& place, TonedColor& sums) const;
 
 private:

@@ -143,6 +143,15 @@ TEST(ChartFinder, PlacesCornersToHalfAPixelOnCleanPicturesOfEveryFormat) {
     }
 }
 
+TEST(ChartFinder, RaisesTwelveBitsInWordsOfSixteen) {
+    StagedChart staged;
+    staged.exponent = 1;
+    staged.cast = {1 / 16.0, 1 / 16.0, 1 / 16.0};
+    const FoundChart found = ChartFinder().Find(staged.Draw(CTivData::FormatRgb16));
+    EXPECT_LT(worstCorner(found, staged), 0.5);
+    EXPECT_GE(found.seen, 23);
+}
+
 TEST(ChartFinder, FollowsALensThatBendsTheRows) {
     for (const double lens : {0.05, -0.05}) {
         StagedChart staged;
