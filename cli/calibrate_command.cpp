@@ -1,10 +1,10 @@
 #include <CLI/CLI.hpp>
-#include <array>
 #include <memory>
 
 #include "calibration/CTivTonewrightDC.h"
-#include "calibration/illuminants.h"
-#include "chart/CCSVParser.h"
+#include "calibration/calibrate_at_depth.h"
+#include "calibration/execute_transform.h"
+#include "calibration/fit_transform.h"
 #include "cli/arguments.h"
 #include "cli/chart_reading.h"
 #include "cli/command.h"
@@ -12,7 +12,10 @@
 #include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
-#include "quality/fit_quality.h"
+#include "cli/quality_json.h"
+#include "cli/target_options.h"
+#include "quality/CalibrationQuality.h"
+#include "quality/findings.h"
 
 namespace {
 
@@ -23,14 +26,13 @@ struct Saturation {
     std::vector<int> value;  ///< red, green, blue; manual only
 };
 
+constexpr int kAutomaticTerms = 0;
+
 struct CalibrateOptions {
     ChartOptions chart;
-    CalibrationIlluminant illuminant = *FindIlluminant("A");
-    std::string values;
-    std::optional<std::vector<float>> white;
-    std::optional<std::string> reference;
-    std::optional<ChartRoi> referenceRoi;
-    int terms = 4;
+    TargetOptions target;
+    int terms = 4;  ///< or kAutomaticTerms
+    FitMethod method = FitMethod::LeastSquares;
     float gamma = 0.45f;
     Saturation saturation;
     std::string coefficients;
@@ -39,23 +41,15 @@ struct CalibrateOptions {
     int correctedFormat = -1;
 };
 
-std::optional<CalibrationIlluminant> parseIlluminant(const std::string& word) {
-    const CalibrationIlluminant* const illuminant = FindIlluminant(word);
-    return illuminant ? std::optional(*illuminant) : std::nullopt;
-}
-
-/// The words of all illuminants, the user's last.
-std::string illuminantWords(const std::string& separator, const std::string& lastSeparator) {
-    std::string words;
-    for (const CalibrationIlluminant& illuminant : kCalibrationIlluminants) {
-        if (illuminant.index != kUserIlluminant) words += (words.empty() ? "" : separator) + illuminant.word;
-    }
-    return words + lastSeparator + FindIlluminant(kUserIlluminant)->word;
-}
-
 std::optional<int> parseTerms(const std::string& text) {
+    if (text == "auto") return kAutomaticTerms;
     const auto terms = ParseInteger(text);
     return terms && (*terms == 4 || *terms == 7 || *terms == 10) ? terms : std::nullopt;
+}
+
+std::optional<FitMethod> parseMethod(const std::string& text) {
+    if (text == "least-squares") return FitMethod::LeastSquares;
+    return text == "perceptual" ? std::optional(FitMethod::Perceptual) : std::nullopt;
 }
 
 std::optional<Saturation> parseSaturation(const std::string& text) {
@@ -91,21 +85,6 @@ CTivImage loadPicture(const CalibrateOptions& options) {
     }
 }
 
-void setUserIlluminant(CTivTonewrightDC& engine, const CalibrateOptions& options, int count) {
-    CTivVector values(count, CTivData::FormatColorFloat, nullptr, true);
-    RequireText(options.values);
-    try {
-        CCSVParser parser;
-        Require([&] { return parser.Read(options.values, values); }, options.values, "cannot read the values");
-    } catch (const std::logic_error& failure) {  // a field that is no number
-        throw WorkFailure(options.values + ": " + failure.what());
-    }
-    const std::vector<float>& white = *options.white;
-    const std::array<float, 4> value = {white[0], white[1], white[2], 0.0f};
-    Require([&] { return engine.SetSpectrumValues(values) && engine.SetIlluminantValue(value); }, "--values",
-            "not taken");
-}
-
 CTivData saturationValue(const std::vector<int>& value, CTivData::Format format) {
     if (format == CTivData::FormatRgb10) {
         return CTivData::Rgb10(static_cast<std::uint32_t>(value[0]), static_cast<std::uint32_t>(value[1]),
@@ -119,31 +98,69 @@ CTivData saturationValue(const std::vector<int>& value, CTivData::Format format)
                          static_cast<std::uint8_t>(value[2]));
 }
 
-void fit(CTivTonewrightDC& engine, const CalibrateOptions& options, const ChartReading& reading) {
+/// A calibration, and all that is told of it.
+struct Calibration {
+    CTivTonewrightDC engine;
+    CTivVector transform;  ///< the one in force: the operator's, or a better one
+    CalibrationQuality quality;
+    std::vector<Finding> findings;
+};
+
+void addFindings(std::vector<Finding>& findings, std::vector<Finding> more, const std::string& subject = {}) {
+    for (Finding& finding : more) {
+        finding.text.insert(0, subject);
+        findings.push_back(std::move(finding));
+    }
+}
+
+/// Takes colors, targets and settings over and runs the operator's own calibration.
+void prepare(Calibration& calibration, const CalibrateOptions& options, ChartReading& reading) {
+    CTivTonewrightDC& engine = calibration.engine;
     const CTivVector& raw = reading.colors.colors;
     Require([&] { return engine.SetRawColors(raw); }, options.chart.image, "cannot take the raw colors");
-    engine.SetXformSize(options.terms);
+    engine.SetXformSize(options.terms == kAutomaticTerms ? 4 : options.terms);
     engine.SetGamma(options.gamma);
-    engine.SetCalibrationMode(options.reference ? 1 : 0);
-    engine.SetIlluminant(options.illuminant.index);
-    if (options.illuminant.index == kUserIlluminant) setUserIlluminant(engine, options, raw.GetSize());
-    if (options.reference) {
-        const ChartReading reference = ReadChart(*options.reference, options.referenceRoi, options.chart.chart);
-        Require([&] { return engine.SetReferenceColors(reference.colors.colors); }, *options.reference,
-                "cannot take the reference");
-    }
+    const auto reference = SetTargets(engine, options.target, options.chart, raw.GetSize());
     engine.SetSaturationMode(options.saturation.mode);
     if (options.saturation.mode == kManual) {
         const CTivData value = saturationValue(options.saturation.value, raw.GetFormat());
         Require([&] { return engine.SetSaturationValueEx(value); }, "--saturation", "not taken");
     }
-    Require([&] { return Calibrate(engine); }, options.chart.image, "the calibration failed");
+    Require([&] { return CalibrateAtDepth(engine); }, options.chart.image, "the calibration failed");
+    if (!reference) reading.measured.targets = ToXyz(GetTargets(engine));
+    addFindings(calibration.findings, FindInPicture(reading.measured));
+    if (reference) addFindings(calibration.findings, FindInPicture(reference->measured), "Reference: ");
 }
 
-void write(OutputSet& outputs, CTivTonewrightDC& engine, const CalibrateOptions& options, CTivImage& image) {
+/// Finds the transform in force, and judges it.
+void fit(Calibration& calibration, const CalibrateOptions& options, const ChartReading& reading) {
+    CTivTonewrightDC& engine = calibration.engine;
+    const auto judge = [&] {
+        calibration.quality = JudgeCalibration(engine, calibration.transform, reading.measured.patches, options.method);
+    };
+    calibration.transform = *engine.GetTransform();
+    if (options.terms == kAutomaticTerms) {
+        judge();
+        engine.SetXformSize(ChooseTerms(calibration.quality.candidates));
+        Require([&] { return CalibrateAtDepth(engine); }, options.chart.image, "the calibration failed");
+        calibration.transform = *engine.GetTransform();
+    }
+    if (options.method == FitMethod::Perceptual) {
+        if (auto better = FitCalibration(engine, options.method, engine.GetXformSize())) {
+            calibration.transform = std::move(*better);
+        }
+    }
+    judge();
+    addFindings(calibration.findings, FindInCalibration(calibration.quality, calibration.transform));
+}
+
+void write(OutputSet& outputs, const Calibration& calibration, const CalibrateOptions& options,
+           const CTivImage& image) {
+    const auto& [engine, transform, quality, findings] = calibration;
     if (!options.coefficients.empty()) {
         outputs.Add(options.coefficients, [&](const std::string& name) {
-            Require([&] { return engine.SaveXForm(name, false); }, name, "cannot write the coefficients");
+            Require([&] { return SaveTransform(engine, transform, name, false); }, name,
+                    "cannot write the coefficients");
         });
     }
     if (!options.parameters.empty()) {
@@ -153,52 +170,48 @@ void write(OutputSet& outputs, CTivTonewrightDC& engine, const CalibrateOptions&
     }
     if (!options.corrected.empty()) {
         CTivImage corrected;
-        Require([&] { return engine.Execute(image, corrected); }, options.chart.image, "the correction failed");
+        Require([&] { return ExecuteTransform(engine, transform, image, corrected); }, options.chart.image,
+                "the correction failed");
         outputs.Add(options.corrected,
                     [&](const std::string& name) { SaveImage(corrected, name, options.correctedFormat); });
     }
 }
 
-Json describe(const DifferenceSummary& summary) {
-    return {{"mean", summary.mean}, {"median", summary.median}, {"max", summary.max}, {"patches", summary.patches}};
-}
-
-Json describe(const ChartDifferences& differences) {
-    return {{"deltaE00", describe(differences.deltaE00)}, {"deltaE76", describe(differences.deltaE76)}};
-}
-
-void describeFit(Json& document, const CTivTonewrightDC& engine, const CalibrateOptions& options) {
-    document["mode"] = options.reference ? "relative" : "absolute";
-    document["illuminant"] = options.reference ? Json() : Json(options.illuminant.word);
-    document["terms"] = options.terms;
+void describeFit(Json& document, const Calibration& calibration, const CalibrateOptions& options) {
+    const CTivTonewrightDC& engine = calibration.engine;
+    const bool isRelative = options.target.reference.has_value();
+    document["mode"] = isRelative ? "relative" : "absolute";
+    document["illuminant"] = isRelative ? Json() : Json(options.target.GetIlluminant().word);
+    document["terms"] = engine.GetXformSize();
+    document["fit"] = options.method == FitMethod::Perceptual ? "perceptual" : "least-squares";
     document["gamma"] = ToNumber(engine.GetGamma());
-    document["saturation"] = ToJson(GetSaturation(engine));
-    document["transform"] = TransformRows(*engine.GetTransform(), options.terms);
+    document["saturation"] = ToJson(GetSaturationInForce(engine));
+    document["transform"] = TransformRows(calibration.transform, engine.GetXformSize());
 }
 
 Outcome calibrate(const CalibrateOptions& options) {
     ChartReading reading = ReadChart(loadPicture(options), options.chart.image, options.chart.roi, options.chart.chart);
-    CTivTonewrightDC engine;
-    fit(engine, options, reading);
-    Json document = DescribeReading(options.chart, reading);
-    describeFit(document, engine, options);
-    const FitQuality quality = JudgeFit(engine);
+    Calibration calibration;
+    prepare(calibration, options, reading);
+    fit(calibration, options, reading);
+    TellFindings(calibration.findings);
+    Json document = DescribeReading(options.chart, reading, calibration.findings);
+    describeFit(document, calibration, options);
 
     const auto outputs = std::make_shared<OutputSet>();
-    write(*outputs, engine, options, reading.image);
+    const bool isRefused = options.chart.isStrict && HasWarning(calibration.findings);
+    if (!isRefused) write(*outputs, calibration, options, reading.image);
     document["written"] = outputs->GetPaths();
-    document["quality"] = describe(quality.fitted);
-    document["quality"]["before"] = describe(quality.before);
-    return {document, kDone, outputs};
+    document["quality"] = Describe(calibration.quality);
+    return {document, isRefused ? kWorkFailed : kDone, outputs};
 }
 
 /// What the single options cannot see of each other.
 void check(const CalibrateOptions& options) {
-    const bool isUser = options.illuminant.index == kUserIlluminant;
-    if (isUser && options.values.empty()) throw UsageFailure("--illuminant user needs --values");
-    if (isUser && !options.white) throw UsageFailure("--illuminant user needs --white");
-    if (!isUser && !options.values.empty()) throw UsageFailure("--values is for --illuminant user alone");
-    if (!isUser && options.white) throw UsageFailure("--white is for --illuminant user alone");
+    CheckTargetOptions(options.target);
+    if (options.method == FitMethod::Perceptual && !options.parameters.empty()) {
+        throw UsageFailure("--parameters cannot carry a perceptual fit: loading the file fits by least squares");
+    }
     const std::string* outputs[] = {&options.coefficients, &options.parameters, &options.corrected};
     for (int i = 0; i < 3; ++i) {
         const std::string& output = *outputs[i];
@@ -208,30 +221,13 @@ void check(const CalibrateOptions& options) {
     }
 }
 
-void addInputs(CLI::App& command, CalibrateOptions& options) {
-    AddChartOptions(command, options.chart);
-    CLI::Option* illuminant = AddParsed(command, "--illuminant", options.illuminant, parseIlluminant,
-                                        illuminantWords(", ", " or "), "The light on the chart (default: A)")
-                                  ->type_name(illuminantWords("|", "|"));
-    command.add_option("--values", options.values, "The patches' XYZ under the user's light, a line a patch")
-        ->type_name("FILE.csv");
-    AddParsed(
-        command, "--white", options.white, [](const std::string& text) { return ParseDecimals(text, 3); },
-        "three decimals X,Y,Z", "The XYZ of the white reference under the user's light")
-        ->type_name("X,Y,Z");
-    CLI::Option* reference =
-        command.add_option("--reference", options.reference, "Calibrate against this picture of the chart instead")
-            ->type_name("IMAGE")
-            ->excludes(illuminant);
-    AddParsed(command, "--reference-roi", options.referenceRoi, ParseRoi, "four integers L,T,R,B",
-              "As --roi, for the reference")
-        ->type_name("L,T,R,B")
-        ->needs(reference);
-}
-
 void addSettings(CLI::App& command, CalibrateOptions& options) {
-    AddParsed(command, "--terms", options.terms, parseTerms, "4, 7 or 10", "Terms of the transform (default: 4)")
-        ->type_name("4|7|10");
+    AddParsed(command, "--terms", options.terms, parseTerms, "4, 7, 10 or auto",
+              "Terms of the transform; auto takes what does best on patches left out (default: 4)")
+        ->type_name("4|7|10|auto");
+    AddParsed(command, "--fit", options.method, parseMethod, "least-squares or perceptual",
+              "Perceptual minimises the mean CIEDE2000 of what is delivered (default: least-squares)")
+        ->type_name("least-squares|perceptual");
     AddParsed(command, "--gamma", options.gamma, ParseGamma, "a decimal above 0", "Gamma of the output (default: 0.45)")
         ->type_name("G");
     AddParsed(command, "--saturation", options.saturation, parseSaturation,
@@ -258,7 +254,8 @@ void AddCalibrateCommand(CLI::App& tool, Work& work) {
     CLI::App* command =
         AddCommand(tool, "calibrate", "Finds a chart, fits the color transform to it, and writes what is asked for.");
     const auto options = std::make_shared<CalibrateOptions>();
-    addInputs(*command, *options);
+    AddChartOptions(*command, options->chart);
+    AddTargetOptions(*command, options->target, "A");
     addSettings(*command, *options);
     command->callback([options, &work] {
         check(*options);

@@ -2,10 +2,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include "calibration/illuminants.h"
 #include "chart/orientation.h"
 #include "cli/arguments.h"
 #include "cli/files.h"
 #include "cli/json_values.h"
+#include "cli/quality_json.h"
 
 namespace {
 
@@ -33,6 +35,43 @@ void requireRoi(CTivImage& image, const std::string& path, const ChartRoi& roi) 
                       std::to_string(image.GetHeight()) + " pixels");
 }
 
+MeasuredChart measure(const ChartReading& reading, const ChartSize& chart) {
+    const PatchDetector& detector = reading.detector;
+    MeasuredChart measured;
+    measured.chart = chart;
+    measured.format = reading.image.GetFormat();
+    measured.patches = MeasurePatches(reading.image, detector, chart, reading.colors.brightest);
+    measured.foundRows = detector.GetFoundRows();
+    measured.foundColumns = detector.GetFoundColumns();
+    if (measured.patches.size() == 24) measured.targets = GetChartTargets(FindIlluminant("D65")->index);
+    for (int i = 0; i < static_cast<int>(measured.patches.size()); ++i) {
+        const int place = HasOrientation(chart) ? GetPlaceInPicture(chart, reading.colors.brightest, i) : i;
+        const PatchOverlay& area = detector.GetOverlay()[static_cast<std::size_t>(place)];
+        measured.places.push_back({area.x + area.width / 2.0, area.y + area.height / 2.0});
+    }
+    return measured;
+}
+
+/// A list of {"center", "corners", "mean", "deviation", "clipped"}. The sampling area is the inner half of a patch.
+Json describePatches(const ChartReading& reading) {
+    Json list = Json::array();
+    const double halfWidth = reading.detector.GetPatchWidth(), halfHeight = reading.detector.GetPatchHeight();
+    for (std::size_t i = 0; i < reading.measured.patches.size(); ++i) {
+        const PatchMeasurement& patch = reading.measured.patches[i];
+        const auto [x, y] = reading.measured.places[i];
+        list.push_back({{"center", {x, y}},
+                        {"corners",
+                         {{x - halfWidth, y - halfHeight},
+                          {x + halfWidth, y - halfHeight},
+                          {x + halfWidth, y + halfHeight},
+                          {x - halfWidth, y + halfHeight}}},
+                        {"mean", patch.mean},
+                        {"deviation", patch.deviation},
+                        {"clipped", patch.clipped}});
+    }
+    return list;
+}
+
 }  // namespace
 
 void AddChartOptions(CLI::App& command, ChartOptions& options) {
@@ -44,6 +83,7 @@ void AddChartOptions(CLI::App& command, ChartOptions& options) {
     AddParsed(command, "--chart", options.chart, ParseChartSize, "columns x rows, each at least 1",
               "Patch columns and rows of the chart (default: 6x4)")
         ->type_name("WxH");
+    command.add_flag("--strict", options.isStrict, "Fail, and write nothing, where a finding is a warning or an error");
 }
 
 ChartReading ReadChart(const std::string& path, const std::optional<ChartRoi>& roi, const ChartSize& chart) {
@@ -66,10 +106,11 @@ ChartReading ReadChart(CTivImage image, const std::string& path, const std::opti
         path, "cannot measure the colors");
     if (reading.colors.saturated) Tell(std::string(kSaturatedTitle) + ": " + path + ": " + kSaturatedText);
     reading.image.SetRoi({});
+    reading.measured = measure(reading, chart);
     return reading;
 }
 
-Json DescribeReading(const ChartOptions& options, const ChartReading& reading) {
+Json DescribeReading(const ChartOptions& options, const ChartReading& reading, const std::vector<Finding>& findings) {
     const PatchDetector& detector = reading.detector;
     Json rows = Json::array(), columns = Json::array(), colors = Json::array();
     for (const auto& row : detector.GetGrid()) rows.push_back(ToNumber(row.front().y));
@@ -92,5 +133,7 @@ Json DescribeReading(const ChartOptions& options, const ChartReading& reading) {
             {"complete", detector.GetFoundRows() == chart.Height && detector.GetFoundColumns() == chart.Width},
             {"colors", colors},
             {"orientation", GetOrientationName(chart, reading.colors.brightest)},
-            {"saturated", reading.colors.saturated}};
+            {"saturated", reading.colors.saturated},
+            {"patches", describePatches(reading)},
+            {"findings", Describe(findings)}};
 }

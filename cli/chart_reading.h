@@ -6,6 +6,7 @@
 #include "chart/PatchDetector.h"
 #include "cli/command.h"
 #include "foundation/CTivImage.h"
+#include "quality/findings.h"
 
 namespace CLI {
 class App;
@@ -16,9 +17,10 @@ struct ChartOptions {
     std::string image;
     std::optional<ChartRoi> roi;  ///< none: the image less a fiftieth of its width and height at each side
     ChartSize chart;
+    bool isStrict = false;  ///< a finding that is a warning or worse ends the call before anything is written
 };
 
-/// Adds IMAGE, --roi and --chart.
+/// Adds IMAGE, --roi, --chart and --strict.
 void AddChartOptions(CLI::App& command, ChartOptions& options);
 
 /// A picture in which the chart was found.
@@ -27,6 +29,9 @@ struct ChartReading {
     ChartRoi roi;
     PatchDetector detector;
     PatchColors colors;  ///< at the image's own depth
+    /// What the patches measure. Its targets are those of the 24-patch chart under D65 until others are known, none for
+    /// a chart of another number.
+    MeasuredChart measured;
 };
 
 /// Loads the picture, finds the patches and measures them; a saturated patch is told on standard error.
@@ -39,4 +44,4 @@ ChartReading ReadChart(CTivImage image, const std::string& path, const std::opti
                        const ChartSize& chart);
 
 /// The document of `detect`.
-Json DescribeReading(const ChartOptions& options, const ChartReading& reading);
+Json DescribeReading(const ChartOptions& options, const ChartReading& reading, const std::vector<Finding>& findings);

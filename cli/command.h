@@ -16,7 +16,8 @@ using Json = nlohmann::ordered_json;
 enum ExitStatus : int {
     kDone = 0,
     kWorkFailed = 1,  ///< what the command was to do failed, or failed for some of its files
-    kWrongUsage = 2   ///< the command line is wrong
+    kWrongUsage = 2,  ///< the command line is wrong
+    kLimitBroken = 3  ///< all was done, and a calibration does not keep the limits that it was held against
 };
 
 /// The work failed; the text is for standard error, the library's own where the library refused.
@@ -47,11 +48,11 @@ using Work = std::function<Outcome()>;
 /// `work`; the work itself may throw the two failures above, or whatever the library throws.
 void AddDetectCommand(CLI::App& tool, Work& work);
 void AddCalibrateCommand(CLI::App& tool, Work& work);
+void AddVerifyCommand(CLI::App& tool, Work& work);
 void AddApplyCommand(CLI::App& tool, Work& work);
 void AddInfoCommand(CLI::App& tool, Work& work);
 void AddConvertCommand(CLI::App& tool, Work& work);
-void AddDeviceCommands(CLI::App& tool, Work& work);  ///< devices, grab, send, receive
-void AddGrabCommand(CLI::App& tool, Work& work);
+void AddDeviceCommands(CLI::App& tool, Work& work);  ///< devices, grab, send
 
 /// Writes a line for a person to standard error.
 void Tell(const std::string& text);

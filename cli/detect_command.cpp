@@ -3,6 +3,7 @@
 
 #include "cli/chart_reading.h"
 #include "cli/command.h"
+#include "cli/quality_json.h"
 
 void AddDetectCommand(CLI::App& tool, Work& work) {
     CLI::App* command = AddCommand(tool, "detect", "Finds the patches of a chart in a picture and measures them.");
@@ -11,7 +12,10 @@ void AddDetectCommand(CLI::App& tool, Work& work) {
     command->callback([options, &work] {
         work = [options]() -> Outcome {
             const ChartReading reading = ReadChart(options->image, options->roi, options->chart);
-            return {DescribeReading(*options, reading)};
+            const std::vector<Finding> findings = FindInPicture(reading.measured);
+            TellFindings(findings);
+            return {DescribeReading(*options, reading, findings),
+                    options->isStrict && HasWarning(findings) ? kWorkFailed : kDone};
         };
     });
 }

@@ -1,39 +1,15 @@
 #include "cli/engine.h"
 
+#include "calibration/calibrate_at_depth.h"
 #include "cli/arguments.h"
 #include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/whole_files.h"
 #include "imagefile/CTivImageFileFormat.h"
 
-bool Calibrate(CTivTonewrightDC& engine) {
-    const int mode = engine.GetSaturationMode();
-    const CTivData::Format format = engine.GetRawColors()->GetFormat();
-    if (mode != 0 && (format == CTivData::FormatRgb10 || format == CTivData::FormatRgb16)) {
-        const CTivData saturation = GetSaturation(engine);
-        engine.SetSaturationMode(0);
-        const bool done = engine.Calibrate();
-        engine.SetSaturationMode(mode);
-        engine.SetSaturationValueEx(saturation);
-        if (!done) return false;
-    }
-    return engine.Calibrate();
-}
-
-CTivData GetSaturation(const CTivTonewrightDC& engine) {
-    switch (engine.GetRawColors()->GetFormat()) {
-        case CTivData::FormatRgb10:
-            return engine.GetSaturationRgb10();
-        case CTivData::FormatRgb16:
-            return engine.GetSaturationRgb16();
-        default:
-            return engine.GetSaturationRgb();
-    }
-}
-
 void LoadParameters(CTivTonewrightDC& engine, const std::string& path) {
     ReadWholeParameters(path);
-    Require([&] { return engine.Load(path) && Calibrate(engine); }, path, "cannot load the parameters");
+    Require([&] { return engine.Load(path) && CalibrateAtDepth(engine); }, path, "cannot load the parameters");
 }
 
 void LoadCoefficients(CTivTonewrightDC& engine, const std::string& path) {

@@ -7,13 +7,6 @@
 #include "calibration/CTivTonewrightDC.h"
 #include "cli/command.h"
 
-/// Calibrates, and makes the operator work at its raw colors' depth. By itself it takes their format over in automatic
-/// saturation mode only, and then corrects no deep image in the other modes; so those run once more, automatically.
-bool Calibrate(CTivTonewrightDC& engine);
-
-/// The saturation in force for the raw colors' format.
-CTivData GetSaturation(const CTivTonewrightDC& engine);
-
 /// Loads a parameter file, which reruns its calibration. @throw WorkFailure
 void LoadParameters(CTivTonewrightDC& engine, const std::string& path);
 

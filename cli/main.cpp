@@ -10,13 +10,13 @@
 #include "cli/output_set.h"
 #include "cli/signals.h"
 #include "foundation/CTivManager.h"
-#include "foundation/version.h"
 
 namespace {
 
 // A line a file of commands, in the order of the help.
 constexpr void (*kCommands[])(CLI::App&, Work&) = {
-    AddDetectCommand, AddCalibrateCommand, AddApplyCommand, AddInfoCommand, AddConvertCommand, AddDeviceCommands,
+    AddDetectCommand, AddCalibrateCommand, AddVerifyCommand,  AddApplyCommand,
+    AddInfoCommand,   AddConvertCommand,   AddDeviceCommands,
 };
 
 int fail(int status, const std::string& text) {
@@ -58,7 +58,7 @@ int main(int argc, char** argv) {
     ListenToLibrary();
 
     CLI::App tool("Calibrates the colors of cameras from pictures of a color chart.", "tonewright");
-    tool.set_version_flag("--version", std::string("tonewright ") + GetTonewrightVersion());
+    tool.set_version_flag("--version", "tonewright " TONEWRIGHT_VERSION);
     tool.require_subcommand(0, 1);  // none is told below, so that an unknown word is named
     Work work;
     for (const auto add : kCommands) add(tool, work);

@@ -10,7 +10,9 @@
 namespace {
 
 constexpr int kTermCounts[] = {4, 7, 10};
-constexpr double kNeutralChroma = 5.0;  // a target below it is a neutral patch; the chart's own lie below 3
+constexpr std::size_t kMostSinglePatches = 240;  // patches that are left out one by one
+constexpr std::size_t kShares = 10;              // of a greater chart, left out one after the other
+constexpr double kNeutralChroma = 5.0;           // a target below it is a neutral patch; the chart's own lie below 3
 
 std::vector<Lab> toLab(std::span<const Xyz> colors) {
     std::vector<Lab> result;
@@ -48,21 +50,30 @@ public:
         return Compare(linearToLab(delivered), targetLab_);
     }
 
-    /// Each patch by a fit of all the others; nothing where one of the fits can't be made.
+    /// Each patch by a fit of all the others (of a chart of very many patches by the others of ten shares); nothing
+    /// where one of the fits can't be made.
     ChartDifferences JudgeUnseen(FitMethod method, int terms) const {
-        std::vector<Lab> seen;
-        for (std::size_t i = 0; i < raw_.size(); ++i) {
-            const auto without = [i](auto list) {
-                list.erase(list.begin() + static_cast<std::ptrdiff_t>(i));
-                return list;
+        const std::size_t shares = raw_.size() <= kMostSinglePatches ? raw_.size() : kShares;
+        std::vector<Lab> seen(raw_.size());
+        for (std::size_t share = 0; share < shares; ++share) {
+            const auto without = [&](const auto& list) {
+                auto kept = list;
+                kept.clear();
+                for (std::size_t i = 0; i < list.size(); ++i) {
+                    if (i % shares != share) kept.push_back(list[i]);
+                }
+                return kept;
             };
             const auto transform = FitOf(method, terms, without(raw_), without(targets_.colors), without(targetXyz_));
             if (!transform) return {};
-            CTivVector word(1, words_.GetFormat(), nullptr, true);
-            word.SetData(0, words_.GetData(static_cast<int>(i)));
-            const auto delivered = Deliver(settings_, *transform, word);
+            const int count = static_cast<int>((raw_.size() - share + shares - 1) / shares);
+            CTivVector left(count, words_.GetFormat(), nullptr, true);
+            for (std::size_t i = share, k = 0; i < raw_.size(); i += shares, ++k) {
+                left.SetData(static_cast<int>(k), words_.GetData(static_cast<int>(i)));
+            }
+            const auto delivered = Deliver(settings_, *transform, left);
             if (delivered.empty()) return {};
-            seen.push_back(ToLab(delivered.front()));
+            for (std::size_t k = 0; k < delivered.size(); ++k) seen[share + k * shares] = ToLab(delivered[k]);
         }
         return Compare(seen, targetLab_);
     }

@@ -20,6 +20,7 @@ constexpr double kSlopeDoubt = 3.0;                     // a slope counts from s
 constexpr double kBetterOrder = 0.4;                    // an order fits clearly better from this share of the error on
 constexpr double kPoorOrder = 0.15;                     // an error below it is that of a chart read as it lies
 constexpr double kNeutralChroma = 5.0;
+constexpr double kLeastLuminance = 0.01;  // of a target that the light is judged by
 constexpr std::size_t kOrderedPatches = 24;
 
 struct NeutralPatch {
@@ -28,7 +29,11 @@ struct NeutralPatch {
 };
 
 bool hasTargets(const MeasuredChart& chart) {
-    return !chart.patches.empty() && chart.targets.size() == chart.patches.size();
+    const auto isColor = [](const Xyz& xyz) {
+        return std::all_of(xyz.begin(), xyz.end(), [](double value) { return std::isfinite(value); });
+    };
+    return !chart.patches.empty() && chart.targets.size() == chart.patches.size() &&
+           std::all_of(chart.targets.begin(), chart.targets.end(), isColor);
 }
 
 std::vector<NeutralPatch> usableNeutrals(const MeasuredChart& chart) {
@@ -174,7 +179,8 @@ std::optional<LightSlope> fitLight(const MeasuredChart& chart, const ToneCurve& 
     const double width = (*right)[0] - (*left)[0], height = (*bottom)[1] - (*top)[1];
     std::vector<std::size_t> used;
     for (std::size_t i = 0; i < colors.size(); ++i) {
-        if (!IsClipped(chart.patches[i]) && chart.patches[i].pixels > 0) used.push_back(i);
+        const bool isMeasured = !IsClipped(chart.patches[i]) && chart.patches[i].pixels > 0;
+        if (isMeasured && chart.targets[i][1] > kLeastLuminance) used.push_back(i);
     }
     const auto count = static_cast<std::int32_t>(used.size());
     if (count < 2 * unknowns || width <= 0 || height <= 0) return std::nullopt;

@@ -51,20 +51,24 @@ TEST_F(Detect, DescribesADrawnChartInFull) {
     ASSERT_EQ(run.status, 0) << run.err;
     json colors = json::array();
     for (const auto& [red, green, blue] : chart.colors) colors.push_back({red, green, blue});
-    EXPECT_EQ(run.Document(), (json{{"image", path},
-                                    {"width", 310},
-                                    {"height", 210},
-                                    {"format", "FormatRgb"},
-                                    {"roi", {0, 0, 310, 210}},
-                                    {"chart", {6, 4}},
-                                    {"blobs", 24},
-                                    {"patch", {20, 20}},
-                                    {"rows", {29.5, 79.5, 129.5, 179.5}},
-                                    {"columns", {29.5, 79.5, 129.5, 179.5, 229.5, 279.5}},
-                                    {"complete", true},
-                                    {"colors", colors},
-                                    {"orientation", "normal"},
-                                    {"saturated", true}}));
+    json document = run.Document();
+    EXPECT_EQ(document["patches"].size(), 24u);
+    document.erase("patches");
+    document.erase("findings");
+    EXPECT_EQ(document, (json{{"image", path},
+                              {"width", 310},
+                              {"height", 210},
+                              {"format", "FormatRgb"},
+                              {"roi", {0, 0, 310, 210}},
+                              {"chart", {6, 4}},
+                              {"blobs", 24},
+                              {"patch", {20, 20}},
+                              {"rows", {29.5, 79.5, 129.5, 179.5}},
+                              {"columns", {29.5, 79.5, 129.5, 179.5, 229.5, 279.5}},
+                              {"complete", true},
+                              {"colors", colors},
+                              {"orientation", "normal"},
+                              {"saturated", true}}));
     EXPECT_THAT(run.err, HasSubstr("There are saturated colors (Red Roi)"));
 
     const json other = RunTool({"detect", path, "--chart", "5x5"}).Document();

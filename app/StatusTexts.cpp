@@ -1,4 +1,4 @@
-#include "app/workflow/StatusTexts.h"
+#include "app/StatusTexts.h"
 
 #include <cmath>
 

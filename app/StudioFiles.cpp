@@ -1,4 +1,4 @@
-#include "app/workflow/StudioFiles.h"
+#include "app/StudioFiles.h"
 
 #include <QDir>
 

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QCursor>
-#include <QGuiApplication>
+#include <QApplication>
 
 /// Shows the wait cursor for as long as it lives.
 class WaitCursor {
 public:
-    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
-    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
 };

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "cli/command.h"
+#include "quality/CalibrationQuality.h"
+#include "quality/findings.h"
+
+/// {"deltaE00", "deltaE76"}, each {"mean", "median", "max", "patches"}.
+Json Describe(const ChartDifferences& differences);
+
+/// The figures of a calibration: the bare matrix, and beside it what is delivered.
+Json Describe(const CalibrationQuality& quality);
+
+/// A list of {"code", "severity", "text", "patches"}.
+Json Describe(const std::vector<Finding>& findings);
+
+/// Writes warnings and errors to standard error, a line each.
+void TellFindings(const std::vector<Finding>& findings);
+
+/// Whether one of them is a warning or worse.
+bool HasWarning(const std::vector<Finding>& findings);

@@ -1,0 +1,83 @@
+#include "cli/target_options.h"
+
+#include <CLI/CLI.hpp>
+#include <array>
+
+#include "chart/CCSVParser.h"
+#include "cli/arguments.h"
+#include "cli/files.h"
+
+namespace {
+
+std::optional<CalibrationIlluminant> parseIlluminant(const std::string& word) {
+    const CalibrationIlluminant* const illuminant = FindIlluminant(word);
+    return illuminant ? std::optional(*illuminant) : std::nullopt;
+}
+
+/// The words of all illuminants, the user's last.
+std::string illuminantWords(const std::string& separator, const std::string& lastSeparator) {
+    std::string words;
+    for (const CalibrationIlluminant& illuminant : kCalibrationIlluminants) {
+        if (illuminant.index != kUserIlluminant) words += (words.empty() ? "" : separator) + illuminant.word;
+    }
+    return words + lastSeparator + FindIlluminant(kUserIlluminant)->word;
+}
+
+void setUserIlluminant(CTivTonewrightDC& engine, const TargetOptions& options, int count) {
+    CTivVector values(count, CTivData::FormatColorFloat, nullptr, true);
+    RequireText(options.values);
+    try {
+        CCSVParser parser;
+        Require([&] { return parser.Read(options.values, values); }, options.values, "cannot read the values");
+    } catch (const std::logic_error& failure) {  // a field that is no number
+        throw WorkFailure(options.values + ": " + failure.what());
+    }
+    const std::vector<float>& white = *options.white;
+    const std::array<float, 4> value = {white[0], white[1], white[2], 0.0f};
+    Require([&] { return engine.SetSpectrumValues(values) && engine.SetIlluminantValue(value); }, "--values",
+            "not taken");
+}
+
+}  // namespace
+
+void AddTargetOptions(CLI::App& command, TargetOptions& options, const std::string& otherwise) {
+    CLI::Option* illuminant =
+        AddParsed(command, "--illuminant", options.illuminant, parseIlluminant, illuminantWords(", ", " or "),
+                  "The light on the chart (default: " + otherwise + ")")
+            ->type_name(illuminantWords("|", "|"));
+    command.add_option("--values", options.values, "The patches' XYZ under the user's light, a line a patch")
+        ->type_name("FILE.csv");
+    AddParsed(
+        command, "--white", options.white, [](const std::string& text) { return ParseDecimals(text, 3); },
+        "three decimals X,Y,Z", "The XYZ of the white reference under the user's light")
+        ->type_name("X,Y,Z");
+    CLI::Option* reference =
+        command.add_option("--reference", options.reference, "Take this picture of the chart for what it should be")
+            ->type_name("IMAGE")
+            ->excludes(illuminant);
+    AddParsed(command, "--reference-roi", options.referenceRoi, ParseRoi, "four integers L,T,R,B",
+              "As --roi, for the reference")
+        ->type_name("L,T,R,B")
+        ->needs(reference);
+}
+
+void CheckTargetOptions(const TargetOptions& options) {
+    const bool isUser = options.illuminant && options.illuminant->index == kUserIlluminant;
+    if (isUser && options.values.empty()) throw UsageFailure("--illuminant user needs --values");
+    if (isUser && !options.white) throw UsageFailure("--illuminant user needs --white");
+    if (!isUser && !options.values.empty()) throw UsageFailure("--values is for --illuminant user alone");
+    if (!isUser && options.white) throw UsageFailure("--white is for --illuminant user alone");
+}
+
+std::optional<ChartReading> SetTargets(CTivTonewrightDC& engine, const TargetOptions& options,
+                                       const ChartOptions& chart, int count) {
+    const CalibrationIlluminant& illuminant = options.GetIlluminant();
+    engine.SetCalibrationMode(options.reference ? 1 : 0);
+    engine.SetIlluminant(illuminant.index);
+    if (illuminant.index == kUserIlluminant) setUserIlluminant(engine, options, count);
+    if (!options.reference) return std::nullopt;
+    ChartReading reference = ReadChart(*options.reference, options.referenceRoi, chart.chart);
+    Require([&] { return engine.SetReferenceColors(reference.colors.colors); }, *options.reference,
+            "cannot take the reference");
+    return reference;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "calibration/CTivTonewrightDC.h"
+#include "calibration/illuminants.h"
+#include "cli/chart_reading.h"
+
+/// What the patches of a chart should be, as the command line has it.
+struct TargetOptions {
+    std::optional<CalibrationIlluminant> illuminant;  ///< none: A, as the Studio starts, or the calibration's own
+    std::string values;
+    std::optional<std::vector<float>> white;
+    std::optional<std::string> reference;
+    std::optional<ChartRoi> referenceRoi;
+
+    bool IsGiven() const { return illuminant || reference; }
+    const CalibrationIlluminant& GetIlluminant() const { return illuminant ? *illuminant : *FindIlluminant("A"); }
+};
+
+/// Adds --illuminant, --values, --white, --reference, --reference-roi.
+/// @param otherwise which light it is without the option
+void AddTargetOptions(CLI::App& command, TargetOptions& options, const std::string& otherwise);
+
+/// @throw UsageFailure for options that do not go together
+void CheckTargetOptions(const TargetOptions& options);
+
+/// Makes the operator aim at them: mode, illuminant, the user's values, the reference's colors.
+/// @param count of the raw colors
+/// @return the reference picture, where there is one
+/// @throw WorkFailure for a file that does not serve
+std::optional<ChartReading> SetTargets(CTivTonewrightDC& engine, const TargetOptions& options,
+                                       const ChartOptions& chart, int count);

@@ -1,0 +1,181 @@
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <memory>
+
+#include "calibration/calibrate_at_depth.h"
+#include "calibration/execute_transform.h"
+#include "calibration/fit_transform.h"
+#include "chart/patch_names.h"
+#include "cli/arguments.h"
+#include "cli/chart_reading.h"
+#include "cli/command.h"
+#include "cli/engine.h"
+#include "cli/files.h"
+#include "cli/json_values.h"
+#include "cli/quality_json.h"
+#include "cli/target_options.h"
+#include "cli/whole_files.h"
+#include "quality/CalibrationQuality.h"
+#include "quality/findings.h"
+
+namespace {
+
+struct VerifyOptions {
+    ChartOptions chart;
+    std::string parameters;
+    std::string coefficients;
+    TargetOptions target;
+    std::optional<float> maxMean;
+    std::optional<float> maxPatch;
+};
+
+/// The calibration that is judged.
+struct Subject {
+    CTivTonewrightDC engine;
+    CTivVector transform;
+};
+
+/// @return nothing for what is no decimal of 0 or above
+std::optional<float> parseLimit(std::string_view text) {
+    const auto limit = ParseDecimal(text);
+    return limit && *limit >= 0 ? limit : std::nullopt;
+}
+
+Subject loadParameters(const std::string& path) {
+    Subject subject;
+    LoadParameters(subject.engine, path);
+    subject.transform = *subject.engine.GetTransform();
+    return subject;
+}
+
+/// A coefficient file serves FormatRgb images; without saturation of its own no channel below full scale counts as
+/// saturated.
+Subject loadCoefficients(const std::string& path) {
+    CoefficientFile file = ReadWholeCoefficients(path);
+    Subject subject;
+    subject.transform = std::move(file.transform);
+    const std::array<float, 3> saturation = file.head.saturation.value_or(std::array{1.0f, 1.0f, 1.0f});
+    const auto word = [&](std::size_t i) {
+        return static_cast<std::uint8_t>(std::clamp(saturation[i], 0.0f, 1.0f) * 255);
+    };
+    subject.engine.SetSaturationValueEx(CTivData::Rgb(word(0), word(1), word(2)));
+    return subject;
+}
+
+/// What the patches should be: by the command line, else by the calibration itself.
+std::vector<Xyz> findTargets(const VerifyOptions& options, const Subject& subject, const CTivVector& raw) {
+    CTivTonewrightDC aim;
+    const bool isOwn = !options.parameters.empty() && !options.target.IsGiven();
+    if (!isOwn) {
+        Require([&] { return aim.SetRawColors(raw); }, options.chart.image, "cannot take the raw colors");
+        aim.SetXformSize(4);
+        SetTargets(aim, options.target, options.chart, raw.GetSize());
+        Require([&] { return CalibrateAtDepth(aim); }, options.chart.image, "the targets do not fit the chart");
+    }
+    std::vector<Xyz> targets = ToXyz(GetTargets(isOwn ? subject.engine : aim));
+    if (static_cast<int>(targets.size()) != raw.GetSize()) {
+        throw WorkFailure(options.chart.image + ": the chart has " + std::to_string(raw.GetSize()) +
+                          " patches, the calibration " + std::to_string(targets.size()));
+    }
+    return targets;
+}
+
+VerifiedQuality judge(const VerifyOptions& options, const Subject& subject, const CTivVector& raw,
+                      const std::vector<Xyz>& targets) {
+    if (!options.coefficients.empty() && raw.GetFormat() != CTivData::FormatRgb) {
+        throw WorkFailure(
+            options.chart.image +
+            ": a coefficient file does not say which depth it was made for, so it serves FormatRgb images "
+            "only; use the parameter file");
+    }
+    if (raw.GetFormat() != subject.engine.GetCalibratedFormat()) {
+        throw WorkFailure(options.chart.image + ": the calibration was made for another depth of pixels");
+    }
+    VerifiedQuality quality = JudgeDelivery(subject.engine, subject.transform, raw, targets);
+    if (quality.patches.empty()) throw WorkFailure(options.chart.image + ": the calibration cannot be executed");
+    return quality;
+}
+
+/// Whether a difference keeps within its limit; what is no number does not.
+bool isWithin(double difference, const std::optional<float>& limit) {
+    return !limit || difference <= static_cast<double>(*limit);
+}
+
+std::string toText(double value) {
+    std::string text = Json(std::round(value * 100) / 100).dump();
+    return text;
+}
+
+/// Tells which limits are broken. @return whether none is
+bool checkLimits(const VerifyOptions& options, const DifferenceSummary& delivered) {
+    const bool isMeanKept = isWithin(delivered.mean, options.maxMean);
+    if (!isMeanKept) {
+        Tell(options.chart.image + ": the mean difference is " + toText(delivered.mean) + ", above the limit of " +
+             toText(static_cast<double>(*options.maxMean)));
+    }
+    bool isEachKept = true;
+    for (std::size_t i = 0; i < delivered.patches.size(); ++i) {
+        if (isWithin(delivered.patches[i], options.maxPatch)) continue;
+        isEachKept = false;
+        const bool isNamed = delivered.patches.size() == kPatchNames.size();
+        Tell(options.chart.image + ": patch " + std::to_string(i + 1) +
+             (isNamed ? std::string(" ") + kPatchNames[i] : "") + " differs by " + toText(delivered.patches[i]) +
+             ", above the limit of " + toText(static_cast<double>(*options.maxPatch)));
+    }
+    return isMeanKept && isEachKept;
+}
+
+Json describeLimit(const std::optional<float>& limit) { return limit ? ToNumber(*limit) : Json(); }
+
+Outcome verify(const VerifyOptions& options) {
+    const Subject subject =
+        options.coefficients.empty() ? loadParameters(options.parameters) : loadCoefficients(options.coefficients);
+    ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart.chart);
+    const std::vector<Xyz> targets = findTargets(options, subject, reading.colors.colors);
+    const VerifiedQuality quality = judge(options, subject, reading.colors.colors, targets);
+    const bool isAbsolute =
+        !options.target.reference && (options.target.IsGiven() || subject.engine.GetCalibrationMode() == 0);
+    if (isAbsolute) reading.measured.targets = targets;
+
+    std::vector<Finding> findings = FindInPicture(reading.measured);
+    if (auto singular = FindSingular(subject.transform)) findings.push_back(std::move(*singular));
+    TellFindings(findings);
+    const bool isPassed = checkLimits(options, quality.delivered.deltaE00);
+    Json document = DescribeReading(options.chart, reading, findings);
+    document["delivered"] = Describe(quality.delivered);
+    document["before"] = Describe(quality.before);
+    document["limits"] = {{"maxMean", describeLimit(options.maxMean)}, {"maxPatch", describeLimit(options.maxPatch)}};
+    document["passed"] = isPassed;
+    if (options.chart.isStrict && HasWarning(findings)) return {document, kWorkFailed};
+    return {document, isPassed ? kDone : kLimitBroken};
+}
+
+void check(const VerifyOptions& options) {
+    if (options.parameters.empty() == options.coefficients.empty()) {
+        throw UsageFailure("--parameters or --coefficients is needed, one of them");
+    }
+    CheckTargetOptions(options.target);
+}
+
+}  // namespace
+
+void AddVerifyCommand(CLI::App& tool, Work& work) {
+    CLI::App* command = AddCommand(tool, "verify", "Judges a calibration on another picture of the chart.");
+    const auto options = std::make_shared<VerifyOptions>();
+    AddChartOptions(*command, options->chart);
+    command->add_option("--parameters", options->parameters, "The calibration, for images of any depth")
+        ->type_name("FILE.twkp");
+    command->add_option("--coefficients", options->coefficients, "A transform, for 8-bit images")
+        ->type_name("FILE.ccor");
+    AddTargetOptions(*command, options->target, "that of the parameter file; A with --coefficients");
+    AddParsed(*command, "--max-mean", options->maxMean, parseLimit, "a decimal of 0 or above",
+              "The greatest mean CIEDE2000 that passes; above it the exit status is 3")
+        ->type_name("X");
+    AddParsed(*command, "--max-patch", options->maxPatch, parseLimit, "a decimal of 0 or above",
+              "The greatest CIEDE2000 of a patch that passes; above it the exit status is 3")
+        ->type_name("Y");
+    command->callback([options, &work] {
+        check(*options);
+        work = [options] { return verify(*options); };
+    });
+}

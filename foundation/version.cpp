@@ -1,3 +1,0 @@
-#include "foundation/version.h"
-
-const char* GetTonewrightVersion() { return TONEWRIGHT_VERSION; }
