@@ -12,13 +12,14 @@
 #include "acquisition/CTonewrightAcq.h"
 #include "app/FrameMessage.h"
 #include "app/GetEngine.h"
+#include "app/RibbonControls.h"
 #include "app/panes/CLoggerWnd.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Prompts.h"
-#include "app/toolkit/RibbonBar.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
+#include "app/workflow/Workflow.h"
 #include "calibration/CTivTonewrightDC.h"
 
 // The pictures stand in a library, which does not register them by itself. The macro wants the global namespace.
@@ -85,37 +86,52 @@ bool CMainFrame::OnCreate() {
     m_ribbon->setProperty("controlId", kRibbonControl);
     statusBar()->setProperty("controlId", kStatusBarControl);
     if (!CreatePanes()) return false;
+    CreateWorkflow();
     DockPanes();
     m_rawViewer->SetSelected(1);
     m_rawViewer->setFocus();
-    SyncControlsFromEngine();
+    m_workflow->Get<ParameterSteps>().SyncControlsFromEngine();
     UpdateCommands();
     frame_message::Open(*this);
     return true;
 }
 
+void CMainFrame::CreateWorkflow() {
+    m_controls = std::make_unique<RibbonControls>(*m_ribbon);
+    m_workflow = std::make_unique<Workflow>(WorkflowParts{.engine = GetEngine(),
+                                                          .session = m_acq.get(),
+                                                          .raw = *m_rawViewer,
+                                                          .reference = *m_refViewer,
+                                                          .calibrated = *m_calibViewer,
+                                                          .lists = *m_rawColorWnd,
+                                                          .values = *m_spectrumWnd,
+                                                          .controls = *m_controls,
+                                                          .baseDir = m_baseDir});
+    const WorkflowNews* news = &m_workflow->News();
+    connect(news, &WorkflowNews::message, this, &CMainFrame::LogMessage);
+    connect(news, &WorkflowNews::statusChanged, this, &CMainFrame::SetStatus);
+    connect(news, &WorkflowNews::statusWanted, this, [this](int id) { m_statusPanes.at(id)->show(); });
+    connect(news, &WorkflowNews::paneWanted, this, [this](int id) { ShowPane(*PaneOf(id)); });
+    connect(news, &WorkflowNews::standsStill, this, [this] {
+        ShowPane(*m_logger);
+        m_logger->repaint();
+    });
+}
+
+// The viewers are the only pictures that the workflow has.
 CImageViewerCtrl* CMainFrame::GetSelectedViewer() {
-    if (m_rawViewer->IsSelected()) return m_rawViewer.get();
-    if (m_refViewer->IsSelected()) return m_refViewer.get();
-    if (m_calibViewer->IsSelected()) return m_calibViewer.get();
-    LogMessage("No image viewer is currently being selected.", LogWarning);
-    return nullptr;
+    return static_cast<CImageViewerCtrl*>(m_workflow->Get<PictureSteps>().GetSelectedViewer());
 }
 
-void CMainFrame::DeselectAllViewers() {
-    m_rawViewer->SetSelected(0);
-    m_refViewer->SetSelected(0);
-    m_calibViewer->SetSelected(0);
-}
+void CMainFrame::DeselectAllViewers() { m_workflow->Get<PictureSteps>().DeselectAllViewers(); }
 
-void CMainFrame::SelectViewer(CImageViewerCtrl& viewer) {
-    DeselectAllViewers();
-    viewer.SetSelected(1);
-}
+void CMainFrame::RefreshManualPick() { m_workflow->Get<CalibrationSteps>().OnAddColor(); }
+
+void CMainFrame::OnFrameReady(int index) { m_workflow->Get<PictureSteps>().OnFrameReady(index); }
+
+void CMainFrame::OpenDroppedFile(const QString& path) { m_workflow->Get<FileSteps>().OpenDroppedFile(path); }
 
 void CMainFrame::LogMessage(const QString& text, int type) { m_logger->AddMessage(text, type); }
-
-void CMainFrame::LogLastError(int type) { LogMessage(QString::fromStdString(CTivManager::GetLastErrorString()), type); }
 
 void CMainFrame::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);

@@ -4,7 +4,6 @@
 #include <QString>
 #include <map>
 #include <memory>
-#include <string>
 
 #include "app/StudioState.h"
 #include "app/toolkit/Clock.h"
@@ -21,10 +20,12 @@ class CTonewrightAcq;
 class QAction;
 class QLabel;
 class RibbonBar;
+class RibbonControls;
+class Workflow;
 
-/// The main window. It owns all that is on the screen and the session with the acquisition library, and runs every
-/// command: each handler drives the session, the engine, the viewers and the list panes, and passes the words of a
-/// failure to the log. There is no document: window and engine hold the state. Main thread only.
+/// The main window. It owns all that is on the screen and the session with the acquisition library, brings each command
+/// to the step of the workflow behind it, and shows what the steps tell. There is no document: workflow and engine hold
+/// the state. Main thread only.
 class CMainFrame : public QMainWindow, public CDemoImageViewerComm, public ViewerHost {
     Q_OBJECT
 public:
@@ -62,6 +63,8 @@ public:
     /// Brings every action to what its rules say.
     void UpdateCommands();
     QAction* GetAction(int id) const;  ///< null for an unknown number
+    /// The steps behind the commands. A pane that follows the work connects to its news.
+    Workflow& GetWorkflow() { return *m_workflow; }
 
     /// Takes a file as a drop does: by what its path holds.
     void OpenDroppedFile(const QString& path);
@@ -69,39 +72,10 @@ public:
     /// Logs the exception that is being handled as an error.
     void LogException();
 
-    // What the commands do, in the order of the command table. None asks whether it may run: RunCommand does.
-    void OnLoadImage();
-    void OnLoadRawImage();
-    void OnLoadReferenceImage();
-    void OnSaveImage();
-    void OnConfigure();
-    void OnSnap();
-    void OnBackupCoefficients();
-    void OnLoadCoefficients();
-    void OnSaveCoefficients();
-    void OnCalibratePreview();
-    void OnUploadCoefficients();
-    void OnLoadParameters();
-    void OnSaveParameters();
-    void OnResetParameters();
-    void OnGammaEdit();
-    void OnGammaSlider();
-    void OnSaturationMode(int id);
-    void OnSaturationEdit(int id);
-    void OnSaturationSlider(int id);
-    void OnAbsolute();
-    void OnRelative();
-    void OnIlluminantType();
-    void OnIlluminant(int id);
-    void OnColorsAutomatic();
-    void OnColorsManual();
+    // The commands of the window itself. None asks whether it may run: RunCommand does.
     void OnViewCommand(int id);
     void OnClearLog();
     void OnTogglePane(int id);
-    void OnAddColor();
-    void OnRemoveLastColor();
-    void OnRemoveColor();
-    void OnClearColors();
     void OnExit();
     void OnAbout();
     void OnHelp();
@@ -109,21 +83,6 @@ public:
     void OnResetLayout();
     void OnChrome(int id);
     void OnSelectViewer(int id);
-
-    // The parts, for whoever watches the window.
-    RibbonBar& Ribbon() { return *m_ribbon; }
-    CLoggerWnd& Logger() { return *m_logger; }
-    CRawColorWnd& RawColorPane() { return *m_rawColorWnd; }
-    CSpectrumValuesWnd& SpectrumPane() { return *m_spectrumWnd; }
-    CDockableImgPane& ReferencePane() { return *m_refPane; }
-    CDockableImgPane& CalibratedPane() { return *m_calibPane; }
-    CAutoROIImageViewer& RawViewer() { return *m_rawViewer; }
-    CAutoROIImageViewer& ReferenceViewer() { return *m_refViewer; }
-    CImageViewerCtrl& CalibratedViewer() { return *m_calibViewer; }
-    QLabel* StatusPane(int id) const;  ///< null for an unknown number
-    const QString& CoefficientFile() const { return m_coefficientFile; }
-    bool IsPreviewActive() const { return m_previewActive; }
-    bool AreColorsManual() const { return m_manualColors; }
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -136,32 +95,14 @@ private:
     void CreateRibbon();
     void CreateStatusBar();
     bool CreatePanes();
+    void CreateWorkflow();
     void DockPanes();
     QDockWidget* PaneOf(int id) const;
     void ShowPane(QDockWidget& pane);
     void SetStatus(int id, const QString& text);
 
-    // Steps that several commands share (workflow_*.cpp).
-    void ResetForNewImage();
-    bool LoadImageFile(const QString& path);
-    bool LoadParameterFile(const QString& path);
-    void SyncControlsFromEngine();
-    void PushColorsToEngine();
-    bool CalibrateAndExecute();
-    bool CalibrateForSaving();
-    QString WhyChartIsIncomplete() const;
-    QString PrepareUpload(std::string& path);
-    void SelectViewer(CImageViewerCtrl& viewer);
-    void ApplyGamma(int hundredths);
-    void ApplySaturation(int id, int value);
-    void UsePredefinedIlluminant();
-    bool MayPickByHand();
-    static void FitIfLarger(CImageViewerCtrl& viewer);
-    void RerunPreview();
-    void LogLastError(int type);
-
-    // Declared in this order so that the members go in the reverse one: the viewers before their panes, the session
-    // and its thread last.
+    // Declared in this order so that the members go in the reverse one: the workflow first, the viewers before their
+    // panes, the session and its thread last.
     Clock m_clock;
     QString m_baseDir;
     std::unique_ptr<CTonewrightAcq> m_acq;
@@ -176,8 +117,6 @@ private:
     std::unique_ptr<CAutoROIImageViewer> m_rawViewer;
     std::unique_ptr<CAutoROIImageViewer> m_refViewer;
     std::unique_ptr<CImageViewerCtrl> m_calibViewer;
-    int m_deviceKind = DeviceKindNone;
-    bool m_manualColors = false;   ///< colors are picked by hand
-    bool m_previewActive = false;  ///< the calibrated viewer follows the parameters
-    QString m_coefficientFile;     ///< the coefficients that the user loaded or saved last; empty after a new fit
+    std::unique_ptr<RibbonControls> m_controls;
+    std::unique_ptr<Workflow> m_workflow;
 };

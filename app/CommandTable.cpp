@@ -7,6 +7,7 @@
 
 #include "app/CMainFrame.h"
 #include "app/illuminant_commands.h"
+#include "app/workflow/Workflow.h"
 
 namespace {
 
@@ -50,93 +51,108 @@ bool chromeIs(State s) {
 }
 bool automaticColors(State s) { return !s.manualColors; }
 
-// Calls a member function of the frame, with the command's number if it takes one.
+// Calls a function of the frame or of the steps that it belongs to, with the command's number if it takes one.
+template <class Owner, class... Arguments>
+Owner ownerOf(void (Owner::*)(Arguments...));
 template <auto Member>
 void call(CMainFrame& frame, int id) {
-    if constexpr (std::is_invocable_v<decltype(Member), CMainFrame&, int>) {
-        (frame.*Member)(id);
+    using Owner = decltype(ownerOf(Member));
+    Owner* owner = nullptr;
+    if constexpr (std::is_same_v<Owner, CMainFrame>) {
+        owner = &frame;
     } else {
-        (frame.*Member)();
+        owner = &frame.GetWorkflow().Get<Owner>();
+    }
+    if constexpr (std::is_invocable_v<decltype(Member), Owner&, int>) {
+        (owner->*Member)(id);
+    } else {
+        (owner->*Member)();
     }
 }
 
 constexpr CommandRow::Rule kUnchecked = nullptr;
 constexpr auto kNothing = nullptr;
+using Pictures = PictureSteps;
+using Calibration = CalibrationSteps;
+using Parameters = ParameterSteps;
+using Files = FileSteps;
+using Devices = DeviceSteps;
 using F = CMainFrame;
 using S = StudioState;
 
 // The keys are the ones that work. The labels of the file menu name others, deliberately.
 constexpr CommandRow kFixedCommands[] = {
-    {ID_BTN_ACQ_LOAD_IMAGE, "Load Image", "load-image", "Ctrl+O", always, kUnchecked, call<&F::OnLoadImage>,
+    {ID_BTN_ACQ_LOAD_IMAGE, "Load Image", "load-image", "Ctrl+O", always, kUnchecked, call<&Pictures::OnLoadImage>,
      "Load an image from a file.\n Load Image"},
-    {ID_BTN_ACQ_LOAD_RAW_IMAGE, "Load Raw", "load-raw", "", always, kUnchecked, call<&F::OnLoadRawImage>,
+    {ID_BTN_ACQ_LOAD_RAW_IMAGE, "Load Raw", "load-raw", "", always, kUnchecked, call<&Pictures::OnLoadRawImage>,
      "Load an image in the raw image window.\nLoad Raw Image"},
     {ID_BTN_ACQ_LOAD_REF_IMAGE, "Load Reference", "load-reference", "", always, kUnchecked,
-     call<&F::OnLoadReferenceImage>, "Load an image in the reference image window.\nLoad Reference Image"},
-    {ID_BTN_ACQ_SAVE_IMAGE_AS, "Save Image", "save-image", "", calibHasImage, kUnchecked, call<&F::OnSaveImage>,
+     call<&Pictures::OnLoadReferenceImage>, "Load an image in the reference image window.\nLoad Reference Image"},
+    {ID_BTN_ACQ_SAVE_IMAGE_AS, "Save Image", "save-image", "", calibHasImage, kUnchecked, call<&Pictures::OnSaveImage>,
      "Save the calibrated image as a new file.\n Save Image"},
-    {ID_BTN_REFRESH_CAMERAS, "Configure", "configure", "", always, kUnchecked, call<&F::OnConfigure>,
+    {ID_BTN_REFRESH_CAMERAS, "Configure", "configure", "", always, kUnchecked, call<&Devices::OnConfigure>,
      "Configure the acquisition device (CameraLink camera or frame grabber)\n Acquisition Configuration"},
-    {ID_BTN_ACQ_SNAP, "Snap", "snap", "Ctrl+Space", canSnap, kUnchecked, call<&F::OnSnap>,
+    {ID_BTN_ACQ_SNAP, "Snap", "snap", "Ctrl+Space", canSnap, kUnchecked, call<&Devices::OnSnap>,
      "Acquire an image using the current frame grabber and camera\n Acquire one Frame"},
 
     {ID_BTN_BACKUP_DEVICE_FILE, "Backup Coefficients", "backup-coefficients", "Ctrl+B", canBackup, kUnchecked,
-     call<&F::OnBackupCoefficients>,
+     call<&Devices::OnBackupCoefficients>,
      "Save the current coefficients from the acquisition device (CameraLink camera only) to disk\nBackup Acquisition "
      "Device Coefficients"},
     {ID_BTN_LOAD_CAMERA_FILE, "Load Coefficients", "load-coefficients", "Ctrl+I", always, kUnchecked,
-     call<&F::OnLoadCoefficients>,
+     call<&Files::OnLoadCoefficients>,
      "Load color calibration coefficients file from disk\nLoad Coefficients (.ccor file)"},
     {ID_BTN_SAVE_CAMERA_FILE, "Save Coefficients", "save-coefficients", "Ctrl+E", always, kUnchecked,
-     call<&F::OnSaveCoefficients>, "Save color calibration coefficients file to disk\nSave Coefficients (.ccor file)"},
+     call<&Files::OnSaveCoefficients>,
+     "Save color calibration coefficients file to disk\nSave Coefficients (.ccor file)"},
     {ID_BTN_CALIBRATE_PREVIEW, "Calibrate and Preview", "calibrate-preview", "Ctrl+P", canPreview, kUnchecked,
-     call<&F::OnCalibratePreview>,
+     call<&Calibration::OnCalibratePreview>,
      "Compute new coefficients and create a calibrated preview image using current parameters\n Calibrate and "
      "Preview"},
     {ID_BTN_CALIBRATE_DEVICE, "Upload Coefficients", "upload-coefficients", "", canUpload, kUnchecked,
-     call<&F::OnUploadCoefficients>,
+     call<&Devices::OnUploadCoefficients>,
      "Upload the current calibration coefficients to the acquisition device (CameraLink camera or frame grabber)\n "
      "Upload Calibration Coefficients"},
     // Deliberately without a handler, and so always gray.
     {ID_BTN_CALIBRATE_CAMERA, "Calibrate Camera", "", "Ctrl+C", never, kUnchecked, kNothing,
      "Calibrate selected camera using currently selected camera file.\n Calibrate Camera"},
 
-    {ID_BTN_PARAM_LOAD, "Load", "load-parameters", "", always, kUnchecked, call<&F::OnLoadParameters>,
+    {ID_BTN_PARAM_LOAD, "Load", "load-parameters", "", always, kUnchecked, call<&Files::OnLoadParameters>,
      "Load parameters from a save file.\n Load Parameters"},
-    {ID_BTN_PARAM_SAVE, "Save", "save-parameters", "", always, kUnchecked, call<&F::OnSaveParameters>,
+    {ID_BTN_PARAM_SAVE, "Save", "save-parameters", "", always, kUnchecked, call<&Files::OnSaveParameters>,
      "Save current configuration of parameters.\n Save Parameters"},
     // Deliberately enabled and without an action.
     {ID_BTN_PARAM_SAVE_AS, "Save as", "", "", always, kUnchecked, kNothing,
      "Save current configuration of parameters as a new file.\n Save Parameters As"},
-    {ID_BTN_PARAM_RESET, "Reset", "reset-parameters", "", always, kUnchecked, call<&F::OnResetParameters>,
+    {ID_BTN_PARAM_RESET, "Reset", "reset-parameters", "", always, kUnchecked, call<&Parameters::OnResetParameters>,
      "Reset all current parameters to their default.\n Reset"},
-    {ID_EDIT_GAMMA, "Gamma Adjustment", "", "", always, kUnchecked, call<&F::OnGammaEdit>, ""},
-    {ID_SLD_GAMMA, "Gamma Adjustment", "", "", always, kUnchecked, call<&F::OnGammaSlider>,
+    {ID_EDIT_GAMMA, "Gamma Adjustment", "", "", always, kUnchecked, call<&Parameters::OnGammaEdit>, ""},
+    {ID_SLD_GAMMA, "Gamma Adjustment", "", "", always, kUnchecked, call<&Parameters::OnGammaSlider>,
      "Adjust gamma calibration on the image.\n Gamma Adjustment"},
 
     {ID_BTN_SATURATION_MODE, "Saturation Mode", "saturation", "", always, kUnchecked, kNothing,
      "Choose a way to select saturation coefficients.\n Saturation Mode"},
-    {ID_BTN_SATURATION_AUTO, "Automatic", "", "", always, saturationIs<0>, call<&F::OnSaturationMode>, ""},
-    {ID_BTN_SATURATION_MANUAL, "Manual", "", "", always, saturationIs<1>, call<&F::OnSaturationMode>, ""},
-    {ID_BTN_SATURATION_NONE, "None", "", "", always, saturationIs<2>, call<&F::OnSaturationMode>, ""},
-    {ID_EDIT_SATURATION_R, "R", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationEdit>, ""},
-    {ID_EDIT_SATURATION_G, "G", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationEdit>, ""},
-    {ID_EDIT_SATURATION_B, "B", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationEdit>, ""},
-    {ID_SLD_SATURATION_R, "R", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationSlider>, ""},
-    {ID_SLD_SATURATION_G, "G", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationSlider>, ""},
-    {ID_SLD_SATURATION_B, "B", "", "", saturationIs<1>, kUnchecked, call<&F::OnSaturationSlider>, ""},
+    {ID_BTN_SATURATION_AUTO, "Automatic", "", "", always, saturationIs<0>, call<&Parameters::OnSaturationMode>, ""},
+    {ID_BTN_SATURATION_MANUAL, "Manual", "", "", always, saturationIs<1>, call<&Parameters::OnSaturationMode>, ""},
+    {ID_BTN_SATURATION_NONE, "None", "", "", always, saturationIs<2>, call<&Parameters::OnSaturationMode>, ""},
+    {ID_EDIT_SATURATION_R, "R", "", "", saturationIs<1>, kUnchecked, call<&Parameters::OnSaturationEdit>, ""},
+    {ID_EDIT_SATURATION_G, "G", "", "", saturationIs<1>, kUnchecked, call<&Parameters::OnSaturationEdit>, ""},
+    {ID_EDIT_SATURATION_B, "B", "", "", saturationIs<1>, kUnchecked, call<&Parameters::OnSaturationEdit>, ""},
+    {ID_SLD_SATURATION_R, "R", "", "", saturationIs<1>, kUnchecked, call<&Parameters::OnSaturationSlider>, ""},
+    {ID_SLD_SATURATION_G, "G", "", "", saturationIs<1>, kUnchecked, call<&Parameters::OnSaturationSlider>, ""},
+    {ID_SLD_SATURATION_B, "B", "", "", saturationIs<1>, kUnchecked, call<&Parameters::OnSaturationSlider>, ""},
 
-    {ID_BTN_METHOD_ABSOLUTE, "Absolute", "absolute", "", always, isAbsolute, call<&F::OnAbsolute>,
+    {ID_BTN_METHOD_ABSOLUTE, "Absolute", "absolute", "", always, isAbsolute, call<&Parameters::OnAbsolute>,
      "Calibrate using the absolute method. This method asks for an illuminant type.\n Calibrate using absolute mode"},
-    {ID_BTN_METHOD_RELATIVE, "Relative", "relative", "", always, isRelative, call<&F::OnRelative>,
+    {ID_BTN_METHOD_RELATIVE, "Relative", "relative", "", always, isRelative, call<&Parameters::OnRelative>,
      "Calibrate using the relative method. This method asks for a reference image.\n Calibrate using relative mode"},
-    {ID_BTN_ILLUMINANT_TYPE, "Illuminant Type", "illuminant", "", isAbsolute, kUnchecked, call<&F::OnIlluminantType>,
-     "Choose a predefined illuminant type for the calibration.\n Illuminant Type"},
+    {ID_BTN_ILLUMINANT_TYPE, "Illuminant Type", "illuminant", "", isAbsolute, kUnchecked,
+     call<&Parameters::OnIlluminantType>, "Choose a predefined illuminant type for the calibration.\n Illuminant Type"},
     {ID_BTN_COLOR_SELECT, "Color Selection", "color-selection", "", always, kUnchecked, kNothing,
      "Choose a way to select ROI colors.\n Color Selection"},
-    {ID_BTN_COLOR_AUTO, "Automatic", "", "", always, automaticColors, call<&F::OnColorsAutomatic>,
+    {ID_BTN_COLOR_AUTO, "Automatic", "", "", always, automaticColors, call<&Calibration::OnColorsAutomatic>,
      "Automatically choose raw colors from the image.\n Automatic ROI"},
-    {ID_BTN_COLOR_MANUAL, "Manual", "", "", always, flag<&S::manualColors>, call<&F::OnColorsManual>,
+    {ID_BTN_COLOR_MANUAL, "Manual", "", "", always, flag<&S::manualColors>, call<&Calibration::OnColorsManual>,
      "Select raw colors manually using ROI.\n Manual ROI"},
 
     {ID_BTN_IMAGE_RESET_SCALE, "Fit to Scale", "fit-scale", "", selectedHasImage, kUnchecked, call<&F::OnViewCommand>,
@@ -161,12 +177,13 @@ constexpr CommandRow kFixedCommands[] = {
     {ID_CBTN_CALIB_IMG_VIEW, "Calibrated image viewer", "", "", always, flag<&S::calibPaneVisible>,
      call<&F::OnTogglePane>, ""},
 
-    {ID_COLOR_ADD_BY_HAND, "Add color", "", "Return", always, kUnchecked, call<&F::OnAddColor>,
+    {ID_COLOR_ADD_BY_HAND, "Add color", "", "Return", always, kUnchecked, call<&Calibration::OnAddColor>,
      "Adds a raw color to the raw color list associated with the current image viewer"},
-    {ID_COLOR_REMOVE_LAST, "Remove last color", "", "Backspace", always, kUnchecked, call<&F::OnRemoveLastColor>,
-     "Removes the last color that was previously added"},
-    {ID_COLOR_LIST_REMOVE, "Remove", "", "Del", canEditColors, kUnchecked, call<&F::OnRemoveColor>, ""},
-    {ID_COLOR_LIST_CLEAR, "Clear colors", "", "Ctrl+Del", canEditColors, kUnchecked, call<&F::OnClearColors>, ""},
+    {ID_COLOR_REMOVE_LAST, "Remove last color", "", "Backspace", always, kUnchecked,
+     call<&Calibration::OnRemoveLastColor>, "Removes the last color that was previously added"},
+    {ID_COLOR_LIST_REMOVE, "Remove", "", "Del", canEditColors, kUnchecked, call<&Calibration::OnRemoveColor>, ""},
+    {ID_COLOR_LIST_CLEAR, "Clear colors", "", "Ctrl+Del", canEditColors, kUnchecked, call<&Calibration::OnClearColors>,
+     ""},
     // The key is bound and nothing handles it, deliberately.
     {ID_KEY_CONTROL_S, "", "", "Ctrl+S", never, kUnchecked, kNothing, ""},
 
@@ -197,7 +214,7 @@ constexpr auto withIlluminants(std::index_sequence<Row...>) {
     std::array<CommandRow, std::size(kFixedCommands) + sizeof...(Row)> all{};
     const CommandRow illuminants[] = {{IlluminantCommand(kCalibrationIlluminants[Row]),
                                        kCalibrationIlluminants[Row].label, "", "", isAbsolute, illuminantIs<Row>,
-                                       call<&F::OnIlluminant>, ""}...};
+                                       call<&Parameters::OnIlluminant>, ""}...};
     std::ranges::copy(illuminants, std::ranges::copy(kFixedCommands, all.begin()).out);
     return all;
 }

@@ -9,7 +9,6 @@
 #include "app/CHelpWnd.h"
 #include "app/CMainFrame.h"
 #include "app/CommandTable.h"
-#include "app/GetEngine.h"
 #include "app/HelpFile.h"
 #include "app/StudioRibbon.h"
 #include "app/panes/CLoggerWnd.h"
@@ -20,7 +19,7 @@
 #include "app/toolkit/Theme.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
-#include "calibration/CTivTonewrightDC.h"
+#include "app/workflow/Workflow.h"
 #include "calibration/parameter_limits.h"
 
 namespace {
@@ -104,30 +103,19 @@ QAction* CMainFrame::GetAction(int id) const {
 }
 
 StudioState CMainFrame::GetState() const {
-    const CTivTonewrightDC& engine = GetEngine();
-    return {.deviceKind = m_deviceKind,
-            .hasCoefficientFile = !m_coefficientFile.isEmpty(),
-            .calibrationMode = engine.GetCalibrationMode(),
-            .illuminant = engine.GetIlluminant(),
-            .saturationMode = engine.GetSaturationMode(),
-            .manualColors = m_manualColors,
-            .rawHasImage = m_rawViewer->Image().IsAllocated(),
-            .refHasImage = m_refViewer->Image().IsAllocated(),
-            .calibHasImage = m_calibViewer->Image().IsAllocated(),
-            .rawSelected = m_rawViewer->IsSelected() != 0,
-            .refSelected = m_refViewer->IsSelected() != 0,
-            .calibSelected = m_calibViewer->IsSelected() != 0,
-            .rawColorListEnabled = m_rawColorWnd->IsEnabledForPicking(),
-            .logVisible = !m_logger->isHidden(),
-            .rawColorsVisible = !m_rawColorWnd->isHidden(),
-            .spectrumVisible = !m_spectrumWnd->isHidden(),
-            .refPaneVisible = !m_refPane->isHidden(),
-            .calibPaneVisible = !m_calibPane->isHidden(),
-            .chrome = static_cast<int>(theme::GetChrome())};
+    StudioState state = m_workflow->GetStudioState();
+    state.rawColorListEnabled = m_rawColorWnd->IsEnabledForPicking();
+    state.logVisible = !m_logger->isHidden();
+    state.rawColorsVisible = !m_rawColorWnd->isHidden();
+    state.spectrumVisible = !m_spectrumWnd->isHidden();
+    state.refPaneVisible = !m_refPane->isHidden();
+    state.calibPaneVisible = !m_calibPane->isHidden();
+    state.chrome = static_cast<int>(theme::GetChrome());
+    return state;
 }
 
 void CMainFrame::UpdateCommands() {
-    if (!m_spectrumWnd) return;  // still being built
+    if (!m_workflow) return;  // still being built
     const StudioState state = GetState();
     for (const CommandRow& row : CommandTable()) {
         QAction* const action = m_actions.at(row.id);

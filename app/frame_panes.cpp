@@ -12,6 +12,7 @@
 #include "app/toolkit/RibbonBar.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
+#include "app/workflow/Workflow.h"
 
 namespace {
 
@@ -70,7 +71,8 @@ bool CMainFrame::CreatePanes() {
           ":/icons/list-pane.svg");
     m_spectrumWnd->SetBaseDir(m_baseDir);
     connect(m_spectrumWnd.get(), &CSpectrumValuesWnd::message, this, &CMainFrame::LogMessage);
-    connect(m_spectrumWnd.get(), &CSpectrumValuesWnd::matrixSizeChosen, this, [this] { m_rawViewer->DetectPatches(); });
+    connect(m_spectrumWnd.get(), &CSpectrumValuesWnd::matrixSizeChosen, this,
+            [this] { m_workflow->Get<CalibrationSteps>().OnMatrixSizeChosen(); });
     m_rawViewer->SetChartSize(m_spectrumWnd->GetChartSize());
     m_refViewer->SetChartSize(m_spectrumWnd->GetChartSize());
     return true;
@@ -139,6 +141,6 @@ void CMainFrame::OnSelectViewer(int id) {
     CImageViewerCtrl* const viewer = id == ID_SELECT_RAW_VIEWER   ? m_rawViewer.get()
                                      : id == ID_SELECT_REF_VIEWER ? m_refViewer.get()
                                                                   : m_calibViewer.get();
-    SelectViewer(*viewer);
+    m_workflow->Get<PictureSteps>().SelectViewer(*viewer);
     viewer->setFocus(Qt::ShortcutFocusReason);
 }

@@ -4,10 +4,10 @@
 #include <QStatusBar>
 
 #include "app/CMainFrame.h"
-#include "app/StatusTexts.h"
 #include "app/StringTable.h"
 #include "app/toolkit/StatusRow.h"
-#include "app/view/CAutoROIImageViewer.h"
+#include "app/workflow/StatusTexts.h"
+#include "app/workflow/Workflow.h"
 
 namespace {
 
@@ -41,27 +41,16 @@ void CMainFrame::CreateStatusBar() {
         m_statusPanes[row.id] = pane;
     }
     SetStatus(string_id::kBufferInformation, status_texts::BufferAtStart());
-    StatusPane(string_id::kRoi)->hide();  // until colors are first selected by hand
-}
-
-QLabel* CMainFrame::StatusPane(int id) const {
-    const auto found = m_statusPanes.find(id);
-    return found != m_statusPanes.end() ? found->second : nullptr;
+    m_statusPanes.at(string_id::kRoi)->hide();  // until colors are first selected by hand
 }
 
 void CMainFrame::SetStatus(int id, const QString& text) { m_statusPanes.at(id)->setText(text); }
 
 void CMainFrame::OnPixel(long x, long y, CTivData value) {
     SetStatus(string_id::kPixelData, status_texts::Pixel(x, y, value));
-    StatusPane(string_id::kPixelData)->repaint();
+    m_statusPanes.at(string_id::kPixelData)->repaint();
 }
 
-void CMainFrame::OnRoiChanged(ViewRect roi) {
-    SetStatus(string_id::kRoi, status_texts::Roi(roi));
-    if (m_manualColors) return;
-    for (CAutoROIImageViewer* viewer : {m_rawViewer.get(), m_refViewer.get()}) {
-        if (viewer->Image().IsAllocated()) viewer->DetectPatches();
-    }
-}
+void CMainFrame::OnRoiChanged(ViewRect roi) { m_workflow->Get<CalibrationSteps>().OnRoiChanged(roi); }
 
 void CMainFrame::OnZoomChanged(float zoom) { SetStatus(string_id::kZoomFactor, status_texts::Zoom(zoom)); }

@@ -52,7 +52,8 @@ void AddVerifyCommand(CLI::App& tool, Work& work);
 void AddApplyCommand(CLI::App& tool, Work& work);
 void AddInfoCommand(CLI::App& tool, Work& work);
 void AddConvertCommand(CLI::App& tool, Work& work);
-void AddDeviceCommands(CLI::App& tool, Work& work);  ///< devices, grab, send
+void AddDeviceCommands(CLI::App& tool, Work& work);  ///< devices, grab, send, receive
+void AddGrabCommand(CLI::App& tool, Work& work);
 
 /// Writes a line for a person to standard error.
 void Tell(const std::string& text);

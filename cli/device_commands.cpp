@@ -1,206 +1,146 @@
 #include <CLI/CLI.hpp>
-#include <chrono>
-#include <condition_variable>
-#include <deque>
-#include <filesystem>
 #include <memory>
-#include <mutex>
+#include <optional>
 
-#include "acquisition/CTonewrightAcq.h"
-#include "acquisition/zvn/CAcqConfigDlg.h"
+#include "acquisition/CoefficientTransfer.h"
+#include "acquisition/zvn/ZvnAcqDevice.h"
 #include "acquisition/zvn/ZvnManager.h"
-#include "calibration/usable_transform.h"
 #include "cli/arguments.h"
-#include "cli/command.h"
+#include "cli/devices.h"
 #include "cli/files.h"
-#include "cli/json_values.h"
 #include "cli/output_set.h"
 #include "cli/whole_files.h"
 
 namespace {
 
-constexpr int kMostFrames = 100'000;
-constexpr std::chrono::milliseconds kFrameTime{1000};
-
-struct DeviceOptions {
-    std::string device;  ///< empty: the first one
+struct ListOptions {
+    std::string check;  ///< a device to look at; empty: all are listed
     std::string config;
-    std::string file;  ///< written by grab, read by send
-    int fileFormat = -1;
-    int count = 1;
 };
 
-const char* kindWord(int deviceKind) {
-    switch (deviceKind) {
-        case DeviceKindFrameGrabber:
-            return "frame grabber";
-        case DeviceKindCameraLink:
-            return "Camera Link camera";
-        default:
-            return "other";
-    }
-}
+struct TransferOptions {
+    DeviceChoice choice;
+    std::string file;                           ///< written by receive, read by send
+    CoefficientWay way = CoefficientWay::None;  ///< the one that is found
+    std::string backup;
+};
 
-/// The names of all servers that the session can use.
-std::vector<std::string> listDevices() {
-    std::vector<std::string> names;
-    const int count = ZvnManager::GetServerCount();
-    for (int server = 0; server < count; ++server) {
-        char name[64];
-        if (!ZvnManager::GetServerName(server, name, sizeof name)) continue;
-        if (CTonewrightAcq::Classify(ZvnLocation(name)).category != 0) names.emplace_back(name);
-    }
-    return names;
-}
-
-Outcome devices() {
+Outcome listAll() {
     Json list = Json::array();
-    for (const std::string& name : listDevices()) {
+    for (const std::string& name : ListDevices()) {
         const ZvnLocation location(name);
         list.push_back({{"name", name},
-                        {"kind", kindWord(CTonewrightAcq::Classify(location).deviceKind)},
+                        {"kind", GetDeviceWord(CTonewrightAcq::Classify(location).deviceKind)},
                         {"acquisitionResources", ZvnManager::GetResourceCount(location, 0)},
                         {"acquisitionDevices", ZvnManager::GetResourceCount(location, 8)}});
     }
     return {list};
 }
 
-/// Frames on their way from the session's thread to the main one.
-class FrameBox {
-public:
-    CTonewrightAcq* session = nullptr;
-
-    static void Receive(void* context, int bufferIndex) {
-        auto& self = *static_cast<FrameBox*>(context);
-        const std::scoped_lock held(self.lock_);
-        self.frames_.push_back(*self.session->GetImage(bufferIndex));  // empty where the memory is short
-        self.arrived_.notify_all();
-    }
-
-    /// @throw WorkFailure where none comes, or there was no memory for it
-    CTivImage Take(const std::string& device) {
-        std::unique_lock held(lock_);
-        if (!arrived_.wait_for(held, kFrameTime, [this] { return !frames_.empty(); })) {
-            throw WorkFailure(device + ": no frame came within " + std::to_string(kFrameTime.count()) + " ms");
+/// What spoils a calibration as a camera is set, beside what opening it tells.
+Outcome check(const ListOptions& options) {
+    const std::string name = FindDevice(options.check);
+    const ZvnLocation location(name);
+    Json notes = Json::array();
+    const auto server = CTonewrightAcq::Classify(location);
+    if (server.category != 1) {
+        ZvnAcqDevice camera(location, options.config.c_str());
+        if (!camera.Create()) throw WorkFailure(name + ": cannot be opened");
+        for (const ZvnNote& note : camera.GetNotes()) {
+            notes.push_back(
+                {{"feature", note.feature}, {"value", note.value}, {"line", note.line}, {"text", note.text}});
         }
-        CTivImage frame = std::move(frames_.front());
-        frames_.pop_front();
-        if (!frame.IsAllocated()) throw WorkFailure(device + ": not enough memory for a frame");
-        return frame;
     }
-
-private:
-    std::mutex lock_;
-    std::condition_variable arrived_;
-    std::deque<CTivImage> frames_;
-};
-
-/// Connects the session with the device that the options name. @return the device's name
-std::string connect(CTonewrightAcq& session, const DeviceOptions& options) {
-    const std::vector<std::string> names = listDevices();
-    std::string device = options.device;
-    if (device.empty() && !names.empty()) device = names.front();
-    if (!names.empty() && std::ranges::find(names, device) == names.end()) {
-        std::string known;
-        for (const auto& name : names) known += "\n  " + name;
-        throw WorkFailure("there is no device " + device + ", but" + known);
-    }
-    CAcqConfigDlg::SetAsk([&](void*) { return CAcqConfigDlg::Choice{ZvnLocation(device), options.config}; });
-    const std::unique_ptr<void, void (*)(void*)> asking(&device, [](void*) { CAcqConfigDlg::SetAsk(nullptr); });
-    Require([&] { return session.Configure(); }, device, "cannot be configured");
-    return device;
+    return {{{"name", name}, {"kind", GetDeviceWord(server.deviceKind)}, {"notes", notes}}};
 }
 
-/// "frame.bmp" becomes "frame-07.bmp" among 12 frames.
-std::string numbered(const std::string& path, int number, int count) {
-    if (count == 1) return path;
-    const std::filesystem::path whole(path);
-    std::string digits = std::to_string(number);
-    digits.insert(0, std::to_string(count).size() - digits.size(), '0');
-    std::string name = whole.stem().native();
-    name.append("-").append(digits).append(whole.extension().native());
-    return (whole.parent_path() / name).native();
+Json describe(const CTonewrightAcq& session, const std::string& device, const TransferOptions& options,
+              CoefficientWay way) {
+    return {{"file", options.file},
+            {"device", device},
+            {"kind", GetDeviceWord(session.GetDeviceKind())},
+            {"way", GetWayName(way)},
+            {"written", true}};
 }
 
-Outcome grab(const DeviceOptions& options) {
-    FrameBox box;  // outlives the session, whose thread fills it
-    CTonewrightAcq session(FrameBox::Receive, &box, nullptr);
-    box.session = &session;
-    const std::string device = connect(session, options);
-    const auto outputs = std::make_shared<OutputSet>();
-    CTivImage frame;
-    for (int number = 1; number <= options.count; ++number) {
-        Require([&] { return session.Snap(); }, device, "cannot grab");
-        frame = box.Take(device);
-        outputs->Add(numbered(options.file, number, options.count),
-                     [&](const std::string& name) { SaveImage(frame, name, options.fileFormat); });
-    }
-    return {{{"device", device},
-             {"kind", kindWord(session.GetDeviceKind())},
-             {"format", FormatName(frame.GetFormat())},
-             {"width", frame.GetWidth()},
-             {"height", frame.GetHeight()},
-             {"written", outputs->GetPaths()}},
-            kDone,
-            outputs};
-}
-
-Outcome send(const DeviceOptions& options) {
-    const CoefficientFile file = ReadWholeCoefficients(options.file);
-    const std::string reason = WhyUnusableTransform(file.transform, file.head.terms);
-    if (!reason.empty()) throw WorkFailure(options.file + ": " + reason);
+Outcome send(const TransferOptions& options) {
+    ReadWholeCoefficients(options.file);
     CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
-    const std::string device = connect(session, options);
-    Require([&] { return session.TransferFile(options.file.c_str(), true); }, device, "cannot be written to");
-    return {{{"file", options.file}, {"device", device}, {"kind", kindWord(session.GetDeviceKind())}, {"sent", true}}};
-}
-
-std::optional<int> parseCount(const std::string& text) {
-    const auto count = ParseInteger(text);
-    return count && *count >= 1 && *count <= kMostFrames ? count : std::nullopt;
-}
-
-void addDeviceOption(CLI::App& command, DeviceOptions& options) {
-    command.add_option("--device", options.device, "The device's name, as devices lists it (default: the first)")
-        ->type_name("NAME");
-}
-
-void addGrab(CLI::App& tool, Work& work) {
-    CLI::App* command = AddCommand(tool, "grab", "Grabs frames from a device and saves them.");
-    const auto options = std::make_shared<DeviceOptions>();
-    AddTextOption(
-        *command, "OUTPUT",
-        [options](const std::string& path) {
-            options->file = path;
-            options->fileFormat = FindFileFormat(path);
-            return options->fileFormat >= 0;
+    const std::string device = Connect(session, options.choice);
+    std::optional<SentCoefficients> sent;
+    Require(
+        [&] {
+            sent = SendCoefficients(session, options.file, options.way, options.backup);
+            return sent.has_value();
         },
-        "a name that ends in .bmp, .tif, .zvk or .crc",
-        "The file to write: .bmp, .tif, .zvk or .crc; with several frames a number goes before the extension")
-        ->required();
-    addDeviceOption(*command, *options);
-    command->add_option("--config", options->config, "A text of lines \"feature = value\", applied on opening")
-        ->type_name("FILE");
-    AddParsed(*command, "--count", options->count, parseCount, "a number from 1 to " + std::to_string(kMostFrames),
-              "How many frames to grab (default: 1)")
-        ->type_name("N");
-    command->callback([options, &work] { work = [options] { return grab(*options); }; });
+        device, "cannot be written to");
+    Json document = describe(session, device, options, sent->way);
+    document["verified"] = sent->verified;
+    if (!sent->verified) Tell("warning: " + device + ": what was sent could not be read back to compare");
+    return {document};
 }
 
-void addSend(CLI::App& tool, Work& work) {
-    CLI::App* command = AddCommand(tool, "send", "Writes a coefficient file to a device.");
-    const auto options = std::make_shared<DeviceOptions>();
-    command->add_option("FILE", options->file, "A coefficient file (.ccor)")->required();
-    addDeviceOption(*command, *options);
-    command->callback([options, &work] { work = [options] { return send(*options); }; });
+Outcome receive(const TransferOptions& options) {
+    CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
+    const std::string device = Connect(session, options.choice);
+    const auto outputs = std::make_shared<OutputSet>();
+    outputs->Add(options.file, [&](const std::string& name) {
+        Require([&] { return session.TransferFile(name.c_str(), false); }, device, "cannot be read");
+    });
+    return {describe(session, device, options, FindCoefficientWay(session)), kDone, outputs};
+}
+
+std::optional<CoefficientWay> parseWay(const std::string& text) {
+    if (text == "auto") return CoefficientWay::None;
+    if (text == "file") return CoefficientWay::File;
+    return text == "features" ? std::optional(CoefficientWay::Features) : std::nullopt;
+}
+
+void addDevices(CLI::App& tool, Work& work) {
+    CLI::App* command = AddCommand(tool, "devices", "Lists the cameras and frame grabbers of the machine.");
+    const auto options = std::make_shared<ListOptions>();
+    CLI::Option* checked = command
+                               ->add_option("--check", options->check,
+                                            "A camera to open and look at: what in it would spoil a calibration")
+                               ->type_name("NAME");
+    command->add_option("--config", options->config, "A text of lines \"feature = value\", applied before")
+        ->type_name("FILE")
+        ->needs(checked);
+    command->callback([options, &work] {
+        work = [options] {
+            if (options->check.empty()) return listAll();
+            return BackendWords().Explain([&] { return check(*options); });
+        };
+    });
+}
+
+void addTransfer(CLI::App& tool, Work& work, bool sends) {
+    CLI::App* command = sends ? AddCommand(tool, "send", "Writes a coefficient file to a device.")
+                              : AddCommand(tool, "receive", "Saves the coefficients of a device.");
+    const auto options = std::make_shared<TransferOptions>();
+    command->add_option("FILE", options->file, sends ? "A coefficient file (.ccor)" : "The file to write (.ccor)")
+        ->required();
+    AddDeviceOptions(*command, options->choice, true);
+    if (sends) {
+        AddParsed(*command, "--way", options->way, parseWay, "auto, file or features",
+                  "file: the device's file; features: a camera's color transformation features; auto: the file where "
+                  "there is one, else the features (default: auto)")
+            ->type_name("WAY");
+        command->add_option("--backup", options->backup, "Receives the device's present coefficients before")
+            ->type_name("FILE");
+    }
+    command->callback([options, sends, &work] {
+        work = [options, sends] {
+            return BackendWords().Explain([&] { return sends ? send(*options) : receive(*options); });
+        };
+    });
 }
 
 }  // namespace
 
 void AddDeviceCommands(CLI::App& tool, Work& work) {
-    AddCommand(tool, "devices", "Lists the cameras and frame grabbers of the machine.")->callback([&work] {
-        work = devices;
-    });
-    addGrab(tool, work);
-    addSend(tool, work);
+    addDevices(tool, work);
+    AddGrabCommand(tool, work);
+    addTransfer(tool, work, true);
+    addTransfer(tool, work, false);
 }

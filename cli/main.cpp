@@ -10,6 +10,7 @@
 #include "cli/output_set.h"
 #include "cli/signals.h"
 #include "foundation/CTivManager.h"
+#include "foundation/version.h"
 
 namespace {
 
@@ -58,7 +59,7 @@ int main(int argc, char** argv) {
     ListenToLibrary();
 
     CLI::App tool("Calibrates the colors of cameras from pictures of a color chart.", "tonewright");
-    tool.set_version_flag("--version", "tonewright " TONEWRIGHT_VERSION);
+    tool.set_version_flag("--version", std::string("tonewright ") + GetTonewrightVersion());
     tool.require_subcommand(0, 1);  // none is told below, so that an unknown word is named
     Work work;
     for (const auto add : kCommands) add(tool, work);

@@ -96,7 +96,7 @@ std::string RandomNameBeside(const fs::path& target) {
 /// Empty where the folder takes no file.
 std::string CreateBeside(const fs::path& target, mode_t mode) {
     for (int i = 0; i < kMaxTries; ++i) {
-        const std::string path = RandomNameBeside(target);
+        std::string path = RandomNameBeside(target);
         if (path.empty()) break;
         if (Descriptor(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode)) return path;
         if (errno != EEXIST) break;

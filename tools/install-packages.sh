@@ -7,7 +7,8 @@ packages=(g++ cmake ninja-build pkg-config libpng-dev libtiff-dev liblcms2-dev l
 case "${1:-}" in
   test) packages+=(libgtest-dev libgmock-dev aravis-tools) ;;
   docs) packages=(doxygen) ;;
-  ci) packages+=(libgtest-dev libgmock-dev aravis-tools clang-format git) ;;
+  ci) packages+=(libgtest-dev libgmock-dev aravis-tools git ccache clang-format clang-tidy-14 clang-14 libclang-rt-14-dev
+                 libomp-14-dev zlib1g-dev libbenchmark-dev) ;;
 esac
 missing=()
 for package in "${packages[@]}"; do

@@ -4,11 +4,10 @@
 #include <QIcon>
 #include <array>
 
+#include "app/toolkit/LogType.h"
+
 class Clock;
 class QTableWidget;
-
-/// What kind of message stands in the log. Any other number shows as "Unknown", without an icon.
-enum LogType : int { LogError = 0, LogWarning = 1, LogInformation = 2 };
 
 /// The pane "Logs": every word for the user ends up here, one row a message, for as long as the program runs.
 /// Main thread only.

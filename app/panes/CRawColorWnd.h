@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "app/panes/RawColorLists.h"
+#include "app/workflow/ColorLists.h"
 
 class CAutoROIImageViewer;
 class CRawColorListCtrl;
@@ -14,21 +15,21 @@ enum RawColorViewer : int { RawColorViewerRaw = 104, RawColorViewerReference = 1
 
 /// The pane "Raw Color List": raw and reference colors picked by hand with each viewer's ROI. All commands work on the
 /// left side while the raw viewer is the selected one, else on the right.
-class CRawColorWnd : public QDockWidget {
+class CRawColorWnd : public QDockWidget, public ColorLists {
     Q_OBJECT
 public:
     explicit CRawColorWnd(QWidget* parent = nullptr);
 
     void SetViewer(CAutoROIImageViewer* viewer, int identifier);
-    void SetEnabled(bool enabled);  ///< undims or dims both lists and rules the buttons
+    void SetEnabled(bool enabled) override;  ///< undims or dims both lists and rules the buttons
     bool IsEnabledForPicking() const { return enabled_; }
-    void SetMode(bool relative);
-    CTivVector GetRawColors() const { return lists_.raw.GetColors(); }
-    CTivVector GetReferenceColors() const { return lists_.reference.GetColors(); }
-    void FillRawColors(const CTivVector& colors);
-    void FillReferenceColors(const CTivVector& colors);
+    void SetMode(bool relative) override;
+    CTivVector GetRawColors() const override { return lists_.raw.GetColors(); }
+    CTivVector GetReferenceColors() const override { return lists_.reference.GetColors(); }
+    void FillRawColors(const CTivVector& colors) override;
+    void FillReferenceColors(const CTivVector& colors) override;
     /// A new image came into a viewer: clears that viewer's side, by the lopsided rule of RawColorLists.
-    void ClearSide(bool rawSide);
+    void ClearSide(bool rawSide) override;
     void UpdateCommandState();  ///< enables the buttons by mode, enabled flag and selected viewer
 
     const RawColorLists& Lists() const { return lists_; }
@@ -36,11 +37,11 @@ public:
     CRawColorListCtrl& ReferenceList() { return *referenceList_; }
 
 public slots:
-    void AddColor();
+    void AddColor() override;
     void ReplaceOrAdd();
-    void Remove();  ///< the selected row, or else the last
-    void RemoveLast();
-    void Clear();              ///< both sides
+    void Remove() override;  ///< the selected row, or else the last
+    void RemoveLast() override;
+    void Clear() override;     ///< both sides
     void ShowSelectedEntry();  ///< a cross in the viewer where the selected color was picked
 
 private:

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/panes/CListCtrlEx.h"
+#include "app/workflow/UserValues.h"
 #include "chart/PatchDetector.h"
 #include "foundation/CTivVector.h"
 
@@ -30,29 +31,29 @@ public:
 
 /// The pane "User Values": XYZ of the chart's patches and of the white reference under the user's own light. It also
 /// holds the chart's size in patches, which the detecting viewers read.
-class CSpectrumValuesWnd : public QDockWidget {
+class CSpectrumValuesWnd : public QDockWidget, public UserValues {
     Q_OBJECT
 public:
     explicit CSpectrumValuesWnd(QWidget* parent = nullptr);
 
     /// @return FormatColorFloat, one element a row: X, Y, Z as the cells read, and 0
-    CTivVector GetSpectrumValues() const;
-    std::array<float, 4> GetIlluminantValue() const;
-    void ShowSpectrumValues(const CTivVector& values);  ///< resizes the list; "%.5f"
+    CTivVector GetSpectrumValues() const override;
+    std::array<float, 4> GetIlluminantValue() const override;
+    void ShowSpectrumValues(const CTivVector& values) override;  ///< resizes the list; "%.5f"
     /// Shows whole numbers only, deliberately: the operator keeps the fractions.
-    void ShowIlluminantValue(const std::array<float, 4>& value);
-    ChartSize* GetChartSize() { return &chartSize_; }
-    void SetMatrixSize(int width, int height);
-    void SetEnabled(bool enabled);  ///< undims and allows editing, or the reverse
+    void ShowIlluminantValue(const std::array<float, 4>& value) override;
+    ChartSize* GetChartSize() override { return &chartSize_; }
+    void SetMatrixSize(int width, int height) override;
+    void SetEnabled(bool enabled) override;  ///< undims and allows editing, or the reverse
     bool IsEnabledForEditing() const { return enabled_; }
-    void ResetValues();  ///< zeros for the matrix size, editing off
+    void ResetValues() override;  ///< zeros for the matrix size, editing off
 
     /// The directory that the file dialogs start from while the profile names none.
     void SetBaseDir(const QString& baseDir) { baseDir_ = baseDir; }
 
     /// Reads a file into the list after asking for the matrix size, as a drop does.
     /// @throw as CCSVParser::Read; the list is then as it was
-    void LoadValuesFrom(const QString& path);
+    void LoadValuesFrom(const QString& path) override;
 
     CIlluminantValue& IlluminantList() { return *illuminantList_; }
     CSpectrumValuesListCtrl& SpectrumList() { return *spectrumList_; }

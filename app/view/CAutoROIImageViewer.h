@@ -17,16 +17,16 @@ public:
     bool SetImage(CTivImage* image, bool resetView) override;
     /// On: the ROI becomes the displayed part less a fiftieth on each side, and the comm is told, which sets off
     /// detection. Off: no patches are drawn, and the ROI becomes a small square to pick colors with.
-    void SetAutoDetect(bool on);
+    void SetAutoDetect(bool on) override;
     /// Rebuilds patch grid and overlay from the image under the ROI. Shows no message.
-    void DetectPatches();
+    void DetectPatches() override;
     /// Measures the grid. Warns once if a patch is saturated, and gives the colors all the same.
     /// @return FormatRgb, chart width x height elements, row by row; without image or chart size an
     ///         empty vector of no format, which the calibration does not take: what it has stays
-    CTivVector GetRawColors();
+    CTivVector GetRawColors() override;
     /// The same, ordered by the place of the brightest patch: what GetRawColors gives for 6 x 4 and 4 x 6.
     CTivVector GetOrientedRawColors();
-    const PatchDetector& Detector() const { return m_detector; }
+    const PatchDetector* Detector() const override { return &m_detector; }
     /// @param bgr receives the ROI's mean color: blue, green, red
     /// @param centre receives the ROI's centre in image pixels
     void GetRoiColor(unsigned char* bgr, ViewPoint* centre);

@@ -141,6 +141,11 @@ void CImageViewerCtrl::FitToWindow() {
     ZoomChanged();
 }
 
+void CImageViewerCtrl::FitIfLarger() {
+    const QSize window = contentsRect().size();
+    if (image_.GetWidth() > window.width() || image_.GetHeight() > window.height()) FitToWindow();
+}
+
 void CImageViewerCtrl::ResetTracker() {
     tracker_.SetRect(View().DefaultTracker());
     View().TrackerToRoi(tracker_.GetRect(), &roi_);

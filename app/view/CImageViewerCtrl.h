@@ -7,6 +7,7 @@
 #include "app/toolkit/RectTracker.h"
 #include "app/view/Overlay.h"
 #include "app/view/ViewGeometry.h"
+#include "app/workflow/PictureView.h"
 #include "foundation/CTivImage.h"
 
 class CDemoImageViewerComm;
@@ -17,7 +18,7 @@ class ViewerHost;
 /// than the window; dragging the ROI moves or resizes it, Escape takes that back.
 ///
 /// Client coordinates count from the corner of the area inside the sunken edge (contentsRect) in logical pixels.
-class CImageViewerCtrl : public QFrame {
+class CImageViewerCtrl : public QFrame, public PictureView {
     Q_OBJECT
 public:
     explicit CImageViewerCtrl(QWidget* parent = nullptr);
@@ -25,16 +26,17 @@ public:
     /// Shows a copy of the image, whose own region becomes the whole image, and puts the ROI back to its start.
     /// @param resetView also ResetView
     /// @return false, and nothing is shown, for null or an image without pixels
-    virtual bool SetImage(CTivImage* image, bool resetView);
+    bool SetImage(CTivImage* image, bool resetView) override;
     /// Zoom 1.0, no scroll, no tracker rectangle, empty overlays. The ROI and the image stay.
-    void ResetView();
-    void ClearOverlays();
+    void ResetView() override;
+    void ClearOverlays() override;
+    void ShowNow() override { repaint(); }
 
     /// Whom the viewer tells of pixels, ROI and zoom, and the window that holds it. Not owned, null allowed.
     void SetComm(CDemoImageViewerComm* comm) { comm_ = comm; }
     void SetHost(ViewerHost* host) { host_ = host; }
-    void SetSelected(int selected);
-    int IsSelected() const { return selected_; }
+    void SetSelected(int selected) override;
+    int IsSelected() const override { return selected_; }
 
     // Each of these repaints and tells the zoom. The fits want an image.
     void SetZoom(float zoom);  ///< limited to 0.01 to 10
@@ -43,6 +45,7 @@ public:
     void FitHeight();
     void FitWidth();
     void FitToWindow();
+    void FitIfLarger() override;  ///< FitToWindow where the image is larger than the window
 
     /// Shows or hides the ROI; one that was never shown becomes the displayed part less a fiftieth on each side.
     void EnableRoi(bool on);
@@ -53,7 +56,7 @@ public:
     bool ImageToClient(ViewPoint in, ViewPoint* out) const { return View().ImageToClient(in, out); }
 
     /// The image on display. Who writes to it, also with another size, calls update() afterwards.
-    CTivImage& Image() { return image_; }
+    CTivImage& Image() override { return image_; }
     const CTivImage& Image() const { return image_; }
     Overlay& ImageOverlay() { return imageOverlay_; }  ///< drawn over the image; call update() after a change
     const Overlay& ImageOverlay() const { return imageOverlay_; }

@@ -10,20 +10,20 @@
 
 #include "app/CTonewrightApp.h"
 #include "app/CommandTable.h"
-#include "app/StatusTexts.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Clock.h"
 #include "app/toolkit/RibbonBar.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
+#include "app/workflow/StatusTexts.h"
 #include "tests/app/studio.h"
 
 namespace {
 
 using Frame = Studio;
 
-std::string statusText(const CMainFrame& frame, int id) { return frame.StatusPane(id)->text().toStdString(); }
+std::string statusText(const StudioFrame& frame, int id) { return frame.StatusPane(id)->text().toStdString(); }
 
 TEST_F(Frame, StartsWithTheLogAloneAndTheRawViewerSelected) {
     const StudioState state = frame->GetState();
@@ -99,33 +99,6 @@ TEST_F(Frame, ACheckedChoiceStaysCheckedWhenItIsPressedAgain) {
     frame->GetAction(ID_BTN_SATURATION_MANUAL)->trigger();
     EXPECT_TRUE(frame->GetAction(ID_BTN_SATURATION_MANUAL)->isChecked());
     EXPECT_FALSE(frame->GetAction(ID_BTN_SATURATION_AUTO)->isChecked());
-}
-
-TEST_F(Frame, DropGoesByWhatThePathHolds) {
-    const QString chart = WriteChart("chart.bmp");
-    QFile::copy(chart, Path("chart.bmp.old"));
-    Write("text.bmp.txt", "no image");
-    Write("broken.twkp", "no parameters");
-    Write("values.csv", "1,2,3\n");
-    Write("CHART.BMP", "case counts");
-    const std::string unknown = "File signature not recognized.";
-    struct Case {
-        const char* name;
-        bool image;
-        std::vector<LogRow> log;
-    };
-    for (const Case& c :
-         {Case{"chart.bmp", true, {}}, Case{"chart.bmp.old", true, {}}, Case{"text.bmp.txt", false, {}},
-          Case{"values.csv", false, {{unknown, LogWarning}}}, Case{"CHART.BMP", false, {{unknown, LogWarning}}},
-          Case{"no extension", false, {{unknown, LogWarning}}}}) {
-        Start();
-        frame->OpenDroppedFile(Path(c.name));
-        EXPECT_EQ(frame->GetState().rawHasImage, c.image) << c.name;
-        EXPECT_EQ(Log(), c.log) << c.name;
-    }
-    frame->OpenDroppedFile(Path("broken.twkp"));
-    ASSERT_EQ(Log().size(), 2u);
-    EXPECT_EQ(Log().back(), (LogRow{LastError(), LogError}));
 }
 
 TEST_F(Frame, OfSeveralDroppedFilesTheFirstCounts) {
@@ -220,7 +193,7 @@ TEST_F(Frame, AnExceptionOutOfAnEventIsLoggedAndTheProgramGoesOn) {
     Thrower thrower;
     QCoreApplication::postEvent(&thrower, new QEvent(QEvent::User));
     QCoreApplication::processEvents();
-    const QTableWidget& list = application.GetMainFrame()->Logger().List();
+    const QTableWidget& list = application.GetMainFrame()->findChild<CLoggerWnd*>()->List();
     EXPECT_EQ(list.rowCount(), 1);
     EXPECT_EQ(list.item(0, CLoggerWnd::ColumnMessage)->text(), "plain text");
     application.DestroyMainFrame();

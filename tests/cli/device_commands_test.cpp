@@ -1,6 +1,8 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "tests/acquisition/camera_description.h"
+#include "tests/acquisition/fake_camera.h"
 #include "tests/cli/tool_test.h"
 
 namespace {
@@ -138,6 +140,138 @@ TEST_F(DeviceCommands, SendPutsACoefficientFileOnTheDevice) {
     const ToolRun refused = RunTool({"send", Path("new.ccor")});
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.err, testing::HasSubstr("Cannot write file to device."));
+}
+
+TEST_F(DeviceCommands, GrabAveragesAndCorrectsWithDarkAndFlat) {
+    Simulate(kCamera);
+    const std::string config = Write("settings.txt", "format = RGB 32\nwidth = 24\n");
+    // Red is x, green is y, blue the frame's number: 1 to 4 here, of which the mean is 2.5.
+    const ToolRun run = RunTool({"grab", Path("mean.zvk"), "--config", config, "--average", "4"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.Document()["average"], 4);
+    CTivImage mean;
+    ASSERT_TRUE(mean.Load(Path("mean.zvk"), true));
+    EXPECT_EQ(mean.GetData(20, 3).AsRgb(), 0x140302u);
+
+    CTivImage dark(24, 8, CTivData::FormatRgb, nullptr, true), flat = dark;
+    for (int y = 0; y < 8; ++y) {
+        for (int x = 0; x < 24; ++x) {
+            dark.SetData(x, y, CTivData::Rgb(4, 0, 1));
+            flat.SetData(x, y, CTivData::Rgb(x < 12 ? 50 : 150, 100, 100));
+        }
+    }
+    const std::vector<std::string> corrected = {"grab",     Path("out.zvk"),
+                                                "--config", config,
+                                                "--dark",   WriteImage("dark.bmp", dark),
+                                                "--flat",   WriteImage("flat.bmp", flat)};
+    const ToolRun second = RunTool(corrected);
+    ASSERT_EQ(second.status, 0) << second.err;
+    CTivImage picture;
+    ASSERT_TRUE(picture.Load(Path("out.zvk"), true));
+    EXPECT_EQ(picture.GetData(8, 3).AsRgb(), 0x080300u);   // (8 - 4) x 100 / 50
+    EXPECT_EQ(picture.GetData(22, 3).AsRgb(), 0x0c0300u);  // (22 - 4) x 100 / 150
+    const ToolRun other = RunTool({"grab", Path("gray.zvk"), "--dark", Path("dark.bmp")});
+    EXPECT_EQ(other.status, 1);
+    EXPECT_THAT(other.err,
+                testing::HasSubstr("the dark frame is FormatRgb of 24 x 8, the frames are FormatUByte of 16 x 8"));
+    EXPECT_EQ(RunTool({"grab", Path("gray.zvk"), "--average", "0"}).status, 2);
+}
+
+TEST_F(DeviceCommands, SendKeepsABackupTellsItsWayAndReceiveReadsBack) {
+    Simulate(kCamera);
+    Write("ColorCorrectionMatrix", "factory");
+    const std::string file = Write("new.ccor", identity());
+    const ToolRun run = RunTool({"send", file, "--backup", Path("before.ccor")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.Document()["way"], "file");
+    EXPECT_EQ(run.Document()["written"], true);
+    EXPECT_EQ(run.Document()["verified"], true);
+    EXPECT_EQ(ReadBytes(Path("before.ccor")), "factory");
+
+    const ToolRun received = RunTool({"receive", Path("now.ccor")});
+    ASSERT_EQ(received.status, 0) << received.err;
+    EXPECT_EQ(received.Document()["way"], "file");
+    EXPECT_EQ(ReadBytes(Path("now.ccor")), identity());
+
+    const struct {
+        std::string ini;
+        std::vector<std::string> arguments;
+        int status;
+        const char* text;
+    } rows[] = {
+        {kCamera, {"send", file, "--way", "features"}, 1, "The device has no color transformation features"},
+        {kCamera, {"send", file, "--way", "filter"}, 2, "is not auto, file or features"},
+        {kCamera + "faults = read\n", {"send", file, "--backup", Path("b.ccor")}, 1, "Cannot read file from device."},
+        {kCamera + "faults = read\n", {"receive", Path("b.ccor")}, 1, "Cannot read file from device."},
+        {kGrabber + kCamera, {"send", file, "--device", "Grabber", "--way", "features"}, 1, "The device has no color"},
+    };
+    Write("ColorCorrectionMatrix", "factory");
+    for (const auto& row : rows) {
+        Simulate(row.ini);
+        const ToolRun refused = RunTool(row.arguments);
+        EXPECT_EQ(refused.status, row.status);
+        EXPECT_THAT(refused.err, testing::HasSubstr(row.text));
+        EXPECT_EQ(refused.out, "");
+        EXPECT_EQ(ReadBytes(Path("ColorCorrectionMatrix")), "factory");
+    }
+    EXPECT_EQ(ReadBytes(Path("b.ccor")), "");
+    Simulate("[Grabber]\nkind = frame grabber\nfiles = .\n[Other]\nkind = other\n");
+    const ToolRun filter = RunTool({"send", file, "--device", "Grabber"});
+    ASSERT_EQ(filter.status, 0) << filter.err;
+    EXPECT_EQ(filter.Document()["way"], "filter");
+    EXPECT_EQ(filter.Document()["verified"], false);
+}
+
+TEST_F(DeviceCommands, AWrongConfigurationIsToldWithItsLine) {
+    Simulate(kCamera);
+    const std::string config = Write("wrong.txt", "width = 8\nheigth = 9\n");
+    const ToolRun run = RunTool({"grab", Path("f.bmp"), "--config", config});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, testing::HasSubstr("Configure => cannot create Acquisition object\n" + config + ", line 2"));
+    EXPECT_EQ(RunTool({"devices", "--check", "Camera_Link_1"}).Document(),
+              nlohmann::json::parse(R"({"name": "Camera_Link_1", "kind": "Camera Link camera", "notes": []})"));
+    EXPECT_THAT(RunTool({"devices", "--check", "Other"}).err, testing::HasSubstr("there is no device Other, but"));
+}
+
+TEST_F(DeviceCommands, ACameraIsCheckedAndTakesCoefficientsThroughItsFeatures) {
+#ifndef TONEWRIGHT_HAVE_ARAVIS
+    GTEST_SKIP() << "built without the library for GenICam cameras";
+#endif
+    if (FakeCamera::FindTool().empty()) GTEST_SKIP() << "aravis-tools is not installed";
+    const FakeCamera camera(Write(
+        "camera.xml",
+        CameraDescription().ColorTransformation().Choice("GainAuto", 0x8000, {{"Off", 0}, {"Continuous", 1}}).Xml()));
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    const std::string name = camera.Name();
+    const std::string file = Write("new.ccor", identity());
+    const ToolRun sent = RunTool({"send", file, "--device", name, "--backup", Path("before.ccor")});
+    ASSERT_EQ(sent.status, 0) << sent.err;
+    EXPECT_EQ(sent.Document()["way"], "features");
+    EXPECT_EQ(sent.Document()["verified"], true);
+    EXPECT_EQ(ReadBytes(Path("before.ccor")).size(), 132u);
+    const ToolRun received = RunTool({"receive", Path("after.ccor"), "--device", name});
+    ASSERT_EQ(received.status, 0) << received.err;
+    EXPECT_EQ(ReadBytes(Path("after.ccor")), identity());
+
+    const std::string config = Write("auto.txt", "GainAuto = Continuous\n");
+    const ToolRun checked = RunTool({"devices", "--check", name, "--config", config});
+    ASSERT_EQ(checked.status, 0) << checked.err;
+    const nlohmann::json notes = checked.Document()["notes"];
+    ASSERT_EQ(notes.size(), 2u);
+    EXPECT_EQ(notes[0]["line"], "GainAuto = Off");
+    EXPECT_EQ(notes[0]["value"], "Continuous");
+    EXPECT_EQ(notes[1]["feature"], "ColorTransformationEnable");
+    EXPECT_THAT(checked.err, testing::HasSubstr("note: " + notes[1]["text"].get<std::string>()));
+
+    const std::string seven = WithU32(identity(), 36, 7);
+    EXPECT_EQ(RunTool({"send", Write("seven.ccor", seven), "--device", name}).status, 1);
+    EXPECT_EQ(RunTool({"send", file, "--device", name, "--way", "file"}).status, 1);
+    const ToolRun strong =
+        RunTool({"send", Write("strong.ccor", WithU32(identity(), 88, 0x43c80000)), "--device", name});
+    EXPECT_EQ(strong.status, 1);
+    EXPECT_THAT(strong.err, testing::HasSubstr("Gain00 would be 400, outside the camera's -256 to 256"));
+    EXPECT_EQ(RunTool({"receive", Path("still.ccor"), "--device", name}).status, 0);
+    EXPECT_EQ(ReadBytes(Path("still.ccor")), identity());
 }
 
 }  // namespace

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QApplication>
+#include <QCursor>
+#include <QGuiApplication>
 
 /// Shows the wait cursor for as long as it lives.
 class WaitCursor {
 public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
 };

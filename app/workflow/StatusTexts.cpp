@@ -1,4 +1,4 @@
-#include "app/StatusTexts.h"
+#include "app/workflow/StatusTexts.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "app/StudioFiles.h"
+#include "app/workflow/StudioFiles.h"
 
 #include <QDir>
 

@@ -1,0 +1,88 @@
+#include "app/workflow/FileSteps.h"
+
+#include "app/toolkit/Profile.h"
+#include "app/toolkit/Prompts.h"
+#include "app/workflow/StudioFiles.h"
+#include "calibration/illuminants.h"
+
+using namespace studio_files;
+
+namespace {
+
+// Somewhere behind the first character, in just these letters: "a.bmp.txt" counts, deliberately.
+bool holds(const QString& path, const char* text) { return path.indexOf(QLatin1String(text)) > 0; }
+
+}  // namespace
+
+bool FileSteps::LoadParameterFile(const QString& path) {
+    if (!m_work.engine.Load(path.toStdString())) {
+        m_work.news.LogLastError(LogError);
+        return false;
+    }
+    m_parameters.SyncControlsFromEngine();
+    return true;
+}
+
+void FileSteps::OpenDroppedFile(const QString& path) {
+    if (holds(path, ".bmp") || holds(path, ".tif") || holds(path, ".zvk")) {
+        m_pictures.LoadImageFile(path);
+    } else if (holds(path, ".twkp")) {
+        LoadParameterFile(path);
+    } else if (holds(path, ".csv") && m_work.engine.GetIlluminant() == kUserIlluminant) {
+        m_work.values.LoadValuesFrom(path);
+    } else {
+        m_work.news.Log("File signature not recognized.", LogWarning);
+    }
+}
+
+void FileSteps::OnLoadParameters() {
+    const auto choice = GetPrompts().OpenFile(
+        {GetProfile().ReadString(kParameterSection, kName, DefaultPath(m_work.baseDir, kParameters, "*.twkp")),
+         kParameterFilters,
+         1,
+         {}});
+    if (!choice || !LoadParameterFile(choice->path)) return;
+    GetProfile().WriteString(kParameterSection, kName, choice->path);
+    m_work.previewActive = false;
+}
+
+// Parameters and coefficients are saved only after a fit that succeeded. A save that fails is silent, deliberately.
+void FileSteps::OnSaveParameters() {
+    if (!m_calibration.CalibrateForSaving()) return;
+    const auto choice = GetPrompts().SaveFile(
+        {GetProfile().ReadString(kParameterSection, kName, DefaultPath(m_work.baseDir, kParameters, "*.twkp")),
+         kParameterFilters, 1, "twkp"});
+    if (!choice || !m_work.engine.Save(choice->path.toStdString())) return;
+    GetProfile().WriteString(kParameterSection, kName, choice->path);
+}
+
+void FileSteps::OnLoadCoefficients() {
+    const auto choice = GetPrompts().OpenFile(
+        {GetProfile().ReadString(kCoefficientSection, kName, DefaultPath(m_work.baseDir, kColorCorrection, "*.ccor")),
+         kCoefficientFilters,
+         1,
+         {}});
+    if (!choice) return;
+    if (!m_work.engine.LoadXForm(choice->path.toStdString())) {
+        m_work.news.Log(QString("%1 (%2)").arg(QString::fromStdString(CTivManager::GetLastErrorString()), choice->path),
+                        LogError);
+        return;
+    }
+    m_work.news.Log(QString("%1 was loaded successfully").arg(choice->path), LogInformation);
+    m_work.coefficientFile = choice->path;
+    GetProfile().WriteString(kCoefficientSection, kName, choice->path);
+}
+
+void FileSteps::OnSaveCoefficients() {
+    if (!m_calibration.CalibrateForSaving()) return;
+    const auto choice = GetPrompts().SaveFile(
+        {GetProfile().ReadString(kCoefficientSection, kName, DefaultPath(m_work.baseDir, kColorCorrection, "*.ccor")),
+         kCoefficientFilters, 1, "ccor"});
+    if (!choice) return;
+    if (!m_work.engine.SaveXForm(choice->path.toStdString(), false)) {
+        m_work.news.LogLastError(LogError);
+        return;
+    }
+    m_work.coefficientFile = choice->path;
+    GetProfile().WriteString(kCoefficientSection, kName, choice->path);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+
+#include "app/workflow/CalibrationSteps.h"
+#include "app/workflow/ParameterSteps.h"
+#include "app/workflow/PictureSteps.h"
+#include "app/workflow/WorkflowContext.h"
+
+/// Parameter files, coefficient files, and what a dropped file is.
+class FileSteps {
+public:
+    FileSteps(WorkflowContext& work, PictureSteps& pictures, CalibrationSteps& calibration, ParameterSteps& parameters)
+        : m_work(work), m_pictures(pictures), m_calibration(calibration), m_parameters(parameters) {}
+
+    /// @return false, told in the log
+    bool LoadParameterFile(const QString& path);
+    /// Takes a file by what its path holds. Unlike the command, a drop also loads into the calibrated view where that
+    /// is the selected one.
+    void OpenDroppedFile(const QString& path);
+
+    void OnLoadParameters();
+    void OnSaveParameters();
+    void OnLoadCoefficients();
+    void OnSaveCoefficients();
+
+private:
+    WorkflowContext& m_work;
+    PictureSteps& m_pictures;
+    CalibrationSteps& m_calibration;
+    ParameterSteps& m_parameters;
+};

@@ -1,0 +1,103 @@
+#include "app/workflow/PictureSteps.h"
+
+#include "app/StringTable.h"
+#include "app/toolkit/Profile.h"
+#include "app/toolkit/Prompts.h"
+#include "app/toolkit/WaitCursor.h"
+#include "app/workflow/StatusTexts.h"
+#include "app/workflow/StudioFiles.h"
+
+using namespace studio_files;
+
+PictureView* PictureSteps::GetSelectedViewer() {
+    for (PictureView* viewer : {&m_work.raw, &m_work.reference, &m_work.calibrated}) {
+        if (viewer->IsSelected()) return viewer;
+    }
+    m_work.news.Log("No image viewer is currently being selected.", LogWarning);
+    return nullptr;
+}
+
+void PictureSteps::DeselectAllViewers() {
+    for (PictureView* viewer : {&m_work.raw, &m_work.reference, &m_work.calibrated}) viewer->SetSelected(0);
+}
+
+void PictureSteps::SelectViewer(PictureView& viewer) {
+    DeselectAllViewers();
+    viewer.SetSelected(1);
+}
+
+void PictureSteps::ResetForNewImage() {
+    for (PictureView* viewer : {GetSelectedViewer(), &m_work.calibrated}) {
+        if (!viewer) continue;
+        viewer->ResetView();
+        viewer->ClearOverlays();
+        viewer->Image().SetRoi({});  // a measurement leaves it on a patch
+        viewer->Image().Clear();
+    }
+    m_work.previewActive = false;
+    m_work.news.SetStatus(string_id::kBufferInformation, status_texts::BufferAfterReset());
+    m_work.news.SetStatus(string_id::kPixelData, status_texts::PixelNotAvailable());
+}
+
+// Every loaded image passes through the session's buffer slot, with or without a device. A load that fails is silent,
+// deliberately.
+bool PictureSteps::LoadImageFile(const QString& path) {
+    const WaitCursor wait;
+    CTivImage& buffer = *m_work.session->GetImage(-1);
+    buffer.SetRoi({});
+    if (!buffer.Load(path.toStdString(), true)) return false;
+    PictureView* const viewer = GetSelectedViewer();
+    if (!viewer) return false;
+    ResetForNewImage();
+    viewer->SetImage(&buffer, true);
+    m_work.news.SetStatus(
+        string_id::kBufferInformation,
+        status_texts::Buffer(buffer.GetWidth(), buffer.GetHeight(), CTivData::GetFormatBits(buffer.GetFormat()),
+                             CTivData::GetFormatName(buffer.GetFormat()), m_work.session->GetBufferCount()));
+    viewer->FitIfLarger();
+    viewer->SetAutoDetect(!m_work.manualColors);
+    m_work.lists.ClearSide(viewer == &m_work.raw);
+    return true;
+}
+
+void PictureSteps::OnLoadImage() {
+    if (GetSelectedViewer() == &m_work.calibrated) {
+        m_work.news.Log("Acces denied. Impossible to load image in calibrated image window.", LogWarning);
+        return;
+    }
+    const auto choice = GetPrompts().OpenFile(
+        {GetProfile().ReadString(kImageSection, kLoadName, DefaultPath(m_work.baseDir, kImages, "*.bmp")),
+         kOpenImageFilters,
+         GetProfile().ReadInt(kImageSection, kLoadType, 1),
+         {}});
+    if (!choice || !LoadImageFile(choice->path)) return;
+    GetProfile().WriteString(kImageSection, kLoadName, choice->path);
+    GetProfile().WriteInt(kImageSection, kLoadType, choice->filterIndex);
+}
+
+void PictureSteps::OnLoadRawImage() {
+    SelectViewer(m_work.raw);
+    OnLoadImage();
+}
+
+void PictureSteps::OnLoadReferenceImage() {
+    SelectViewer(m_work.reference);
+    OnLoadImage();
+}
+
+// A save that fails is silent, deliberately.
+void PictureSteps::OnSaveImage() {
+    const auto choice = GetPrompts().SaveFile(
+        {GetProfile().ReadString(kImageSection, kSaveName, DefaultPath(m_work.baseDir, kImages, "*.bmp")),
+         kSaveImageFilters,
+         GetProfile().ReadInt(kImageSection, kSaveType, 1),
+         {}});
+    if (!choice) return;
+    CTivImage copy(m_work.calibrated.Image());
+    copy.SetRoi({});
+    if (!copy.Save(choice->path.toStdString(), SaveFormatOfFilter(choice->filterIndex))) return;
+    GetProfile().WriteString(kImageSection, kSaveName, choice->path);
+    GetProfile().WriteInt(kImageSection, kSaveType, choice->filterIndex);
+}
+
+void PictureSteps::OnFrameReady(int) { m_work.raw.SetImage(m_work.session->GetImage(-1), false); }

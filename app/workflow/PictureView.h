@@ -1,0 +1,31 @@
+#pragma once
+
+#include "chart/PatchDetector.h"
+#include "foundation/CTivImage.h"
+#include "foundation/CTivVector.h"
+
+/// One picture on the screen, as the steps of the work see it.
+class PictureView {
+public:
+    virtual ~PictureView() = default;
+
+    /// The picture on display. Who writes to it calls ShowNow afterwards.
+    virtual CTivImage& Image() = 0;
+    /// Shows a copy. @param resetView also the view's zoom and scroll @return false, and nothing is shown, without
+    /// pixels
+    virtual bool SetImage(CTivImage* image, bool resetView) = 0;
+    virtual void ResetView() = 0;
+    virtual void ClearOverlays() = 0;
+    virtual void FitIfLarger() = 0;  ///< zooms out where the picture is larger than its window
+    virtual void ShowNow() = 0;      ///< redraws before it returns
+
+    /// The selected picture is the target of Load Image and the source of colors picked by hand.
+    virtual void SetSelected(int selected) = 0;
+    virtual int IsSelected() const = 0;
+
+    // What a view that finds charts does besides.
+    virtual void SetAutoDetect(bool) {}
+    virtual void DetectPatches() {}
+    virtual CTivVector GetRawColors() { return {}; }                   ///< of no format without a picture
+    virtual const PatchDetector* Detector() const { return nullptr; }  ///< null: it finds no charts
+};

@@ -1,0 +1,3 @@
+#include "foundation/version.h"
+
+const char* GetTonewrightVersion() { return TONEWRIGHT_VERSION; }

@@ -1,0 +1,102 @@
+// Where window and workflow meet: what commands show on the screen, and frames on their way to it.
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include "acquisition/zvn/CAbortDlg.h"
+#include "app/toolkit/RibbonField.h"
+#include "tests/app/studio.h"
+
+namespace {
+
+class FrameWorkflow : public Studio {
+protected:
+    std::string Status(int id) const { return frame->StatusPane(id)->text().toStdString(); }
+    /// Keeps the event loop alive until a frame has come to the raw viewer.
+    bool WaitForPicture() {
+        return QTest::qWaitFor([&] { return frame->RawViewer().Image().IsAllocated(); }, 3000);
+    }
+};
+
+TEST_F(FrameWorkflow, APreviewShowsItsPaneAndWhatTheStepsTellReachesStatusBarAndLog) {
+    LoadChart();
+    EXPECT_EQ(Status(317), "400 x 280 x 32-bit, FormatRgb, 4 cycling buffer(s)");
+    EXPECT_EQ(frame->RawViewer().ImageOverlay().Rectangles().size(), 24u);
+    EXPECT_FALSE(IsEnabled(ID_BTN_ACQ_SAVE_IMAGE_AS));
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    EXPECT_FALSE(frame->CalibratedPane().isHidden());
+    EXPECT_EQ(frame->CalibratedViewer().Image().GetWidth(), 400);
+    EXPECT_TRUE(IsEnabled(ID_BTN_ACQ_SAVE_IMAGE_AS));
+    EXPECT_TRUE(Log().empty());
+    Run(ID_BTN_METHOD_RELATIVE);
+    EXPECT_EQ(Log().size(), 1u);
+    EXPECT_FALSE(frame->ReferencePane().isHidden());
+    Run(ID_BTN_METHOD_ABSOLUTE);
+    Run(ID_BTN_ILLUMINANT_USER);
+    EXPECT_TRUE(frame->SpectrumPane().IsEnabledForEditing());
+    EXPECT_FALSE(frame->SpectrumPane().isHidden());
+}
+
+TEST_F(FrameWorkflow, WithoutAPictureThereAreNoColors) {
+    EXPECT_FALSE(frame->RawViewer().GetRawColors().IsAllocated());
+    EXPECT_FALSE(frame->RawViewer().GetOrientedRawColors().IsAllocated());
+    frame->SpectrumPane().SetMatrixSize(5, 5);
+    EXPECT_FALSE(frame->RawViewer().GetRawColors().IsAllocated());
+}
+
+TEST_F(FrameWorkflow, ATypedNumberCountsForTheCommandThatIsPressedNext) {
+    auto* edit = frame->Ribbon().findChild<RibbonEdit*>();  // the first one is gamma's
+    edit->setText("60");
+    Run(ID_BTN_SATURATION_NONE);
+    EXPECT_FLOAT_EQ(GetEngine().GetGamma(), 0.6f);
+}
+
+TEST_F(FrameWorkflow, ColorsPickedByHandFollowTheSelectedViewer) {
+    LoadChart();
+    Run(ID_COLOR_ADD_BY_HAND);
+    EXPECT_EQ(frame->RawColorPane().Lists().raw.Rows().size(), 0u) << "automatic selection";
+    Run(ID_BTN_COLOR_MANUAL);
+    EXPECT_FALSE(frame->StatusPane(107)->isHidden());
+    EXPECT_TRUE(frame->RawViewer().ImageOverlay().Rectangles().empty());
+    Run(ID_COLOR_ADD_BY_HAND);
+    frame->RefreshManualPick();
+    EXPECT_EQ(frame->RawColorPane().Lists().raw.Rows().size(), 2u);
+    Run(ID_COLOR_REMOVE_LAST);
+    EXPECT_EQ(frame->RawColorPane().Lists().raw.Rows().size(), 1u);
+    frame->DeselectAllViewers();
+    frame->CalibratedViewer().SetSelected(1);
+    Run(ID_COLOR_REMOVE_LAST);
+    EXPECT_EQ(frame->RawColorPane().Lists().raw.Rows().size(), 1u);
+    Run(ID_BTN_COLOR_AUTO);
+    EXPECT_FALSE(frame->StatusPane(107)->isHidden()) << "shown once, shown for good";
+}
+
+TEST_F(FrameWorkflow, SnappedFrameComesToTheRawViewer) {
+    Connect("[Grabber]\nkind = frame grabber\nwidth = 32\nheight = 16\nformat = RGB 32\n");
+    EXPECT_EQ(Log(), (Rows{{"Load/Save a camera file prior to calibrating", LogWarning}}));
+    EXPECT_EQ(frame->GetState().deviceKind, DeviceKindFrameGrabber);
+    frame->DeselectAllViewers();
+    frame->ReferenceViewer().SetSelected(1);
+    Run(ID_BTN_ACQ_SNAP);
+    ASSERT_TRUE(WaitForPicture());
+    EXPECT_EQ(frame->RawViewer().Image().GetWidth(), 32);
+    EXPECT_EQ(Status(317), "Buffer information");
+}
+
+// The processing thread waits for a window that no longer takes its message.
+TEST_F(FrameWorkflow, ClosingWithAFrameOnItsWayEndsSoon) {
+    for (const int waitMs : {0, 30, 120}) {
+        Start();
+        Connect("[Grabber]\nkind = frame grabber\nwidth = 640\nheight = 480\nformat = RGB 24\ndelay ms = 20\n");
+        CAbortDlg::SetWaitFor([](void*, ZvnTransfer&, int) { return true; });  // does not wait
+        Run(ID_BTN_ACQ_SNAP);
+        QThread::msleep(static_cast<unsigned long>(waitMs));
+        QElapsedTimer clock;
+        clock.start();
+        frame.reset();
+        EXPECT_LT(clock.elapsed(), 900) << waitMs;
+        CAbortDlg::SetWaitFor(nullptr);
+    }
+}
+
+}  // namespace
