@@ -25,6 +25,7 @@ constexpr double kMinEdged = 1.0 / 3;       // of the patches must have edges wh
 constexpr std::size_t kSecondLook =
     400000;  // pixels of the next finer copy up to which it is searched for another chart
 constexpr int kOutliers = 3;
+constexpr std::size_t kFewestPatches = 12;
 
 bool isMatch(const ChartPlacement& placement) {
     return placement.match.residual < kMaxResidual && placement.match.residual * kMinMargin < placement.rival;
@@ -56,6 +57,7 @@ public:
           placements_(layout, matcher_) {
         trace_.needed = (2 * static_cast<int>(layout.Count()) + 2) / 3;
         trace_.patches = static_cast<int>(layout.Count());
+        trace_.isByShape = layout.references.empty();
         trace_.isRoi = part.width != image.GetWidth() || part.height != image.GetHeight();
     }
 
@@ -73,7 +75,7 @@ public:
             const std::vector<FoundChart> charts = SearchPicture();
             if (!charts.empty()) return OneOf(charts);
         }
-        if (trace_.seen > 0 && !trace_.fitsTwice) LookBeyondTheRim();
+        if (trace_.seen > 0 && !trace_.fitsTwice && !layout_.references.empty()) LookBeyondTheRim();
         return Refused(trace_);
     }
 
@@ -113,19 +115,19 @@ private:
         sight.lattices = FindLattices(sight.patches, kMinNodes);
         if (sight.lattices.size() > kLattices) sight.lattices.resize(kLattices);
         trace_.flatPatches = std::max(trace_.flatPatches, static_cast<int>(sight.patches.size()));
+        const bool hasColors = !layout_.references.empty();
+        const auto placements = hasColors ? placements_.Search(copy, sight.patches, sight.lattices, false)
+                                          : placements_.SearchByShape(copy, sight.patches, sight.lattices);
         std::vector<FoundChart> charts;
-        for (const ChartPlacement& placement : placements_.Search(copy, sight.patches, sight.lattices, false)) {
+        for (const ChartPlacement& placement : placements) {
             if (placement.mostSeen > trace_.seen) {
                 trace_.seen = placement.mostSeen;
                 fullest_ = level;
             }
-            if (placement.match.residual >= kMaxResidual) continue;
-            if (isMatch(placement)) {
-                auto chart = Verify(placement, copy);
-                if (chart) charts.push_back(std::move(*chart));
-            } else {
-                trace_.fitsTwice = true;
-            }
+            const bool isCandidate = hasColors ? isMatch(placement) : !placement.centers.empty();
+            auto chart = isCandidate ? Verify(placement, copy) : std::nullopt;
+            if (chart) charts.push_back(std::move(*chart));
+            if (hasColors && !isCandidate && placement.match.residual < kMaxResidual) trace_.fitsTwice = true;
         }
         return charts;
     }
@@ -158,7 +160,14 @@ private:
         chart.seen = std::max(edged, placement.CountSeen());
         if (edged < kMinEdged * static_cast<double>(layout_.Count())) return std::nullopt;
         DescribeCorners(chart);
-        return JudgeColors(chart, samples, placement) ? std::optional(chart) : std::nullopt;
+        if (layout_.references.empty()) {
+            chart.found = true;
+            chart.isOriented = false;
+            chart.text = "the layout has no reference colors: which of the patches is the first is not known";
+        } else if (!JudgeColors(chart, samples, placement)) {
+            return std::nullopt;
+        }
+        return chart;
     }
 
     void DescribeCorners(FoundChart& chart) const {
@@ -275,6 +284,11 @@ FoundChart ChartFinder::Find(const CTivImage& image, const std::optional<ChartRo
             return refusal;
         }
         part = {roi->left, roi->top, static_cast<int>(width), static_cast<int>(height)};
+    }
+    if (layout_.Count() < kFewestPatches) {
+        refusal.text =
+            "a chart of fewer than " + std::to_string(kFewestPatches) + " patches cannot be told from other things";
+        return refusal;
     }
     if (!image.IsAllocated() || !HasToned(image.GetFormat())) {
         refusal.text = "the picture has no colors that can be measured";

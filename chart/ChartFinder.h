@@ -19,6 +19,8 @@
 /// picture itself, measured, and judged again. Nothing is taken on suspicion.
 class ChartFinder {
 public:
+    /// @param layout of at least 12 patches; without reference colors the chart is found by its shape alone and not
+    /// oriented
     explicit ChartFinder(ChartLayout layout = GetClassicLayout());
 
     /// @param image FormatRgb, FormatRgb10 or FormatRgb16; its own region plays no part

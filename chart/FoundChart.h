@@ -32,7 +32,8 @@ enum class FindRefusal {
 struct FoundChart {
     bool found = false;
     FindRefusal refusal = FindRefusal::NoPatches;
-    std::string text;  ///< one sentence for a person: what was seen and why it is not enough; empty where found
+    std::string text;  ///< one sentence for a person: what was seen and why it is not enough; where found, empty or
+                       ///< what is not known of it
     int seen = 0;      ///< patches of the best grid that were seen
 
     std::vector<FoundPatch> patches;    ///< in chart order, row by row; empty where not found
@@ -40,5 +41,8 @@ struct FoundChart {
                                         ///< lower left patch
     double rotation = 0;                ///< degrees, clockwise, of the row from the first patch, -180 to 180
     bool mirrored = false;              ///< seen as in a mirror
-    double confidence = 0;              ///< 0 to 1
+    /// 0 to 1: by how much less of the colors' spread the chart leaves unexplained in this orientation than in the next
+    /// best one (or a place beside it). Above 0.33 always. It judges the orientation, not how exactly the patches lie.
+    double confidence = 0;
+    bool isOriented = true;  ///< false: the layout has no colors; rows run to the right, confidence is 0
 };

@@ -7,6 +7,7 @@ namespace {
 
 constexpr int kMinSeen = 9;              // patches of the chart that must be nodes of the lattice
 constexpr double kShareOfMost = 0.5;     // of the patches in the place that holds most of them
+constexpr double kShareByShape = 0.9;    // of a chart without colors, that must be seen
 constexpr double kSampleReach = 0.2;     // of a step
 constexpr double kMargin = 0.3;          // of a step: so far inside the picture a patch's centre must lie
 constexpr double kWorthMatching = 0.75;  // a residual of a quick look above which nothing good comes
@@ -210,17 +211,53 @@ std::optional<ChartPlacement> PlacementSearch::SearchOn(const WorkingCopy& copy,
     if (places.empty()) return std::nullopt;
     std::stable_sort(looked.begin(), looked.end());
     ChartPlacement placement;
-    for (const Place& place : places) placement.mostSeen = std::max(placement.mostSeen, place.seen);
-    if (looked.empty()) return placement;
-    placement.map = looked[0].place.Apply(lattice.map);
-    placement.match = looked[0].match;
+    if (!looked.empty()) placement = ToPlacement(cells, lattice, looked[0]);
     if (looked.size() > 1) placement.rival = looked[1].match.residual;
+    for (const Place& place : places) placement.mostSeen = std::max(placement.mostSeen, place.seen);
+    return placement;
+}
+
+ChartPlacement PlacementSearch::ToPlacement(const Cells& cells, const PatchLattice& lattice,
+                                            const Looked& looked) const {
+    ChartPlacement placement;
+    placement.map = looked.place.Apply(lattice.map);
+    placement.match = looked.match;
     for (std::size_t i = 0; i < layout_.Count(); ++i) {
-        const Cells::Cell& cell = cells.At(looked[0].place, i);
+        const Cells::Cell& cell = cells.At(looked.place, i);
         placement.centers.push_back(cell.center);
         placement.seen.push_back(cell.isSeen);
     }
     return placement;
+}
+
+std::vector<ChartPlacement> PlacementSearch::SearchByShape(const WorkingCopy& copy, std::span<const FlatPatch> patches,
+                                                           std::span<const PatchLattice> lattices) const {
+    std::vector<ChartPlacement> placements;
+    for (const PatchLattice& lattice : lattices) {
+        const Cells cells(copy, patches, lattice, layout_);
+        std::optional<ChartPlacement> best;
+        double most = 0;
+        int mostSeen = 0;
+        for (const Place& place : ListPlaces(lattice)) {
+            mostSeen = std::max(mostSeen, place.seen);
+            const ChartPlacement placement = ToPlacement(cells, lattice, {place, {}});
+            const auto& c = placement.centers;
+            const auto columns = static_cast<std::size_t>(layout_.columns);
+            const ChartPoint row = {c[columns - 1].x - c[0].x, c[columns - 1].y - c[0].y};
+            const ChartPoint down = {c[c.size() - columns].x - c[0].x, c[c.size() - columns].y - c[0].y};
+            const double rightness = row.x / std::hypot(row.x, row.y);
+            const bool isAll = place.seen == static_cast<int>(lattice.nodes.size()) &&
+                               place.seen >= kShareByShape * static_cast<double>(layout_.Count());
+            if (!isAll || !cells.IsInside(place) || row.x * down.y - row.y * down.x <= 0) continue;
+            if (best && rightness <= most) continue;
+            most = rightness;
+            best = placement;
+        }
+        if (!best) best.emplace();  // nothing but how much was seen
+        best->mostSeen = mostSeen;
+        placements.push_back(std::move(*best));
+    }
+    return placements;
 }
 
 std::vector<ChartPlacement> PlacementSearch::Search(const WorkingCopy& copy, std::span<const FlatPatch> patches,

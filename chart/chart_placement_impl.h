@@ -33,6 +33,11 @@ public:
     std::vector<ChartPlacement> Search(const WorkingCopy& copy, std::span<const FlatPatch> patches,
                                        std::span<const PatchLattice> lattices, bool mayLeave) const;
 
+    /// For a layout without colors: each lattice that has just the layout's columns and rows, most of them seen, in the
+    /// orientation in which the picture reads best, rows to the right and downwards.
+    std::vector<ChartPlacement> SearchByShape(const WorkingCopy& copy, std::span<const FlatPatch> patches,
+                                              std::span<const PatchLattice> lattices) const;
+
 private:
     struct Place;
     struct Looked;
@@ -41,6 +46,7 @@ private:
     std::vector<Looked> LookAt(const Cells& cells, std::span<const Place> places) const;
     std::vector<Looked> MatchPartly(const Cells& cells, std::span<const Place> places) const;
     ColorMatch MatchAt(const Cells& cells, const Place& place, double exponent, int allowedOutliers) const;
+    ChartPlacement ToPlacement(const Cells& cells, const PatchLattice& lattice, const Looked& looked) const;
     std::optional<ChartPlacement> SearchOn(const WorkingCopy& copy, std::span<const FlatPatch> patches,
                                            const PatchLattice& lattice, bool mayLeave) const;
     const ChartLayout& layout_;

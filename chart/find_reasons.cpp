@@ -45,6 +45,9 @@ FoundChart Refused(const FindTrace& trace) {
         chart.refusal = FindRefusal::TooFew;
         chart.text = seenText(trace.seen) + "; of the chart's " + std::to_string(trace.patches) + " at least " +
                      std::to_string(trace.needed) + " are needed";
+    } else if (trace.isByShape) {
+        chart.refusal = FindRefusal::NoGrid;
+        chart.text = seenText(trace.seen) + ", but the grid is not just the layout's " + std::to_string(trace.patches);
     } else {
         chart.refusal = FindRefusal::NoOrientation;
         chart.text = seenText(trace.seen) + ", but " +
