@@ -4,16 +4,22 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <set>
 
+#include "calibration/execute_transform.h"
 #include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/engine.h"
 #include "cli/files.h"
+#include "cli/side_by_side.h"
+#include "cli/signals.h"
 
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr int kMostJobs = 1000;
 
 struct ApplyOptions {
     std::vector<std::string> inputs;
@@ -21,6 +27,7 @@ struct ApplyOptions {
     std::string coefficients;
     std::optional<float> gamma;
     std::string output;
+    int jobs = CountProcessors();
     std::optional<std::string> extension;  ///< with its dot; none: .bmp for a folder, the name's own for a file
 };
 
@@ -81,45 +88,80 @@ std::vector<Job> planJobs(const ApplyOptions& options) {
     return jobs;
 }
 
-void correct(CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job) {
+/// @param corrected of an earlier image; its memory serves again where the sizes agree
+void correct(const CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job, CTivImage& corrected) {
     if (!job.problem.empty()) throw WorkFailure(job.problem);
-    CTivImage image = LoadImage(job.input);
+    const CTivImage image = LoadImage(job.input);
     const bool isDeep = image.GetFormat() == CTivData::FormatRgb10 || image.GetFormat() == CTivData::FormatRgb16;
     if (isDeep && !options.coefficients.empty()) {
         throw WorkFailure(job.input +
                           ": a coefficient file does not say which depth it was made for, so it serves "
                           "FormatRgb images only; use the parameter file");
     }
-    CTivImage corrected;
-    Require([&] { return engine.Execute(image, corrected); }, job.input, "the correction failed");
+    const bool isAlike = corrected.GetWidth() == image.GetWidth() && corrected.GetHeight() == image.GetHeight() &&
+                         corrected.GetFormat() == image.GetFormat();
+    if (!isAlike) corrected.Free();
+    Require([&] { return ExecuteTransform(engine, *engine.GetTransform(), image, corrected); }, job.input,
+            "the correction failed");
     SaveImage(corrected, job.output, FindFileFormat(job.output));
 }
 
-/// How far the work is, on one line of a terminal that the next one writes over.
+/// How far the work is, on one line of a terminal that the next one writes over; and what went wrong, above it.
 class Progress {
 public:
     explicit Progress(std::size_t count) : count_(count), isShown_(count > 1 && ::isatty(STDERR_FILENO)) {}
-    void Show(std::size_t done, const std::string& name) const {
-        if (isShown_) std::cerr << "\r\033[K" << done << " of " << count_ << "  " << name << std::flush;
+    ~Progress() { Clear(); }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void TellDone(const std::string& name, const std::string& problem) {
+        const std::lock_guard lock(gate_);
+        if (!problem.empty()) {
+            Clear();
+            Tell(problem);
+        }
+        ++done_;
+        if (isShown_) std::cerr << "\r\033[K" << done_ << " of " << count_ << "  " << name << std::flush;
     }
+
+private:
     void Clear() const {
         if (isShown_) std::cerr << "\r\033[K" << std::flush;
     }
 
-private:
+    std::mutex gate_;
     std::size_t count_;
+    std::size_t done_ = 0;
     bool isShown_;
 };
 
-std::string tryToCorrect(CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job) {
+std::string tryToCorrect(const CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job,
+                         CTivImage& corrected) {
     try {
-        correct(engine, options, job);
+        correct(engine, options, job, corrected);
         return {};
     } catch (const std::bad_alloc&) {
         return job.input + ": not enough memory";
     } catch (const std::exception& failure) {
         return failure.what();
+    } catch (...) {
+        return job.input + ": unknown error";
     }
+}
+
+/// Corrects the images side by side. @return each one's problem, empty where it is done
+std::vector<std::string> correctAll(const CTivTonewrightDC& engine, const ApplyOptions& options,
+                                    const std::vector<Job>& jobs) {
+    std::vector<std::string> problems(jobs.size());
+    std::vector<CTivImage> corrected(std::min(jobs.size(), static_cast<std::size_t>(options.jobs)));
+    Progress progress(jobs.size());
+    SignalWatch::TakeRequests();
+    const std::size_t begun = DoSideBySide(jobs.size(), options.jobs, [&](std::size_t i, std::size_t worker) {
+        problems[i] = tryToCorrect(engine, options, jobs[i], corrected[worker]);
+        progress.TellDone(jobs[i].input, problems[i]);
+    });
+    for (std::size_t i = begun; i < jobs.size(); ++i) problems[i] = jobs[i].input + ": not begun, since the call ended";
+    return problems;
 }
 
 Outcome applyTo(const ApplyOptions& options) {
@@ -136,23 +178,23 @@ Outcome applyTo(const ApplyOptions& options) {
         fs::create_directories(options.output, error);
         if (!fs::is_directory(options.output, error)) throw WorkFailure(options.output + ": cannot make the folder");
     }
-    Outcome outcome{Json::array()};
     const std::vector<Job> jobs = planJobs(options);
-    const Progress progress(jobs.size());
-    for (const Job& job : jobs) {
-        progress.Show(outcome.document.size(), job.input);
-        const std::string problem = tryToCorrect(engine, options, job);
-        const bool isDone = problem.empty();
-        if (!isDone) {
-            progress.Clear();
-            Tell(problem);
-            outcome.status = kWorkFailed;
-        }
-        outcome.document.push_back(
-            {{"input", job.input}, {"output", job.output}, {"ok", isDone}, {"error", isDone ? Json() : Json(problem)}});
+    const std::vector<std::string> problems = correctAll(engine, options, jobs);
+    Outcome outcome{Json::array()};
+    for (std::size_t i = 0; i < jobs.size(); ++i) {
+        const bool isDone = problems[i].empty();
+        if (!isDone) outcome.status = kWorkFailed;
+        outcome.document.push_back({{"input", jobs[i].input},
+                                    {"output", jobs[i].output},
+                                    {"ok", isDone},
+                                    {"error", isDone ? Json() : Json(problems[i])}});
     }
-    progress.Clear();
     return outcome;
+}
+
+std::optional<int> parseJobs(const std::string& text) {
+    const auto jobs = ParseInteger(text);
+    return jobs && *jobs >= 1 && *jobs <= kMostJobs ? jobs : std::nullopt;
 }
 
 void check(const ApplyOptions& options) {
@@ -172,7 +214,7 @@ void AddApplyCommand(CLI::App& tool, Work& work) {
     command->add_option("INPUT", options->inputs, "The images to correct")->required();
     command->add_option("--parameters", options->parameters, "The calibration, for images of any depth")
         ->type_name("FILE.twkp");
-    command->add_option("--coefficients", options->coefficients, "A transform of 7 or 10 terms, for 8-bit images")
+    command->add_option("--coefficients", options->coefficients, "A transform, for 8-bit images")
         ->type_name("FILE.ccor");
     AddParsed(*command, "--gamma", options->gamma, ParseGamma, "a decimal above 0",
               "Gamma of the output with --coefficients (default: 0.45)")
@@ -183,6 +225,9 @@ void AddApplyCommand(CLI::App& tool, Work& work) {
     AddParsed(*command, "--type", options->extension, parseType, "bmp, tif or zvk",
               "What kind of files goes into a folder (default: bmp)")
         ->type_name("bmp|tif|zvk");
+    AddParsed(*command, "--jobs", options->jobs, parseJobs, "a number from 1 to " + std::to_string(kMostJobs),
+              "How many images are worked on at a time (default: the number of processors)")
+        ->type_name("N");
     command->callback([options, &work] {
         check(*options);
         work = [options] { return applyTo(*options); };

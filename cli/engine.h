@@ -10,8 +10,8 @@
 /// Loads a parameter file, which reruns its calibration. @throw WorkFailure
 void LoadParameters(CTivTonewrightDC& engine, const std::string& path);
 
-/// Loads the transform of a coefficient file for FormatRgb images.
-/// @throw WorkFailure also for a transform of 4 terms, which the file's color twist would have to come with
+/// Loads the transform of a coefficient file for FormatRgb images, with the file's saturation or that of full scale.
+/// Only ExecuteTransform runs a transform of 4 terms with the color twist that belongs to it. @throw WorkFailure
 void LoadCoefficients(CTivTonewrightDC& engine, const std::string& path);
 
 /// Three rows of numbers.

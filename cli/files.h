@@ -1,8 +1,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "foundation/CTivImage.h"
+#include "foundation/nur_report.h"
 
 /// What a file is, by its first bytes.
 enum class FileKind { Unknown, Bmp, Tiff, Png, Crc, NativeImage, NativeVector, Parameters, Coefficients };
@@ -50,6 +52,20 @@ void Require(Call&& call, const std::string& subject, const std::string& otherwi
 
 /// Has the library report to Require; once, after its start.
 void ListenToLibrary();
+
+/// Lets a thread of the tool's own call the library: while this lives, what the library reports in the thread goes to
+/// the thread's own Require alone. All other threads report to one place.
+class LibraryThread {
+public:
+    LibraryThread();
+    LibraryThread(const LibraryThread&) = delete;
+    LibraryThread& operator=(const LibraryThread&) = delete;
+    ~LibraryThread();
+
+private:
+    NurReportingThread registered_;
+    std::vector<std::string> texts_;
+};
 
 void ForgetLibraryTexts();
 [[noreturn]] void FailWithLibraryTexts(const std::string& subject, const std::string& otherwise);

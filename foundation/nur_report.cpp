@@ -6,16 +6,15 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <list>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 #include "foundation/nur_report_impl.h"
 
 namespace {
 
 constexpr std::size_t kMessageBytes = 1024;
-constexpr std::size_t kFirstThreads = 8;
 constexpr std::size_t kExitHooks = 64;
 
 struct CTivOpStatus {
@@ -38,8 +37,8 @@ constexpr CodeText kCodeTexts[] = {
 
 using ReportCallback = void (*)(const char*);
 std::atomic<ReportCallback> reportCallback{nullptr};  // a thread that was left behind may report while the library ends
-std::vector<CTivOpStatus> threads;
-std::mutex threadsGate;  // ready before any static initialiser runs
+std::list<CTivOpStatus> threads;                      // whose records stay where they are while others come and go
+std::mutex threadsGate;                               // ready before any static initialiser runs
 void (*exitHooks[kExitHooks])() = {};
 
 std::uint32_t currentThread() { return static_cast<std::uint32_t>(::gettid()); }
@@ -58,6 +57,11 @@ const char* codeText(int code) {
         if (row.code == code) return row.text;
     }
     return "";
+}
+
+void addThread() {
+    const std::lock_guard guard(threadsGate);
+    threads.push_back({currentThread(), std::make_unique<char[]>(kMessageBytes)});
 }
 
 // Finds the record to write to and tells the callback where there is none.
@@ -130,9 +134,14 @@ const char* nur_thread_message() {
 
 void nur_init(void (*callback)(const char*)) {
     reportCallback = callback;
+    addThread();
+}
+
+NurReportingThread::NurReportingThread() { addThread(); }
+
+NurReportingThread::~NurReportingThread() {
     const std::lock_guard guard(threadsGate);
-    threads.reserve(kFirstThreads);
-    threads.push_back({currentThread(), std::make_unique<char[]>(kMessageBytes)});
+    threads.remove_if([id = currentThread()](const CTivOpStatus& record) { return record.threadId == id; });
 }
 
 void nur_close() {

@@ -24,6 +24,16 @@ int nur_report(int level, int code, ...);
 /// Starts the channel with the function that gets each finished text, registers the calling thread.
 void nur_init(void (*callback)(const char* text));
 
+/// Registers a further thread, so that its failures are told in their own words: a thread that is not registered
+/// reports "Thread not registered with CTivOpStatus\n" alone. While it lives; for the thread that makes it.
+class NurReportingThread {
+public:
+    NurReportingThread();
+    NurReportingThread(const NurReportingThread&) = delete;
+    NurReportingThread& operator=(const NurReportingThread&) = delete;
+    ~NurReportingThread();
+};
+
 /// Runs and clears the exit hooks (at most 64), forgets threads and callback.
 void nur_close();
 
