@@ -97,14 +97,23 @@ TONEWRIGHT_BODY std::uint32_t Rounded(std::uint32_t value, const PixelDepth& dep
 
 // The order is the compiler's to know, which then loads whole vectors.
 template <std::size_t step, bool redFirst>
-void Pack(const std::uint16_t* __restrict words, std::uint32_t* __restrict pixels, std::size_t count,
-          const PixelDepth& depth) {
+TONEWRIGHT_BODY void Pack(const std::uint16_t* __restrict words, std::uint32_t* __restrict pixels, std::size_t count,
+                          const PixelDepth& depth) {
     const PixelDepth itsDepth = depth;
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint32_t red = Rounded(words[step * i + (redFirst ? 0 : 2)], itsDepth);
         const std::uint32_t green = Rounded(words[step * i + 1], itsDepth);
         const std::uint32_t blue = Rounded(words[step * i + (redFirst ? 2 : 0)], itsDepth);
         pixels[i] = red << 2 * itsDepth.bits | green << itsDepth.bits | blue;
+    }
+}
+
+TONEWRIGHT_BODY void PackAny(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count,
+                             const ChannelOrder& order, const PixelDepth& depth) {
+    if (order.step == 3) {
+        order.redFirst ? Pack<3, true>(words, pixels, count, depth) : Pack<3, false>(words, pixels, count, depth);
+    } else {
+        order.redFirst ? Pack<4, true>(words, pixels, count, depth) : Pack<4, false>(words, pixels, count, depth);
     }
 }
 
@@ -151,13 +160,18 @@ void RoundToBytes(const std::uint16_t* words, std::uint8_t* bytes, std::size_t c
     for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<std::uint8_t>(Rounded(words[i], depth));
 }
 
+void PackPixelsPlain(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count, const ChannelOrder& order,
+                     const PixelDepth& depth) {
+    PackAny(words, pixels, count, order, depth);
+}
+TONEWRIGHT_WIDE void PackPixelsWide(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count,
+                                    const ChannelOrder& order, const PixelDepth& depth) {
+    PackAny(words, pixels, count, order, depth);
+}
+
 void PackPixels(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count, const ChannelOrder& order,
                 const PixelDepth& depth) {
-    if (order.step == 3) {
-        order.redFirst ? Pack<3, true>(words, pixels, count, depth) : Pack<3, false>(words, pixels, count, depth);
-    } else {
-        order.redFirst ? Pack<4, true>(words, pixels, count, depth) : Pack<4, false>(words, pixels, count, depth);
-    }
+    (RunsWide() ? PackPixelsWide : PackPixelsPlain)(words, pixels, count, order, depth);
 }
 
 void PackLumaChroma(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count, bool lumaFirst) {

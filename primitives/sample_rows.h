@@ -44,6 +44,11 @@ struct ChannelOrder {
 /// Makes pixels of interleaved channels.
 void PackPixels(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count, const ChannelOrder& order,
                 const PixelDepth& depth);
+// Its two forms give the same; the wide one needs AVX2.
+void PackPixelsPlain(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count, const ChannelOrder& order,
+                     const PixelDepth& depth);
+void PackPixelsWide(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count, const ChannelOrder& order,
+                    const PixelDepth& depth);
 
 /// Makes FormatRgb pixels of luma and two chroma samples that neighbours share (ITU-R BT.601, all 256 levels in use,
 /// chroma around 128). The last pixel of an odd row has its first chroma sample only, and shares the second with the

