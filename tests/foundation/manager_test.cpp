@@ -55,6 +55,23 @@ TEST(ErrorChannel, OnlyTheThreadThatStartedTheLibraryHasAText) {
     EXPECT_EQ(LastError(), "mine");
 }
 
+TEST(ErrorChannel, AFurtherThreadHasATextOfItsOwnWhileItIsRegistered) {
+    CTivManager::ReportError("mine");
+    std::string text;
+    const char* later = "unset";
+    std::thread([&] {
+        {
+            const NurReportingThread registered;
+            CTivManager::ReportError("theirs");
+            text = LastError();
+        }
+        later = CTivManager::GetLastErrorText();
+    }).join();
+    EXPECT_EQ(text, "theirs");
+    EXPECT_EQ(later, nullptr);
+    EXPECT_EQ(LastError(), "mine");
+}
+
 TEST(ErrorChannel, ModesShowThrowCallOrKeepSilent) {
     std::string shown;
     nur_set_message_box([&](const std::string& title, const std::string& text) { shown += title + "|" + text + ";"; });
