@@ -21,6 +21,9 @@ constexpr const char* kOwnSelection = "RGBtoRGB";
 constexpr const char* kEntries[] = {"Offset0", "Gain00", "Gain01",  "Gain02", "Offset1", "Gain10",
                                     "Gain11",  "Gain12", "Offset2", "Gain20", "Gain21",  "Gain22"};
 constexpr std::size_t kCount = std::size(kEntries);
+// Steps that a camera may have without saying so.
+constexpr double kLongestGainStep = 1.0 / 16;
+constexpr double kLongestOffsetStep = 4;  // counts
 constexpr bool isOffset(std::size_t i) { return i % 4 == 0; }
 
 using Values = std::array<double, kCount>;  // as the camera counts them
@@ -100,11 +103,26 @@ public:
 private:
     void Compare(std::size_t i, double wanted) const {
         const double value = Get(i);
-        const double step = features_.GetRange(kValue).step;
-        const double allowed = step * (1 + 1e-6) + std::fabs(wanted) * std::numeric_limits<float>::epsilon();
-        if (std::fabs(value - wanted) <= allowed) return;
+        const double noise = std::fabs(wanted) * std::numeric_limits<float>::epsilon();
+        if (std::fabs(value - wanted) <= noise) return;
+        const ZvnFeatures::Range range = features_.GetRange(kValue);
+        const double step = range.step > 0 ? range.step : FindStep(value, wanted, range, isOffset(i));
+        if (std::fabs(value - wanted) <= step * (1 + 1e-6) + noise) return;
         throw ZvnFeatureFailure(std::string(kEntries[i]) + " was set to " + toText(wanted) + " and reads " +
                                 toText(value));
+    }
+
+    /// Asks a camera that rounds without saying its step for the next value that it holds beyond the wanted one.
+    /// @return how far that is, 0 where none is near: then the camera does not follow what is written
+    double FindStep(double value, double wanted, const ZvnFeatures::Range& range, bool offset) const {
+        const double most = offset ? kLongestOffsetStep : kLongestGainStep;
+        double step = 0;
+        for (double reach = 2 * (wanted - value); step == 0 && std::fabs(reach) <= 2 * most; reach *= 2) {
+            features_.SetNumber(kValue, std::clamp(value + reach, range.min, range.max));
+            step = std::fabs(features_.GetNumber(kValue) - value);
+        }
+        features_.SetNumber(kValue, wanted);
+        return step <= most && features_.GetNumber(kValue) == value ? step : 0;
     }
 
     ZvnFeatures& features_;

@@ -25,7 +25,8 @@ ZvnColorMatrix ReadZvnColorFeatures(ZvnFeatures& features, double fullScale);
 
 /// Writes a transform and puts it in force: switches the transformation off, writes, reads all back, and switches it
 /// on, so that a camera that is lost in between never works with half of two transforms. What is read back may differ
-/// by the feature's step. Where anything fails, what was there before is put back.
+/// by the feature's step, which a camera that rounds without saying it is asked for while it is off. Where anything
+/// fails, what was there before is put back.
 /// @throw ZvnFeatureFailure, with nothing written for a number that is none, for one outside the camera's range and for
 ///        an offset where the camera takes none; the text of any other says what has become of the earlier transform
 void WriteZvnColorFeatures(ZvnFeatures& features, double fullScale, const ZvnColorMatrix& matrix);

@@ -34,6 +34,8 @@ public:
 
     State state;
     double step = 0;
+    bool saysStep = true;
+    double most = 64;  ///< what is above becomes this
     double range = 64;
     bool takesNumbers = true;
     int calls = 0;       ///< so far
@@ -60,9 +62,10 @@ public:
     double GetNumber(const std::string&) override { return Number(); }
     void SetNumber(const std::string&, double value) override {
         double& number = Number();
+        value = std::fmin(value, most);
         if (takesNumbers) number = step > 0 ? std::floor(value / step) * step : static_cast<float>(value);
     }
-    Range GetRange(const std::string&) override { return {-range, range, step}; }
+    Range GetRange(const std::string&) override { return {-range, range, saysStep ? step : 0}; }
 
 private:
     void Count() {
@@ -138,6 +141,18 @@ TEST(ColorFeatures, ReadingBackAllowsTheFeaturesStepAndNoMore) {
     camera.step = 1 / 256.0;
     EXPECT_EQ(write(camera), "");
     EXPECT_NEAR(camera.state.values["Gain10"], 0.1, 1 / 256.0);
+    for (const double step : {1 / 256.0, 1 / 16.0, 1 / 8.0}) {  // steps up to a sixteenth need not be told
+        MemoryCamera silent;
+        silent.step = step;
+        silent.saysStep = false;
+        const bool isTaken = step <= 1 / 16.0;
+        const double before = silent.state.values["Gain10"];
+        EXPECT_EQ(write(silent).empty(), isTaken) << step;
+        EXPECT_EQ(silent.state.values["Gain10"], isTaken ? std::floor(0.1 / step) * step : before);
+    }
+    MemoryCamera clipping;
+    clipping.most = 1.4375;  // below the 1.5 of Gain00
+    EXPECT_THAT(write(clipping), testing::StartsWith("Gain00 was set to 1.5 and reads 1.4375; "));
     camera.takesNumbers = false;
     const MemoryCamera::State before = camera.state;
     ZvnColorMatrix other = kMatrix;
