@@ -1,4 +1,6 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
 #include <memory>
 
 #include "calibration/CTivTonewrightDC.h"
@@ -189,12 +191,22 @@ void describeFit(Json& document, const Calibration& calibration, const Calibrate
     document["transform"] = TransformRows(calibration.transform, engine.GetXformSize());
 }
 
+/// One line for a person: how good what is delivered is.
+void tellDelivered(const DifferenceSummary& delivered) {
+    if (delivered.patches.empty()) return;
+    const auto worst = std::max_element(delivered.patches.begin(), delivered.patches.end());
+    const auto index = static_cast<std::size_t>(worst - delivered.patches.begin());
+    std::cerr << "delivered: mean " << ToText(delivered.mean, 1) << ", worst " << ToText(*worst, 1) << " (patch "
+              << PatchWord(index, delivered.patches.size()) << ")\n";
+}
+
 Outcome calibrate(const CalibrateOptions& options) {
     ChartReading reading = ReadChart(loadPicture(options), options.chart.image, options.chart.roi, options.chart.chart);
     Calibration calibration;
     prepare(calibration, options, reading);
     fit(calibration, options, reading);
     TellFindings(calibration.findings);
+    tellDelivered(calibration.quality.delivered.deltaE00);
     Json document = DescribeReading(options.chart, reading, calibration.findings);
     describeFit(document, calibration, options);
 

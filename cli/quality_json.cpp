@@ -1,7 +1,11 @@
 #include "cli/quality_json.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <iostream>
+
+#include "chart/patch_names.h"
 
 namespace {
 
@@ -50,6 +54,17 @@ void TellFindings(const std::vector<Finding>& findings) {
         if (finding.severity == Severity::Note) continue;
         std::cerr << GetSeverityName(finding.severity) << ": " << finding.text << '\n';
     }
+}
+
+std::string ToText(double value, int decimals) {
+    if (!std::isfinite(value)) return "no number";
+    char text[400];
+    return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr};
+}
+
+std::string PatchWord(std::size_t index, std::size_t count) {
+    const std::string number = std::to_string(index + 1);
+    return count == kPatchNames.size() ? number + " " + kPatchNames[index] : number;
 }
 
 bool HasWarning(const std::vector<Finding>& findings) {

@@ -18,5 +18,11 @@ Json Describe(const std::vector<Finding>& findings);
 /// Writes warnings and errors to standard error, a line each.
 void TellFindings(const std::vector<Finding>& findings);
 
+/// "12.3" with `decimals` digits behind the point, whatever the locale; "no number" for what is none.
+std::string ToText(double value, int decimals);
+
+/// "7 Orange" of a chart of 24 patches, "7" of another. @param index from 0
+std::string PatchWord(std::size_t index, std::size_t count);
+
 /// Whether one of them is a warning or worse.
 bool HasWarning(const std::vector<Finding>& findings);

@@ -5,7 +5,6 @@
 #include "calibration/calibrate_at_depth.h"
 #include "calibration/execute_transform.h"
 #include "calibration/fit_transform.h"
-#include "chart/patch_names.h"
 #include "cli/arguments.h"
 #include "cli/chart_reading.h"
 #include "cli/command.h"
@@ -101,26 +100,20 @@ bool isWithin(double difference, const std::optional<float>& limit) {
     return !limit || difference <= static_cast<double>(*limit);
 }
 
-std::string toText(double value) {
-    std::string text = Json(std::round(value * 100) / 100).dump();
-    return text;
-}
-
 /// Tells which limits are broken. @return whether none is
 bool checkLimits(const VerifyOptions& options, const DifferenceSummary& delivered) {
     const bool isMeanKept = isWithin(delivered.mean, options.maxMean);
     if (!isMeanKept) {
-        Tell(options.chart.image + ": the mean difference is " + toText(delivered.mean) + ", above the limit of " +
-             toText(static_cast<double>(*options.maxMean)));
+        Tell(options.chart.image + ": the mean difference is " + ToText(delivered.mean, 2) + ", above the limit of " +
+             ToText(static_cast<double>(*options.maxMean), 2));
     }
     bool isEachKept = true;
     for (std::size_t i = 0; i < delivered.patches.size(); ++i) {
         if (isWithin(delivered.patches[i], options.maxPatch)) continue;
         isEachKept = false;
-        const bool isNamed = delivered.patches.size() == kPatchNames.size();
-        Tell(options.chart.image + ": patch " + std::to_string(i + 1) +
-             (isNamed ? std::string(" ") + kPatchNames[i] : "") + " differs by " + toText(delivered.patches[i]) +
-             ", above the limit of " + toText(static_cast<double>(*options.maxPatch)));
+        Tell(options.chart.image + ": patch " + PatchWord(i, delivered.patches.size()) + " differs by " +
+             ToText(delivered.patches[i], 2) + ", above the limit of " +
+             ToText(static_cast<double>(*options.maxPatch), 2));
     }
     return isMeanKept && isEachKept;
 }

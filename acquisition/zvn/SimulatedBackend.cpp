@@ -28,10 +28,12 @@ bool pause(milliseconds time, const std::stop_token& stop) {
     return !stop.stop_requested();
 }
 
-/// The files of a folder in alphabetical order. @param extension in lower case with its dot; empty for all
+/// The files of a folder in alphabetical order; of a file, itself. @param extension in lower case with its dot; empty
+/// for all
 std::vector<fs::path> listFiles(const fs::path& folder, const std::string& extension) {
     std::vector<fs::path> files;
     std::error_code error;
+    if (fs::is_regular_file(folder, error)) return {folder};
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
         std::string itsExtension = entry->path().extension().string();
         std::ranges::transform(itsExtension, itsExtension.begin(), [](unsigned char c) { return std::tolower(c); });

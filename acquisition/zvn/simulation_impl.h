@@ -29,7 +29,7 @@ struct SimulatedServer {
     ZvnResourceType type = kZvnAcqDevice;
     bool isCameraLink = false;
     ZvnFrameFormat frame;            ///< width and height 0: those of the first picture
-    std::filesystem::path pictures;  ///< folder of what it delivers, empty for a ramp
+    std::filesystem::path pictures;  ///< folder of what it delivers, or one file; empty for a ramp
     std::filesystem::path files;     ///< folder of its device files, empty for none
     int noise = 0;                   ///< largest deviation of a channel, 0 to 255
     int delayMs = 0;                 ///< from asking to a frame

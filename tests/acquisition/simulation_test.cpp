@@ -115,7 +115,7 @@ TEST(SampleSimulation, AFrameGrabberAndACameraDeliverTheSampleChart) {
         kinds.push_back(recorded.session.GetDeviceKind());
         recorded.session.Snap();
         EXPECT_EQ(recorded.WaitForFrames(1).size(), 1u);
-        EXPECT_EQ(recorded.session.GetImage(-1)->GetWidth(), 922);
+        EXPECT_EQ(recorded.session.GetImage(-1)->GetWidth(), 608);
         EXPECT_EQ(recorded.session.GetImage(-1)->GetFormat(), CTivData::FormatRgb);
         EXPECT_TRUE(recorded.session.TransferFile(simulation.Path("backup.ccor").c_str(), false)) << LastError();
         EXPECT_EQ(simulation.Read("backup.ccor").size(), 132u);

@@ -40,6 +40,18 @@ TEST_F(Quality, StandsBesideTheBareMatrix) {
     EXPECT_EQ(document["patches"][0]["center"], (json{29.0, 29.0}));
 }
 
+TEST_F(Quality, TheSampleIsFoundWholeAndCalibratesWell) {
+    const ToolRun run = RunTool({"calibrate", kLinearSample, "--illuminant", "D65", "--terms", "7", "--strict"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const json delivered = run.Document()["quality"]["delivered"]["deltaE00"];
+    EXPECT_LT(delivered["mean"], 3.5);
+    EXPECT_THAT(run.err, testing::MatchesRegex(
+                             "delivered: mean [0-9]\\.[0-9], worst [0-9]\\.[0-9] \\(patch [0-9]+ [A-Za-z ]+\\)\n"));
+    const ToolRun coded = RunTool({"detect", kSample, "--roi", kSampleRoi, "--strict"});
+    EXPECT_EQ(coded.status, 1);
+    EXPECT_EQ(codes(coded.Document()), std::vector<std::string>{"coded"});
+}
+
 TEST_F(Quality, AutomaticTermsAreThoseOfTheLeastUnseenDifference) {
     for (const char* fit : {"least-squares", "perceptual"}) {
         const json automatic =
@@ -80,7 +92,7 @@ TEST_F(Quality, FindingsAreToldAndStopAStrictCall) {
     EXPECT_EQ(codes(lenient.Document()), std::vector<std::string>{"clipped"});
     EXPECT_EQ(lenient.Document()["findings"][0]["patches"], json{19});
     EXPECT_EQ(lenient.Document()["findings"][0]["severity"], "warning");
-    EXPECT_THAT(lenient.err, HasSubstr("\nwarning: Patch 19 is at full scale"));
+    EXPECT_THAT(lenient.err, HasSubstr("warning: Patch 19 is at full scale"));
     for (const char* command : {"detect", "calibrate"}) {
         std::vector<std::string> line = {command, path, "--strict"};
         if (line[0] == "calibrate") line.insert(line.end(), {"--illuminant", "D65", "--corrected", Path("i.bmp")});

@@ -54,5 +54,8 @@ private:
 /// Puts a little-endian integer over a file's bytes.
 std::string WithU32(std::string bytes, std::size_t offset, std::uint32_t value);
 
-inline const std::string kSample = sampleFile("Tonewright/Images/chart.bmp");
+/// The sample's photograph as it was, coded for a screen, and where its chart lies.
+inline const std::string kSample = sampleFile("Tonewright/Images/chart-coded.bmp");
 inline const std::string kSampleRoi = "154,100,738,506";
+/// The sample itself: as a linear camera would deliver it, filled by the chart.
+inline const std::string kLinearSample = sampleFile("Tonewright/Images/chart.bmp");

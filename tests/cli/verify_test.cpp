@@ -56,7 +56,7 @@ TEST_F(Verify, AnotherShotKeepsTheLimitsOrBreaksThem) {
         const ToolRun broken = RunTool(arguments);
         EXPECT_EQ(broken.status, 3);
         EXPECT_EQ(broken.Document()["passed"], false);
-        EXPECT_THAT(broken.err, HasSubstr("above the limit of " + limit[1]));
+        EXPECT_THAT(broken.err, HasSubstr("above the limit of " + limit[1] + ".00"));
     }
     EXPECT_EQ(RunTool({"verify", darker, "--parameters", Path("p.twkp"), "--max-mean", "40"}).status, 0);
     EXPECT_EQ(RunTool({"verify", darker, "--parameters", Path("p.twkp")}).status, 0) << "without limits none is broken";

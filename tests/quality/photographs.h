@@ -29,7 +29,7 @@ inline CTivImage LoadPhotograph(const Photograph& photograph) {
     const std::string name = photograph.name;
     CTivImage image;
     EXPECT_TRUE(image.Load(
-        name == "studio" ? sampleFile("Tonewright/Images/chart.bmp") : testData("charts/" + name + ".png"), true))
+        name == "studio" ? sampleFile("Tonewright/Images/chart-coded.bmp") : testData("charts/" + name + ".png"), true))
         << LastError();
     return image;
 }
