@@ -1,5 +1,6 @@
 #include "app/CTonewrightApp.h"
 
+#include <QFileInfo>
 #include <QScreen>
 #include <clocale>
 #include <cstdio>
@@ -9,6 +10,8 @@
 #include "app/HelpFile.h"
 #include "app/StringTable.h"
 #include "app/toolkit/Prompts.h"
+#include "app/workflow/FileSteps.h"
+#include "app/workflow/Workflow.h"
 #include "foundation/CTivManager.h"
 #include "foundation/nur_report.h"
 
@@ -37,6 +40,14 @@ bool CTonewrightApp::InitInstance() {
         m_mainFrame->move(free.center() - QRect(QPoint(0, 0), m_mainFrame->size()).center());
     }
     m_mainFrame->show();
+    if (const QStringList words = arguments(); words.size() > 1) {
+        // Once the window is up: a file that does not fit may ask.
+        const auto open = [this, path = QFileInfo(words[1]).absoluteFilePath()] {
+            m_mainFrame->GetWorkflow().Get<FileSteps>().OpenStartFile(path);
+            m_mainFrame->UpdateCommands();
+        };
+        QMetaObject::invokeMethod(m_mainFrame.get(), open, Qt::QueuedConnection);
+    }
     return true;
 }
 

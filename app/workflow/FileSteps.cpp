@@ -35,6 +35,14 @@ void FileSteps::OpenDroppedFile(const QString& path) {
     }
 }
 
+void FileSteps::OpenStartFile(const QString& path) {
+    if (path.endsWith(QLatin1String(".ccor"))) {
+        LoadCoefficientFile(path);
+    } else {
+        OpenDroppedFile(path);
+    }
+}
+
 void FileSteps::OnLoadParameters() {
     const auto choice = GetPrompts().OpenFile(
         {GetProfile().ReadString(kParameterSection, kName, DefaultPath(m_work.baseDir, kParameters, "*.twkp")),
@@ -62,15 +70,18 @@ void FileSteps::OnLoadCoefficients() {
          kCoefficientFilters,
          1,
          {}});
-    if (!choice) return;
-    if (!m_work.engine.LoadXForm(choice->path.toStdString())) {
-        m_work.news.Log(QString("%1 (%2)").arg(QString::fromStdString(CTivManager::GetLastErrorString()), choice->path),
+    if (choice) LoadCoefficientFile(choice->path);
+}
+
+void FileSteps::LoadCoefficientFile(const QString& path) {
+    if (!m_work.engine.LoadXForm(path.toStdString())) {
+        m_work.news.Log(QString("%1 (%2)").arg(QString::fromStdString(CTivManager::GetLastErrorString()), path),
                         LogError);
         return;
     }
-    m_work.news.Log(QString("%1 was loaded successfully").arg(choice->path), LogInformation);
-    m_work.coefficientFile = choice->path;
-    GetProfile().WriteString(kCoefficientSection, kName, choice->path);
+    m_work.news.Log(QString("%1 was loaded successfully").arg(path), LogInformation);
+    m_work.coefficientFile = path;
+    GetProfile().WriteString(kCoefficientSection, kName, path);
 }
 
 void FileSteps::OnSaveCoefficients() {

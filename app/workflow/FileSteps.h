@@ -18,6 +18,8 @@ public:
     /// Takes a file by what its path holds. Unlike the command, a drop also loads into the calibrated view where that
     /// is the selected one.
     void OpenDroppedFile(const QString& path);
+    /// Takes the file that the program was started with: as a drop does, and coefficients as their command does.
+    void OpenStartFile(const QString& path);
 
     void OnLoadParameters();
     void OnSaveParameters();
@@ -25,6 +27,8 @@ public:
     void OnSaveCoefficients();
 
 private:
+    void LoadCoefficientFile(const QString& path);
+
     WorkflowContext& m_work;
     PictureSteps& m_pictures;
     CalibrationSteps& m_calibration;

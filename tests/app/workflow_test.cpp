@@ -303,6 +303,18 @@ TEST_F(WorkflowSteps, DropGoesByWhatThePathHolds) {
     EXPECT_EQ(values.loaded, "values.csv");
 }
 
+TEST_F(WorkflowSteps, TheFileOfTheStartOpensAsADropDoesAndCoefficientsAsTheirCommandDoes) {
+    LoadChart();
+    prompts.path = Path("kept.ccor");
+    Files().OnSaveCoefficients();
+    Begin();
+    Files().OpenStartFile(Path("kept.ccor"));
+    EXPECT_EQ(log, (Rows{{Path("kept.ccor").toStdString() + " was loaded successfully", LogInformation}}));
+    EXPECT_EQ(State().coefficientFile, Path("kept.ccor"));
+    Files().OpenStartFile(Path("no extension"));
+    EXPECT_EQ(log.back(), (LogRow{"File signature not recognized.", LogWarning}));
+}
+
 TEST_F(WorkflowSteps, NoHardwareIsToldWhenTheUserAsks) {
     Devices().OnConfigure();
     EXPECT_EQ(log, (Rows{{"Configure => no acquisition device found", LogError}}));
