@@ -6,6 +6,7 @@ packages=(g++ cmake ninja-build pkg-config libpng-dev libtiff-dev liblcms2-dev l
           qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins libgl1-mesa-dev libaravis-dev libglib2.0-dev fonts-dejavu-core)
 case "${1:-}" in
   test) packages+=(libgtest-dev libgmock-dev aravis-tools) ;;
+  package) packages+=(dpkg-dev file gzip lintian desktop-file-utils appstream) ;;
   docs) packages=(doxygen) ;;
   ci) packages+=(libgtest-dev libgmock-dev aravis-tools git ccache clang-format clang-tidy-14 clang-14 libclang-rt-14-dev
                  libomp-14-dev zlib1g-dev libbenchmark-dev) ;;

@@ -33,7 +33,7 @@ if(TONEWRIGHT_SANITIZE)
     $<BUILD_INTERFACE:-fsanitize=address,undefined;-fno-sanitize-recover=all;-fno-omit-frame-pointer>)
   target_link_options(tonewright_options INTERFACE $<BUILD_INTERFACE:-fsanitize=address,undefined>)
 endif()
-install(TARGETS tonewright_options EXPORT TonewrightTargets)
+install(TARGETS tonewright_options EXPORT TonewrightTargets COMPONENT dev)
 
 # tonewright_library(<folder> [USES <folder>...] [LINKS <library>...])
 # Every .cpp of the folder becomes the library tonewright_<folder>, exported as Tonewright::<folder>.
@@ -56,20 +56,21 @@ function(tonewright_library name)
     target_link_libraries(tonewright_${name} PUBLIC Tonewright::${used})
   endforeach()
   target_link_libraries(tonewright_${name} PRIVATE ${ARG_LINKS})
-  install(TARGETS tonewright_${name} EXPORT TonewrightTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(TARGETS tonewright_${name} EXPORT TonewrightTargets
+          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
   install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tonewright/${name}
-          FILES_MATCHING PATTERN "*.h" PATTERN "*_impl.h" EXCLUDE)
+          COMPONENT dev FILES_MATCHING PATTERN "*.h" PATTERN "*_impl.h" EXCLUDE)
 endfunction()
 
 function(tonewright_install_package)
   set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Tonewright)
-  install(EXPORT TonewrightTargets NAMESPACE Tonewright:: DESTINATION ${package_dir})
+  install(EXPORT TonewrightTargets NAMESPACE Tonewright:: DESTINATION ${package_dir} COMPONENT dev)
   configure_package_config_file(${PROJECT_SOURCE_DIR}/tools/cmake/TonewrightConfig.cmake.in
     ${PROJECT_BINARY_DIR}/TonewrightConfig.cmake INSTALL_DESTINATION ${package_dir})
   write_basic_package_version_file(${PROJECT_BINARY_DIR}/TonewrightConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
   install(FILES ${PROJECT_BINARY_DIR}/TonewrightConfig.cmake ${PROJECT_BINARY_DIR}/TonewrightConfigVersion.cmake
-          DESTINATION ${package_dir})
+          DESTINATION ${package_dir} COMPONENT dev)
 endfunction()
 
 # tonewright_tests(<folder> [USES <folder>...] [LINKS <library>...] [NAME <target>] [MAIN <own main>])
