@@ -99,6 +99,8 @@ private:
     void DockPanes();
     QDockWidget* PaneOf(int id) const;
     void ShowPane(QDockWidget& pane);
+    void KeepRawViewerWide();
+    void GiveRoomBack(int grown);
     void SetStatus(int id, const QString& text);
 
     // Declared in this order so that the members go in the reverse one: the workflow first, the viewers before their

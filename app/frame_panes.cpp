@@ -2,6 +2,7 @@
 
 #include <QLayout>
 #include <QMainWindow>
+#include <algorithm>
 
 #include "app/CMainFrame.h"
 #include "app/CommandIds.h"
@@ -19,6 +20,9 @@ namespace {
 constexpr int kListPaneWidth = 240;
 constexpr int kImagePaneWidth = 800;
 constexpr int kLoggerHeight = 180;
+constexpr int kRawViewerWidth = 320;
+constexpr int kRoomForAll =
+    800;  // a window as wide as this has room for the raw viewer beside the panes at their least
 
 void setUp(QDockWidget& pane, int id, const QString& title, Qt::DockWidgetAreas areas, const char* icon) {
     pane.setObjectName(QString::number(id));
@@ -112,6 +116,24 @@ QDockWidget* CMainFrame::PaneOf(int id) const {
             return m_calibPane.get();
         default:
             return nullptr;
+    }
+}
+
+// The picture to work on keeps its least width while there is room, and the panes give way. In a narrow window it must
+// not, or the window could not become narrower.
+void CMainFrame::KeepRawViewerWide() {
+    if (m_rawViewer) m_rawViewer->setMinimumWidth(width() >= kRoomForAll ? kRawViewerWidth : 0);
+}
+
+// An image pane that gave way gets its width back before the raw viewer gets more than its least.
+void CMainFrame::GiveRoomBack(int grown) {
+    if (grown <= 0 || !m_rawViewer || m_rawViewer->width() - grown > kRawViewerWidth) return;
+    for (CDockableImgPane* pane : {m_calibPane.get(), m_refPane.get()}) {
+        const bool isBeside =
+            !pane->isFloating() && dockWidgetArea(pane) & (Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
+        if (!isBeside || pane->visibleRegion().isEmpty() || pane->width() >= kImagePaneWidth) continue;
+        resizeDocks({pane}, {std::min(kImagePaneWidth, pane->width() + grown)}, Qt::Horizontal);
+        return;
     }
 }
 

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int kOverEdge = 4;      // how far a tip below a tab reaches over its edge
-constexpr int kLeftOfEdit = 8;    // how far a tip stands out of an edit, whose number is on the right
+constexpr int kLeftOfEdit = 14;   // how far a tip stands out of an edit, whose number is on the right
 constexpr int kBelowPicture = 3;  // between a large button's picture and its text
 
 }  // namespace

@@ -17,6 +17,8 @@ namespace {
 constexpr int kEdgeWidth = 2;
 constexpr QSize kFirstSize(800, 600);  // also what a viewer in a pane that was never shown fits images to
 constexpr int kOverlayFontPoints = 10;
+constexpr float kZoomByKey = 1.25f;
+constexpr int kFarByKey = 10;  // image pixels
 constexpr int kTrackerStyle = RectTracker::DottedLine | RectTracker::ResizeInside;
 
 /// The pattern behind the image: cells of 4 by 4 pixels, drawn row by row. A cell is light when both toggles are false.
@@ -234,9 +236,56 @@ void CImageViewerCtrl::mouseReleaseEvent(QMouseEvent* event) {
 void CImageViewerCtrl::mouseDoubleClickEvent(QMouseEvent*) {}
 
 void CImageViewerCtrl::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Escape || !tracker_.IsFollowing()) return QFrame::keyPressEvent(event);
-    tracker_.Cancel();
-    update();
+    if (tracker_.IsFollowing()) {
+        if (event->key() != Qt::Key_Escape) return QFrame::keyPressEvent(event);
+        tracker_.Cancel();
+        update();
+    } else if (!ZoomByKey(*event) && !NudgeByKey(*event)) {
+        QFrame::keyPressEvent(event);
+    }
+}
+
+bool CImageViewerCtrl::ZoomByKey(const QKeyEvent& event) {
+    if (!image_.IsAllocated() || event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
+    switch (event.key()) {
+        case Qt::Key_Plus:
+        case Qt::Key_Equal:  // the same key without Shift
+            SetZoom(GetZoom() * kZoomByKey);
+            return true;
+        case Qt::Key_Minus:
+            SetZoom(GetZoom() / kZoomByKey);
+            return true;
+        case Qt::Key_0:
+            ResetScale();
+            return true;
+        case Qt::Key_F:
+            FitToWindow();
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool CImageViewerCtrl::NudgeByKey(const QKeyEvent& event) {
+    const int key = event.key();
+    const int dx = (key == Qt::Key_Right) - (key == Qt::Key_Left), dy = (key == Qt::Key_Down) - (key == Qt::Key_Up);
+    if (!roiEnabled_ || !image_.IsAllocated() || (dx == 0 && dy == 0)) return false;
+    const int by = event.modifiers() & Qt::ShiftModifier ? kFarByKey : 1;
+    const bool resizes = event.modifiers() & Qt::ControlModifier;
+    const ViewRect roi = ViewGeometry::NudgeRoi(roi_, by * dx, by * dy, resizes, image_.GetWidth(), image_.GetHeight());
+    if (roi != roi_) {
+        roi_ = roi;
+        NotifyRoi();
+        update();
+    }
+    return true;
+}
+
+void CImageViewerCtrl::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    const float before = GetZoom();
+    View();
+    if (GetZoom() != before) ZoomChanged();
 }
 
 void CImageViewerCtrl::paintEvent(QPaintEvent*) {

@@ -15,7 +15,8 @@ class ViewerHost;
 
 /// Shows one image with zoom, scrolling by dragging, a movable rectangle of interest (ROI) and an overlay in image
 /// coordinates. The wheel zooms around the pointer, faster with Ctrl held; dragging scrolls an image that is larger
-/// than the window; dragging the ROI moves or resizes it, Escape takes that back.
+/// than the window; dragging the ROI moves or resizes it, Escape takes that back. Arrows move the ROI by a pixel, with
+/// Shift by ten, with Ctrl its right lower corner; plus and minus zoom, 0 shows one pixel to one, F fits.
 ///
 /// Client coordinates count from the corner of the area inside the sunken edge (contentsRect) in logical pixels.
 class CImageViewerCtrl : public QFrame, public PictureView {
@@ -38,7 +39,8 @@ public:
     void SetSelected(int selected) override;
     int IsSelected() const override { return selected_; }
 
-    // Each of these repaints and tells the zoom. The fits want an image.
+    // Each of these repaints and tells the zoom. The fits want an image, and stay: in a window of another size the
+    // image is fitted anew, and the zoom told again, until the user zooms or drags.
     void SetZoom(float zoom);  ///< limited to 0.01 to 10
     float GetZoom() const { return geometry_.GetZoom(); }
     void ResetScale();
@@ -81,11 +83,14 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     QSize ClientSize() const;    // empty, never negative, in a window smaller than its edge
     ViewGeometry& View() const;  // brought up to date with the sizes of window and image
     void ZoomChanged();
+    bool ZoomByKey(const QKeyEvent& event);
+    bool NudgeByKey(const QKeyEvent& event);
     void SyncTracker();
     void UpdateCursor(ViewPoint point);
     void PaintEdge(QPainter& painter) const;

@@ -40,6 +40,7 @@ void clampAxis(std::int32_t& low, std::int32_t& high, int image) {
 
 void ViewGeometry::Reset() {
     zoom_ = 1.0f;
+    fit_ = Fit::None;
     source_ = destination_ = {};
     anchor_ = {};
     laidOut_ = dragging_ = false;
@@ -54,29 +55,51 @@ void ViewGeometry::Adapt(int clientWidth, int clientHeight, int imageWidth, int 
         imageHeight == imageHeight_) {
         return;
     }
+    const bool isResized = laidOut_ && (clientWidth != clientWidth_ || clientHeight != clientHeight_);
     clientWidth_ = clientWidth;
     clientHeight_ = clientHeight;
     imageWidth_ = imageWidth;
     imageHeight_ = imageHeight;
-    Layout();
+    const bool hasSizes = clientWidth > 0 && clientHeight > 0 && imageWidth > 0 && imageHeight > 0;
+    isResized&& hasSizes&& fit_ != Fit::None ? ApplyFit() : Layout();
 }
 
 void ViewGeometry::SetZoom(float zoom) {
+    fit_ = Fit::None;
+    ApplyZoom(zoom);
+}
+
+void ViewGeometry::ApplyZoom(float zoom) {
     // Written so that "no number" (an image without width in a window without width) is limited, too.
     zoom_ = zoom > kMinimumZoom ? std::min(zoom, kMaximumZoom) : kMinimumZoom;
     Layout();
 }
 
 void ViewGeometry::ResetScale() {
+    fit_ = Fit::None;
     zoom_ = 1.0f;
     Layout();
 }
 
-void ViewGeometry::FitHeight() { SetZoom(static_cast<float>(clientHeight_) / static_cast<float>(imageHeight_)); }
-void ViewGeometry::FitWidth() { SetZoom(static_cast<float>(clientWidth_) / static_cast<float>(imageWidth_)); }
+void ViewGeometry::ApplyFit() {
+    const float byWidth = static_cast<float>(clientWidth_) / static_cast<float>(imageWidth_);
+    const float byHeight = static_cast<float>(clientHeight_) / static_cast<float>(imageHeight_);
+    ApplyZoom(fit_ == Fit::Width ? byWidth : fit_ == Fit::Height ? byHeight : std::min(byWidth, byHeight));
+}
+
+void ViewGeometry::FitHeight() {
+    fit_ = Fit::Height;
+    ApplyFit();
+}
+
+void ViewGeometry::FitWidth() {
+    fit_ = Fit::Width;
+    ApplyFit();
+}
+
 void ViewGeometry::FitToWindow() {
-    SetZoom(std::min(static_cast<float>(clientWidth_) / static_cast<float>(imageWidth_),
-                     static_cast<float>(clientHeight_) / static_cast<float>(imageHeight_)));
+    fit_ = Fit::Window;
+    ApplyFit();
 }
 
 void ViewGeometry::Layout() {
@@ -141,6 +164,7 @@ void ViewGeometry::DragTo(ViewPoint point) {
     const bool mapped = ClientToImage(anchor_, &from) && ClientToImage(point, &to);
     anchor_ = point;
     if (!mapped) return;
+    if (from != to) fit_ = Fit::None;
     source_ = source_.Moved(from.x - to.x, from.y - to.y);
     ClampSource();
 }
@@ -179,4 +203,15 @@ bool ViewGeometry::RoiToTracker(const ViewRect& roi, ViewRect* tracker) const {
     if (!ImageToClient({roi.left, roi.top}, &first) || !ImageToClient({roi.right, roi.bottom}, &second)) return false;
     *tracker = {first.x, first.y, second.x, second.y};
     return true;
+}
+
+ViewRect ViewGeometry::NudgeRoi(const ViewRect& roi, int dx, int dy, bool resizes, int imageWidth, int imageHeight) {
+    constexpr int kLeastSize = 2;
+    const int lastX = std::max(imageWidth - 1, roi.right), lastY = std::max(imageHeight - 1, roi.bottom);
+    if (resizes) {
+        return {roi.left, roi.top, std::clamp(roi.right + dx, std::min(roi.left + kLeastSize, lastX), lastX),
+                std::clamp(roi.bottom + dy, std::min(roi.top + kLeastSize, lastY), lastY)};
+    }
+    return roi.Moved(std::clamp(dx, std::min(-roi.left, 0), lastX - roi.right),
+                     std::clamp(dy, std::min(-roi.top, 0), lastY - roi.bottom));
 }

@@ -15,7 +15,8 @@ public:
 
     /// Zoom 1.0, both rectangles empty, no anchor, not dragging. The next Adapt or zoom fills the rectangles.
     void Reset();
-    /// Takes the sizes of window and image in pixels; without an image, 0 or less.
+    /// Takes the sizes of window and image in pixels; without an image, 0 or less. A zoom that came from a fit is
+    /// fitted anew to another window size, until it is set in another way or the image is dragged.
     void Adapt(int clientWidth, int clientHeight, int imageWidth, int imageHeight);
 
     float GetZoom() const { return zoom_; }
@@ -55,13 +56,20 @@ public:
     /// @return false, `tracker` untouched, unless both corners of the ROI map
     bool RoiToTracker(const ViewRect& roi, ViewRect* tracker) const;
 
+    /// Moves a ROI of image pixels by (dx, dy), or with `resizes` its right lower corner, as far as the image goes. It
+    /// keeps its size when it moves, and two pixels each way when it shrinks.
+    static ViewRect NudgeRoi(const ViewRect& roi, int dx, int dy, bool resizes, int imageWidth, int imageHeight);
+
 private:
+    void ApplyFit();
+    void ApplyZoom(float zoom);
     void Layout();
     void ClampSource();
 
     float zoom_ = 1.0f;
     int clientWidth_ = 0, clientHeight_ = 0;
     int imageWidth_ = 0, imageHeight_ = 0;
+    enum class Fit { None, Height, Width, Window } fit_ = Fit::None;
     ViewRect source_;
     ViewRect destination_;
     ViewPoint anchor_;  // (0, 0) when there is none

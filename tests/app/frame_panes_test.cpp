@@ -214,4 +214,28 @@ TEST_F(FramePanes, KeysSelectAViewerAndBringItIntoView) {
     }
 }
 
+TEST_F(FramePanes, TheRawViewerKeepsItsWidthWhileThereIsRoomAndThePanesTheirs) {
+    LoadChart();
+    frame->resize(1700, 800);
+    frame->show();
+    for (const int id : {ID_CBTN_RAW_COLOR_LIST, ID_CBTN_SPECTRUM_VALUES, ID_CBTN_CALIB_IMG_VIEW}) Run(id);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frame->SpectrumPane().width(), 240);
+    EXPECT_EQ(frame->CalibratedPane().width(), 800);
+    for (const int width : {1280, 1024, 800}) {
+        frame->resize(width, 800);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(frame->width(), width);
+        EXPECT_GE(frame->RawViewer().width(), 320) << width;
+        EXPECT_GE(frame->SpectrumPane().width(), 200) << width;
+    }
+    frame->resize(1700, 800);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frame->CalibratedPane().width(), 800) << "back where there is room again";
+    frame->resize(500, 800);
+    QCoreApplication::processEvents();
+    frame->resize(500, 800);  // once more: the least size follows the first
+    EXPECT_LT(frame->width(), 700);
+}
+
 }  // namespace

@@ -96,6 +96,53 @@ TEST(ViewGeometry, TheImagePointUnderTheWheelStaysUntilAnEdge) {
     EXPECT_TRUE(small.Wheel({199, 100}, true, false));
 }
 
+TEST(ViewGeometry, AFitIsKeptInOtherWindowsUntilTheUserZoomsOrDrags) {
+    const auto fittedThen = [](void (*change)(ViewGeometry&)) {
+        ViewGeometry view;
+        view.Adapt(400, 300, 800, 800);
+        view.FitToWindow();
+        EXPECT_FLOAT_EQ(view.GetZoom(), 0.375f);
+        if (change) change(view);
+        view.Adapt(200, 600, 800, 800);
+        return view.GetZoom();
+    };
+    EXPECT_FLOAT_EQ(fittedThen(nullptr), 0.25f);
+    EXPECT_FLOAT_EQ(fittedThen([](ViewGeometry& view) { view.FitHeight(); }), 0.75f);
+    EXPECT_FLOAT_EQ(fittedThen([](ViewGeometry& view) { view.FitWidth(); }), 0.25f);
+    EXPECT_FLOAT_EQ(fittedThen([](ViewGeometry& view) { view.Adapt(0, 0, 800, 800); }), 0.25f) << "out of sight";
+    EXPECT_FLOAT_EQ(fittedThen([](ViewGeometry& view) { view.SetZoom(2); }), 2.0f);
+    EXPECT_FLOAT_EQ(fittedThen([](ViewGeometry& view) { view.ResetScale(); }), 1.0f);
+    EXPECT_FLOAT_EQ(fittedThen([](ViewGeometry& view) { view.Reset(); }), 1.0f);
+    EXPECT_NEAR(fittedThen([](ViewGeometry& view) { view.Wheel({200, 150}, true, false); }), 0.385f, 1e-6f);
+    EXPECT_FLOAT_EQ(fittedThen([](ViewGeometry& view) {
+                        view.FitWidth();  // 0.5: higher than the window
+                        view.BeginDrag({100, 100});
+                        view.DragTo({100, 80});
+                        view.EndDrag();
+                    }),
+                    0.5f);
+}
+
+TEST(ViewGeometry, ARoiIsNudgedAsFarAsTheImageGoes) {
+    struct Case {
+        const char* what;
+        ViewRect roi;
+        int dx, dy;
+        bool resizes;
+        ViewRect expected;
+    };
+    for (const Case& c : {Case{"moved", {10, 20, 30, 40}, 1, -10, false, {11, 10, 31, 30}},
+                          Case{"to the corner", {10, 5, 30, 40}, -20, -10, false, {0, 0, 20, 35}},
+                          Case{"to the last pixel", {60, 20, 95, 40}, 10, 0, false, {64, 20, 99, 40}},
+                          Case{"grown", {10, 20, 30, 40}, 10, 1, true, {10, 20, 40, 41}},
+                          Case{"grown to the edge", {10, 20, 95, 78}, 10, 10, true, {10, 20, 99, 79}},
+                          Case{"shrunk to two pixels", {10, 20, 15, 22}, -10, -10, true, {10, 20, 12, 22}},
+                          Case{"half outside, moved on", {-8, 20, 12, 40}, -1, 0, false, {-8, 20, 12, 40}},
+                          Case{"half outside, moved back", {90, 20, 110, 40}, -1, 0, false, {89, 20, 109, 40}}}) {
+        EXPECT_EQ(ViewGeometry::NudgeRoi(c.roi, c.dx, c.dy, c.resizes, 100, 80), c.expected) << c.what;
+    }
+}
+
 TEST(ViewGeometry, ZoomStaysWithinItsLimits) {
     ViewGeometry view = viewOf(kLarge);
     for (int i = 0; i < 300; ++i) view.Wheel({50, 50}, true, true);

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <string>
@@ -271,6 +272,53 @@ TEST_F(ImageViewer, TheOverlayMovesWithTheImage) {
     EXPECT_EQ(Shown({105, 70}), 0x00FF33u);
     viewer.ClearOverlays();
     EXPECT_NE(Shown({105, 70}), 0x00FF33u);
+}
+
+TEST_F(ImageViewer, KeysZoomAndNudgeTheRoiAndTellIt) {
+    Show(mapOf(400, 300));
+    viewer.EnableRoi(true);
+    const ViewRect roi = viewer.GetRoi();
+    listener = {};
+    const auto press = [&](int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers);
+        QApplication::sendEvent(&viewer, &event);
+        return event.isAccepted();
+    };
+    press(Qt::Key_Left);
+    press(Qt::Key_Up, Qt::ShiftModifier);
+    press(Qt::Key_Right, Qt::ControlModifier);
+    press(Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(viewer.GetRoi(),
+              (ViewRect{roi.left - 1, std::max(roi.top - 10, 0), roi.right, roi.bottom - std::min(roi.top, 10) + 10}));
+    EXPECT_EQ(listener.rois.size(), 4u);
+    EXPECT_EQ(listener.rois.back(), viewer.GetRoi());
+
+    press(Qt::Key_Plus, Qt::ShiftModifier);
+    press(Qt::Key_Minus);
+    press(Qt::Key_Minus);
+    EXPECT_FLOAT_EQ(viewer.GetZoom(), 0.8f);
+    press(Qt::Key_0);
+    EXPECT_FLOAT_EQ(viewer.GetZoom(), 1.0f);
+    press(Qt::Key_F);
+    EXPECT_FLOAT_EQ(viewer.GetZoom(), 200.0f / 300.0f);
+    EXPECT_FALSE(press(Qt::Key_0, Qt::ControlModifier)) << "a key of the window";
+    EXPECT_FALSE(press(Qt::Key_Return));
+}
+
+TEST_F(ImageViewer, AFittedPictureStaysFittedAndItsRoiUnderItsTracker) {
+    Show(mapOf(600, 400));
+    viewer.FitToWindow();
+    viewer.EnableRoi(true);
+    const ViewRect roi = viewer.GetRoi();
+    listener = {};
+    viewer.resize(150 + 2 * kEdge, 200 + 2 * kEdge);
+    EXPECT_THAT(listener.zooms, ElementsAre(0.25f));
+    viewer.grab();
+    EXPECT_EQ(viewer.GetRoi(), roi);
+    ViewPoint corner;
+    ASSERT_TRUE(viewer.ImageToClient({roi.left, roi.top}, &corner));
+    EXPECT_EQ(viewer.Tracker().GetRect().left, corner.x);
+    EXPECT_EQ(viewer.Tracker().GetRect().top, corner.y);
 }
 
 TEST_F(ImageViewer, ADoubleClickHereDoesNothing) {
