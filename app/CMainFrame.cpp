@@ -135,7 +135,7 @@ void CMainFrame::LogMessage(const QString& text, int type) { m_logger->AddMessag
 
 void CMainFrame::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    KeepRawViewerWide();
+    KeepLeastWidths();
     if (event->oldSize().isValid()) GiveRoomBack(event->size().width() - event->oldSize().width());
     if (m_rawViewer && m_rawViewer->isVisible()) m_rawViewer->repaint();
 }

@@ -99,7 +99,7 @@ private:
     void DockPanes();
     QDockWidget* PaneOf(int id) const;
     void ShowPane(QDockWidget& pane);
-    void KeepRawViewerWide();
+    void KeepLeastWidths();
     void GiveRoomBack(int grown);
     void SetStatus(int id, const QString& text);
 

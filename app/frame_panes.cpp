@@ -119,10 +119,16 @@ QDockWidget* CMainFrame::PaneOf(int id) const {
     }
 }
 
-// The picture to work on keeps its least width while there is room, and the panes give way. In a narrow window it must
-// not, or the window could not become narrower.
-void CMainFrame::KeepRawViewerWide() {
-    if (m_rawViewer) m_rawViewer->setMinimumWidth(width() >= kRoomForAll ? kRawViewerWidth : 0);
+// The picture to work on and the lists keep their least widths while there is room, and the image panes give way. In a
+// narrow window they must not, or it could not become narrower.
+void CMainFrame::KeepLeastWidths() {
+    if (!m_spectrumWnd) return;  // still being built
+    const bool hasRoom = width() >= kRoomForAll;
+    m_rawViewer->setMinimumWidth(hasRoom ? kRawViewerWidth : 0);
+    for (QDockWidget* pane :
+         {static_cast<QDockWidget*>(m_rawColorWnd.get()), static_cast<QDockWidget*>(m_spectrumWnd.get())}) {
+        pane->setMinimumWidth(hasRoom ? kListPaneWidth : 0);
+    }
 }
 
 // An image pane that gave way gets its width back before the raw viewer gets more than its least.

@@ -14,7 +14,6 @@ namespace {
 QWidget* dialogParent() { return QApplication::activeWindow(); }
 
 constexpr QSize kFileDialog(860, 520);
-constexpr QSize kSign(40, 40);
 
 // Wide enough for whole dates and kinds; the names take what is left. The desktop's own dialog has no such list.
 void makeRoom(QFileDialog& dialog) {
@@ -41,11 +40,8 @@ std::optional<FileChoice> runFileDialog(QFileDialog& dialog, const FileRequest& 
                       static_cast<int>(filters.indexOf(dialog.selectedNameFilter())) + 1};
 }
 
-int showMessage(const char* sign, const QString& caption, const QString& text, QMessageBox::StandardButtons buttons) {
-    QMessageBox box(QMessageBox::NoIcon, caption, text, buttons, dialogParent());
-    box.setIconPixmap(QIcon(sign).pixmap(kSign));
-    box.setDefaultButton(buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok);
-    return box.exec();
+void showMessage(QMessageBox::Icon icon, const QString& caption, const QString& text) {
+    QMessageBox(icon, caption, text, QMessageBox::Ok, dialogParent()).exec();
 }
 
 }  // namespace
@@ -66,15 +62,16 @@ std::optional<FileChoice> QtPrompts::SaveFile(const FileRequest& request) {
 }
 
 bool QtPrompts::AskYesNo(const QString& caption, const QString& text) {
-    return showMessage(":/icons/help.svg", caption, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    return QMessageBox::question(dialogParent(), caption, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) ==
+           QMessageBox::Yes;
 }
 
 void QtPrompts::ShowWarning(const QString& caption, const QString& text) {
-    showMessage(":/icons/log-warning.svg", caption, text, QMessageBox::Ok);
+    showMessage(QMessageBox::Warning, caption, text);
 }
 
 void QtPrompts::ShowError(const QString& caption, const QString& text) {
-    showMessage(":/icons/log-error.svg", caption, text, QMessageBox::Ok);
+    showMessage(QMessageBox::Critical, caption, text);
 }
 
 bool QtPrompts::EditMatrixSize(int& width, int& height) {

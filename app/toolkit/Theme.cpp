@@ -209,6 +209,9 @@ QCheckBox::indicator:checked { border-color: @accent; background: @accent; image
 QCheckBox:focus { color: @lit; }
 
 QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
+QMessageBox { messagebox-critical-icon: url(:/icons/log-error.svg); messagebox-warning-icon: url(:/icons/log-warning.svg);
+              messagebox-information-icon: url(:/icons/log-information.svg);
+              messagebox-question-icon: url(:/icons/help.svg); }
 
 QToolTip { background: @surface; color: @text; border: 1px solid @control; padding: 4px; }
 

@@ -1,7 +1,9 @@
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QDockWidget>
 #include <QLabel>
+#include <QProxyStyle>
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QTest>
@@ -154,6 +156,29 @@ TEST_F(FramePanes, AMemoryThatIsNoneIsLeftAlone) {
     EXPECT_FALSE(frame->Logger().isHidden());
 }
 
+/// A desktop whose windows are dark.
+class DarkDesktop : public QProxyStyle {
+public:
+    DarkDesktop() : QProxyStyle("Fusion") {}
+    void polish(QPalette& palette) override { palette = QPalette(QColor(0x30, 0x30, 0x30)); }
+    using QProxyStyle::polish;
+};
+
+TEST_F(FramePanes, TheColorsAreTheDesktopsUntilTheUserChooses) {
+    Run(ID_BTN_CHROME_SYSTEM);
+    EXPECT_FALSE(theme::IsDark());
+    QApplication::setStyle(new DarkDesktop);
+    for (const auto& [id, isDark] : {std::pair{ID_BTN_CHROME_SYSTEM, true},
+                                     {ID_BTN_CHROME_LIGHT, false},
+                                     {ID_BTN_CHROME_NEUTRAL, false},
+                                     {ID_BTN_CHROME_SYSTEM, true}}) {
+        Run(id);
+        EXPECT_EQ(theme::IsDark(), isDark) << id;
+    }
+    QApplication::setStyle("Fusion");
+    Run(ID_BTN_CHROME_LIGHT);
+}
+
 double luminance(QColor color) {
     const auto linear = [](double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
@@ -215,6 +240,8 @@ TEST_F(FramePanes, KeysSelectAViewerAndBringItIntoView) {
 }
 
 TEST_F(FramePanes, TheRawViewerKeepsItsWidthWhileThereIsRoomAndThePanesTheirs) {
+    CMainFrame::RestoreChrome();  // the widths are those of the program's own look
+    Start();
     LoadChart();
     frame->resize(1700, 800);
     frame->show();
@@ -227,7 +254,7 @@ TEST_F(FramePanes, TheRawViewerKeepsItsWidthWhileThereIsRoomAndThePanesTheirs) {
         QCoreApplication::processEvents();
         EXPECT_EQ(frame->width(), width);
         EXPECT_GE(frame->RawViewer().width(), 320) << width;
-        EXPECT_GE(frame->SpectrumPane().width(), 200) << width;
+        EXPECT_EQ(frame->SpectrumPane().width(), 240) << width;
     }
     frame->resize(1700, 800);
     QCoreApplication::processEvents();
