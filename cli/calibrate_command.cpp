@@ -201,7 +201,8 @@ void tellDelivered(const DifferenceSummary& delivered) {
 }
 
 Outcome calibrate(const CalibrateOptions& options) {
-    ChartReading reading = ReadChart(loadPicture(options), options.chart.image, options.chart.roi, options.chart.chart);
+    ChartReading reading = ReadChart(loadPicture(options), options.chart.image, options.chart.roi, options.chart);
+    RequireOrder(reading, options.chart.image);
     Calibration calibration;
     prepare(calibration, options, reading);
     fit(calibration, options, reading);
@@ -220,6 +221,7 @@ Outcome calibrate(const CalibrateOptions& options) {
 
 /// What the single options cannot see of each other.
 void check(const CalibrateOptions& options) {
+    CheckChartOptions(options.chart);
     CheckTargetOptions(options.target);
     if (options.method == FitMethod::Perceptual && !options.parameters.empty()) {
         throw UsageFailure("--parameters cannot carry a perceptual fit: loading the file fits by least squares");

@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include "calibration/illuminants.h"
+#include "chart/layout_file.h"
 #include "chart/orientation.h"
 #include "cli/arguments.h"
+#include "cli/chart_finding.h"
 #include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
@@ -72,6 +74,20 @@ Json describePatches(const ChartReading& reading) {
     return list;
 }
 
+/// The straight grid inside the ROI.
+void readGrid(ChartReading& reading, const std::string& path, const ChartSize& chart) {
+    Require([&] { return reading.detector.DetectPatches(reading.image, reading.roi, chart); }, path,
+            "no patch of a chart found");
+    Require(
+        [&] {
+            reading.colors = reading.detector.GetRawColors(reading.image, reading.roi, chart, PatchDepth::AsImage);
+            return reading.colors.measured;
+        },
+        path, "cannot measure the colors");
+    reading.image.SetRoi({});
+    reading.measured = measure(reading, chart);
+}
+
 }  // namespace
 
 void AddChartOptions(CLI::App& command, ChartOptions& options) {
@@ -83,34 +99,65 @@ void AddChartOptions(CLI::App& command, ChartOptions& options) {
     AddParsed(command, "--chart", options.chart, ParseChartSize, "columns x rows, each at least 1",
               "Patch columns and rows of the chart (default: 6x4)")
         ->type_name("WxH");
+    command.add_flag("--find", options.isFind,
+                     "Find the chart wherever it lies, turned, tilted or mirrored; with --roi inside it alone");
+    command
+        .add_option("--layout", options.layout, "How the chart is laid out, and its colors (default: the 6x4 chart)")
+        ->type_name("FILE")
+        ->excludes("--chart");
     command.add_flag("--strict", options.isStrict, "Fail, and write nothing, where a finding is a warning or an error");
 }
 
-ChartReading ReadChart(const std::string& path, const std::optional<ChartRoi>& roi, const ChartSize& chart) {
-    return ReadChart(LoadImage(path), path, roi, chart);
+void CheckChartOptions(const ChartOptions& options) {
+    const ChartSize chart = options.chart.value_or(ChartSize{});
+    if (options.isFind && (chart.Width != 6 || chart.Height != 4)) {
+        throw UsageFailure("--find needs --layout for a chart of another size than 6x4");
+    }
+}
+
+const ChartLayout& ChartOptions::GetLayout() const {
+    if (!HasLayout()) return GetClassicLayout();
+    if (!read_) {
+        RequireText(layout);
+        std::string reason;
+        read_ = ReadChartLayout(layout, reason);
+        if (!read_) throw WorkFailure(layout + ": " + reason);
+    }
+    return *read_;
+}
+
+ChartSize ChartOptions::GetSize() const {
+    if (!HasLayout()) return chart.value_or(ChartSize{});
+    return {GetLayout().columns, GetLayout().rows};
+}
+
+ChartReading ReadChart(const std::string& path, const std::optional<ChartRoi>& roi, const ChartOptions& options) {
+    return ReadChart(LoadImage(path), path, roi, options);
 }
 
 ChartReading ReadChart(CTivImage image, const std::string& path, const std::optional<ChartRoi>& roi,
-                       const ChartSize& chart) {
+                       const ChartOptions& options) {
     ChartReading reading;
     reading.image = std::move(image);
-    reading.roi = roi.value_or(defaultRoi(reading.image));
+    const ChartRoi whole = {0, 0, reading.image.GetWidth(), reading.image.GetHeight()};
+    reading.roi = roi.value_or(options.isFind ? whole : defaultRoi(reading.image));
     requireRoi(reading.image, path, reading.roi);
-    Require([&] { return reading.detector.DetectPatches(reading.image, reading.roi, chart); }, path,
-            "no patch of a chart found");
-    Require(
-        [&] {
-            reading.colors = reading.detector.GetRawColors(reading.image, reading.roi, chart, PatchDepth::AsImage);
-            return reading.colors.measured;
-        },
-        path, "cannot measure the colors");
+    if (options.isFind) {
+        FindChart(reading, path, reading.roi, options);
+    } else {
+        readGrid(reading, path, options.GetSize());
+        if (options.HasLayout()) reading.measured.targets.clear();  // those are the 24-patch chart's
+    }
     if (reading.colors.saturated) Tell(std::string(kSaturatedTitle) + ": " + path + ": " + kSaturatedText);
-    reading.image.SetRoi({});
-    reading.measured = measure(reading, chart);
     return reading;
 }
 
+void RequireOrder(const ChartReading& reading, const std::string& path) {
+    if (reading.found && !reading.found->isOriented) throw WorkFailure(path + ": " + reading.found->text);
+}
+
 Json DescribeReading(const ChartOptions& options, const ChartReading& reading, const std::vector<Finding>& findings) {
+    if (reading.found) return DescribeFound(options.image, reading, findings);
     const PatchDetector& detector = reading.detector;
     Json rows = Json::array(), columns = Json::array(), colors = Json::array();
     for (const auto& row : detector.GetGrid()) rows.push_back(ToNumber(row.front().y));
@@ -119,7 +166,7 @@ Json DescribeReading(const ChartOptions& options, const ChartReading& reading, c
         colors.push_back(ToJson(reading.colors.colors.GetData(i)));
 
     const ChartRoi& roi = reading.roi;
-    const ChartSize& chart = options.chart;
+    const ChartSize& chart = reading.measured.chart;
     return {{"image", options.image},
             {"width", reading.image.GetWidth()},
             {"height", reading.image.GetHeight()},

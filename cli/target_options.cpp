@@ -76,7 +76,8 @@ std::optional<ChartReading> SetTargets(CTivTonewrightDC& engine, const TargetOpt
     engine.SetIlluminant(illuminant.index);
     if (illuminant.index == kUserIlluminant) setUserIlluminant(engine, options, count);
     if (!options.reference) return std::nullopt;
-    ChartReading reference = ReadChart(*options.reference, options.referenceRoi, chart.chart);
+    ChartReading reference = ReadChart(*options.reference, options.referenceRoi, chart);
+    RequireOrder(reference, *options.reference);
     Require([&] { return engine.SetReferenceColors(reference.colors.colors); }, *options.reference,
             "cannot take the reference");
     return reference;

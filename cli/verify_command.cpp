@@ -123,7 +123,8 @@ Json describeLimit(const std::optional<float>& limit) { return limit ? ToNumber(
 Outcome verify(const VerifyOptions& options) {
     const Subject subject =
         options.coefficients.empty() ? loadParameters(options.parameters) : loadCoefficients(options.coefficients);
-    ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart.chart);
+    ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart);
+    RequireOrder(reading, options.chart.image);
     const std::vector<Xyz> targets = findTargets(options, subject, reading.colors.colors);
     const VerifiedQuality quality = judge(options, subject, reading.colors.colors, targets);
     const bool isAbsolute =
@@ -147,6 +148,7 @@ void check(const VerifyOptions& options) {
     if (options.parameters.empty() == options.coefficients.empty()) {
         throw UsageFailure("--parameters or --coefficients is needed, one of them");
     }
+    CheckChartOptions(options.chart);
     CheckTargetOptions(options.target);
 }
 
