@@ -54,8 +54,8 @@ Subject loadCoefficients(const std::string& path) {
     Subject subject;
     subject.transform = std::move(file.transform);
     const std::array<float, 3> saturation = file.head.saturation.value_or(std::array{1.0f, 1.0f, 1.0f});
-    const auto word = [&](std::size_t i) {
-        return static_cast<std::uint8_t>(std::clamp(saturation[i], 0.0f, 1.0f) * 255);
+    const auto word = [&](std::size_t i) {  // what is no number counts as 0
+        return static_cast<std::uint8_t>(saturation[i] > 0 ? std::min(saturation[i], 1.0f) * 255 : 0.0f);
     };
     subject.engine.SetSaturationValueEx(CTivData::Rgb(word(0), word(1), word(2)));
     return subject;
