@@ -112,7 +112,7 @@ private:
     bool TransferThroughGrabber(const char* path, bool upload);
 
     void* parentWindow_;
-    int frameCounter_ = 0;  // set to 0 with new objects, and read by nothing, deliberately
+    int frameCounter_ = 0;  // set to 0 with new objects, and read by nothing, deliberately (C1)
     int deviceKind_ = DeviceKindNone;
     std::unique_ptr<ZvnXferNode> acquisition_;
     Setup setup_;  // the one in force, or the last that was

@@ -53,7 +53,7 @@ ZvnAcqDevice* CTonewrightAcq::GetCamera() const { return dynamic_cast<ZvnAcqDevi
 bool CTonewrightAcq::TransferThroughGrabber(const char* path, bool upload) {
     auto device = std::make_unique<ZvnAcqDevice>(findLastCamera(), nullptr);
     if (!device->Create()) {
-        unopenedDevices_.push_back(std::move(device));  // deliberately not deleted before the session ends
+        unopenedDevices_.push_back(std::move(device));  // deliberately (C2) not deleted before the session ends
         return Refuse("Cannot create link to device.");
     }
     ZvnBuffer matrix(1, 4, 3, kZvnFloat, -1, ZvnLocation());

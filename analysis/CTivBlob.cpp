@@ -181,7 +181,7 @@ int ImplBlob::Threshold(const NurImage& input) {
     return failed;
 }
 
-// Foreground of the kept image are the values from 1 to 32767, deliberately also where 16 bits hold more.
+// Foreground of the kept image are the values from 1 to 32767, deliberately (C3) also where 16 bits hold more.
 void ImplBlob::KeepBinaryForm(CTivImage& image) {
     if (image.GetFormat() == D::FormatBinary) {
         workImage = image;

@@ -33,7 +33,7 @@ float meanOfBins(std::span<const D::Point> bins, float pixels) {
 }
 
 // The step of the level from 0 to the number of bins. Bin t weighs t + 1 in the lower mean while the whole mean uses
-// the bins' values, an empty side has the mean of full scale, and the answer is t + 1, all deliberately.
+// the bins' values, an empty side has the mean of full scale, and the answer is t + 1, all deliberately (C4).
 float searchLevel(std::span<const D::Point> bins, float pixels, float mean, float fullScale) {
     float best = -1.0f;
     float weight = 0;

@@ -94,7 +94,7 @@ int extractBinary(const NurImage& view, const BlobConfig& config, VirtualFrame& 
     if (!sweepStrips(strips, view, config, rules)) {
         strips.clear();
         array.computedGroups = config.featureGroups & kBlobAllGroups;
-        return kBlobDone;  // with no blobs, deliberately
+        return kBlobDone;  // with no blobs, deliberately (C5)
     }
     joinStrips(strips, view, rules);
 

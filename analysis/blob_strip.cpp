@@ -5,7 +5,7 @@
 
 namespace {
 
-// A seam that closes a loop counts two less than a row inside a strip does, deliberately.
+// A seam that closes a loop counts two less than a row inside a strip does, deliberately (C6).
 constexpr std::int32_t kLoopInStrip = 3;
 constexpr std::int32_t kLoopAtSeam = 5;
 

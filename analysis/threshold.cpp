@@ -67,7 +67,7 @@ int packBinary(const NurImage& source, const NurImage& destination, float low, f
                         destination.roi.width >= source.roi.width && destination.roi.height >= source.roi.height;
     if (!served) return nur_report(1, NUR_REPORT_TYPE, kName, nur_display_name(D::FormatBinary));
     if (isEmpty(source) || !destination.data) return 0;
-    const int lowest = toElement<std::uint8_t>(low);  // 0 to 255 for signed pixels too, deliberately
+    const int lowest = toElement<std::uint8_t>(low);  // 0 to 255 for signed pixels too, deliberately (C7)
     const int highest = toElement<std::uint8_t>(high);
     for (int y = 0; y < source.roi.height; ++y) {
         if (source.format == D::FormatByte) {

@@ -55,7 +55,7 @@ CMainFrame::CMainFrame() : m_baseDir(baseDirectory()) {
     setWindowTitle("Zelvan Tonewright");
     m_acq = makeSession(this);
     if (!m_acq) {
-        // The sibling tool's name is deliberate.
+        // The sibling tool's name is deliberate (C8).
         GetPrompts().ShowError("No Acquisition found",
                                "A fatal error happened.\r\nWe couldn't find any acquisition device.\r\nGlyphix Studio "
                                "will close.");

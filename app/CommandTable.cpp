@@ -80,7 +80,7 @@ using Devices = DeviceSteps;
 using F = CMainFrame;
 using S = StudioState;
 
-// The keys are the ones that work. The labels of the file menu name others, deliberately.
+// The keys are the ones that work. The labels of the file menu name others, deliberately (C9).
 constexpr CommandRow kFixedCommands[] = {
     {ID_BTN_ACQ_LOAD_IMAGE, "Load Image", "load-image", "Ctrl+O", always, kUnchecked, call<&Pictures::OnLoadImage>,
      "Load an image from a file.\n Load Image"},
@@ -113,7 +113,7 @@ constexpr CommandRow kFixedCommands[] = {
      call<&Devices::OnUploadCoefficients>,
      "Upload the current calibration coefficients to the acquisition device (CameraLink camera or frame grabber)\n "
      "Upload Calibration Coefficients"},
-    // Deliberately without a handler, and so always gray.
+    // Deliberately (C10) without a handler, and so always gray.
     {ID_BTN_CALIBRATE_CAMERA, "Calibrate Camera", "", "Ctrl+C", never, kUnchecked, kNothing,
      "Calibrate selected camera using currently selected camera file.\n Calibrate Camera"},
 
@@ -121,7 +121,7 @@ constexpr CommandRow kFixedCommands[] = {
      "Load parameters from a save file.\n Load Parameters"},
     {ID_BTN_PARAM_SAVE, "Save", "save-parameters", "", always, kUnchecked, call<&Files::OnSaveParameters>,
      "Save current configuration of parameters.\n Save Parameters"},
-    // Deliberately enabled and without an action.
+    // Deliberately (C11) enabled and without an action.
     {ID_BTN_PARAM_SAVE_AS, "Save as", "", "", always, kUnchecked, kNothing,
      "Save current configuration of parameters as a new file.\n Save Parameters As"},
     {ID_BTN_PARAM_RESET, "Reset", "reset-parameters", "", always, kUnchecked, call<&Parameters::OnResetParameters>,
@@ -184,7 +184,7 @@ constexpr CommandRow kFixedCommands[] = {
     {ID_COLOR_LIST_REMOVE, "Remove", "", "Del", canEditColors, kUnchecked, call<&Calibration::OnRemoveColor>, ""},
     {ID_COLOR_LIST_CLEAR, "Clear colors", "", "Ctrl+Del", canEditColors, kUnchecked, call<&Calibration::OnClearColors>,
      ""},
-    // The key is bound and nothing handles it, deliberately.
+    // The key is bound and nothing handles it, deliberately (C12).
     {ID_KEY_CONTROL_S, "", "", "Ctrl+S", never, kUnchecked, kNothing, ""},
 
     {ID_BTN_RESET_LAYOUT, "Reset Layout", "reset-layout", "", always, kUnchecked, call<&F::OnResetLayout>,

@@ -16,7 +16,7 @@ constexpr Item menuButton(Kind kind, int id, const char* keyTip, Menu menu, std:
 }
 constexpr Item kSeparator{.kind = Kind::Separator};
 
-// The key labels are text and bind nothing. That the real keys are others is deliberate.
+// The key labels are text and bind nothing. That the real keys are others is deliberate (C9).
 constexpr ribbon::FileEntry kFileEntries[] = {
     {ID_BTN_ACQ_LOAD_IMAGE, "&Load Image", "CTRL+I"},
     {ID_BTN_ACQ_SAVE_IMAGE_AS, "&Export Image", "CTRL+E"},

@@ -100,7 +100,7 @@ public:
     /// @return false, reported, before the first successful Calibrate or where the file can't be written
     bool SaveXForm(const CTivString& path, bool withSaturation) const;
     /// Reads transform and term count, and saturation where the file has it. Neither marks the operator as calibrated
-    /// nor makes the color twist that Execute applies with 4 terms to FormatRgb: deliberate.
+    /// nor makes the color twist that Execute applies with 4 terms to FormatRgb: deliberate (C26).
     /// @return false, reported, where the file can't be opened or read
     bool LoadXForm(const CTivString& path);
 

@@ -86,7 +86,7 @@ bool ImplTonewrightDC::Calibrate() {
 
 void ImplTonewrightDC::UpdateSaturation() {
     if (parameters.saturationMode == 0) {
-        // In this mode alone the format follows the raw colors, deliberately.
+        // In this mode alone the format follows the raw colors, deliberately (C27).
         calibratedFormat = parameters.rawColors.GetFormat();
         ComputeSaturation();
     } else if (parameters.saturationMode == 2) {
@@ -125,7 +125,7 @@ bool ImplTonewrightDC::CalibrateAbsolute() {
     const std::int32_t count = parameters.rawColors.GetSize();
     if (parameters.illuminant == kUserIlluminant) {
         const CTivVector& spectrum = parameters.spectrumValues;
-        if (!spectrum.IsAllocated()) return Refuse(kNoReferenceColors);  // not the spectrum: deliberate
+        if (!spectrum.IsAllocated()) return Refuse(kNoReferenceColors);  // not the spectrum: deliberate (C28)
         if (spectrum.GetSize() != count) {
             return Refuse("CTivTonewrightDC::Calibrate => vectors of raw colors and spectrum must be the same size.");
         }

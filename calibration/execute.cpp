@@ -80,7 +80,7 @@ bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& des
     std::uint8_t* to = destination.RoiRow(0);
     const std::int64_t width = source.roi.width;
     const std::int64_t sourceStep = source.width * bytes;
-    // Past the ROI's right edge, from where the source's width has led: a wider ROI shears, deliberately.
+    // Past the ROI's right edge, from where the source's width has led: a wider ROI shears, deliberately (C29).
     const std::int64_t destinationStep = (width + destination.width - destination.roi.width) * bytes;
     // Images that share memory but not place are taken pixel by pixel, as the order of a plain loop has it.
     const bool isSamePlace = from == to && sourceStep == destinationStep;
@@ -96,15 +96,15 @@ bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& des
 }
 
 /// The fast path: a color twist on samples of 0 to 255, table, saturation. Samples and offset are not scaled as in the
-/// polynomial paths, negative results clip and rounding is to nearest: all deliberate.
+/// polynomial paths, negative results clip and rounding is to nearest: all deliberate (C30).
 bool ImplTonewrightDC::RunTwist(const NurImage& source, const NurImage& destination,
                                 const std::array<float, 12>& colorTwist, std::vector<std::uint8_t>& untouched) const {
     const std::uint8_t* const from = source.RoiRow(0);
     std::uint8_t* const to = destination.RoiRow(0);
     const std::int64_t width = source.roi.width;
     const std::int64_t height = source.roi.height;
-    // Table and saturation step from row to row with each other's skip: deliberately crossed. With images of unequal
-    // width the steps leave the ROIs, and rows end where one of the two images does.
+    // Table and saturation step from row to row with each other's skip: deliberately (C31) crossed. With images of
+    // unequal width the steps leave the ROIs, and rows end where one of the two images does.
     const std::int64_t sourceStep = width + destination.width - destination.roi.width;
     const std::int64_t destinationStep = source.width;
     const std::int64_t sourcePixels = PixelsFromRoi(source);

@@ -7,8 +7,8 @@
 
 /// Fills an output table for channels of full scale size - 1: entry i is the integer part of (i / size) ^ gamma times
 /// full scale, the power in double, the product in float32. The divisor is the table's length and not its top index,
-/// deliberately, so that the last entry stays short of full scale. What a negative or undefined gamma would throw out
-/// of 0 to full scale is limited to it, NaN to 0.
+/// deliberately (C32), so that the last entry stays short of full scale. What a negative or undefined gamma would throw
+/// out of 0 to full scale is limited to it, NaN to 0.
 template <class Entry, std::size_t size>
 void FillGammaTable(std::array<Entry, size>& table, float gamma) {
     constexpr auto fullScale = static_cast<float>(size - 1);

@@ -16,7 +16,7 @@ bool ReadParameters(std::istream& stream, CalibrationParameters& parameters, std
     if (!ReadName(stream, kName)) return Refuse("CTivTonewrightDC::ReadFile => incompatible file");
     const auto read = [&stream]<class T>(T& field) { field = ReadField<T>(stream); };
     read(version);
-    // Not in the order of the operator's own fields, deliberately.
+    // Not in the order of the operator's own fields, deliberately (C33).
     read(parameters.mode);
     read(parameters.saturationMode);
     read(parameters.illuminant);

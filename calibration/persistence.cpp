@@ -78,7 +78,7 @@ std::array<float, 3> ImplTonewrightDC::GetSaturationFractions() const {
 }
 
 void ImplTonewrightDC::SetSaturationFractions(const std::array<float, 3>& fractions) {
-    // 10 and 16 bits keep only the low 8 bits of each channel: deliberate, since Execute does not apply them.
+    // 10 and 16 bits keep only the low 8 bits of each channel: deliberate (C34), since Execute does not apply them.
     const auto lowByte = [&fractions](std::size_t channel, float fullScale) {
         return static_cast<std::uint8_t>(Scale(fractions[channel], fullScale));
     };

@@ -49,7 +49,7 @@ bool CCSVParser::Read(const std::string& fileName, CTivVector& values) {
     std::string line;
     for (int row = 0; row < values.GetSize(); ++row) {
         std::getline(file, line);
-        // Deliberate: a last line without a line feed ends the file during its read, and so counts as missing.
+        // Deliberate (C35): a last line without a line feed ends the file during its read, and so counts as missing.
         if (!file.good()) return Refuse("The file contains less values than the matrix size permits.");
         float color[4] = {};
         readColor(line, color);

@@ -40,7 +40,7 @@ struct PatchOverlay {
 
 /// In which words patches are measured.
 enum class PatchDepth {
-    EightBit,  ///< FormatRgb whatever the image: of a deeper mean the low byte alone is kept, deliberately
+    EightBit,  ///< FormatRgb whatever the image: of a deeper mean the low byte alone is kept, deliberately (C36)
     AsImage    ///< FormatRgb10 and FormatRgb16 images at their own depth in their own format, others as EightBit
 };
 

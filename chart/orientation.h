@@ -3,7 +3,7 @@
 #include "chart/PatchDetector.h"
 
 // How a chart lies in a picture is told from the place of its brightest patch, taken for the white one. Charts of
-// 6 x 4 and 4 x 6 alone are turned; of both shapes the same three places count, deliberately.
+// 6 x 4 and 4 x 6 alone are turned; of both shapes the same three places count, deliberately (C37).
 
 /// Whether the patches of such a chart are ordered at all.
 bool HasOrientation(const ChartSize& chart);

@@ -85,7 +85,7 @@ bool CTivImage::Set(int width, int height, CTivData::Format format, void* data, 
     }
     if (answer != 0) return Refuse("CTivImage::Set => Not enough memory");
     if (data) {
-        // Significant bits deliberately stay at 8 here; copies of images restore their own value.
+        // Significant bits deliberately (C38) stay at 8 here; copies of images restore their own value.
         const std::int64_t bytes = GetImageBytes(width, height, format);
         if (impl_->record.data) std::memcpy(impl_->record.data, data, static_cast<std::size_t>(bytes));
     } else {
@@ -241,7 +241,7 @@ bool CTivImage::ReadFile(std::istream& stream, bool reallocate) {
         return Refuse("CTivImage::ReadFile => preallocated source width and/or height not large enough");
     }
     if (!record.data || width <= 0) return true;
-    // The file's ROI height counts the rows, deliberately; a record that lies about it stays inside this image.
+    // The file's ROI height counts the rows, deliberately (C39); a record that lies about it stays inside this image.
     const int rows = std::min(roi.height, record.height);
     for (int y = 0; y < rows; ++y) {
         readOrZero(stream, record.Row(y), static_cast<std::uint64_t>(GetRowBytes(width, format)));

@@ -15,7 +15,7 @@ struct FormatInfo {
     std::int32_t channels;
 };
 
-// Indexed by format. Row 9 stands as it does deliberately: its name is the whole literal and the rest is zero.
+// Indexed by format. Row 9 stands as it does deliberately (C40): its name is the whole literal and the rest is zero.
 // FormatColorFloat keeps one channel although it holds four floats, FormatRgb10 three in 32 bits.
 inline constexpr std::array<FormatInfo, CTivData::FormatCount> kFormats{{
     {"FormatGeneric", 0, 0, false, false, false, 0},

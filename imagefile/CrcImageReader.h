@@ -15,7 +15,7 @@ public:
     explicit CrcImageReader(const std::string& path);
 
     int GetDataSize() const override { return dataSize_; }
-    /// Always gives the first bytes of the image: the offset is checked but not added, deliberately.
+    /// Always gives the first bytes of the image: the offset is checked but not added, deliberately (C42).
     /// @throw std::out_of_range, or std::runtime_error "Error reading image data"
     void ReadData(int offset, int size, void* buffer) override;
 

@@ -11,7 +11,7 @@ namespace ctiv {
 
 /// Reads a PNG file into memory: gray as FormatUByte or FormatUShort, everything else as FormatRgb or FormatRgb16 with
 /// alpha, or full scale, in the fourth place. 16-bit samples stay in the file's byte order, most significant byte
-/// first, deliberately.
+/// first, deliberately (C43).
 class PngImageReader : public ImageReaderResults {
 public:
     /// @throw std::runtime_error for a file that is no PNG or breaks off

@@ -69,7 +69,7 @@ BmpHead headOf(const NurImage& image, const Layout& layout) {
     head.compression = layout.compression;
     head.imageBytes = static_cast<std::uint32_t>(imageBytes);
     head.xPixelsPerMeter = head.yPixelsPerMeter = kPixelsPerMeter;
-    // Only masks are counted here, deliberately.
+    // Only masks are counted here, deliberately (C44).
     head.colorsUsed = layout.compression == BmpBitfields ? 3 : 0;
     return head;
 }

@@ -5,7 +5,7 @@
 #include "foundation/CTivData.h"
 
 /// The device buffer codes that the CRC image stream and TIFF's "Buffer_Format" carry in a format's place. One-to-one.
-/// FormatRgb has none, deliberately: a TIFF knows it by its samples, a CRC image stream does not bring it back.
+/// FormatRgb has none, deliberately (C45): a TIFF knows it by its samples, a CRC image stream does not bring it back.
 struct BufferFormat {
     CTivData::Format format;
     std::int32_t code;

@@ -40,7 +40,7 @@ public:
     CTivVector GetSpectrumValues() const override;
     std::array<float, 4> GetIlluminantValue() const override;
     void ShowSpectrumValues(const CTivVector& values) override;  ///< resizes the list; "%.5f"
-    /// Shows whole numbers only, deliberately: the operator keeps the fractions.
+    /// Shows whole numbers only, deliberately (C15): the operator keeps the fractions.
     void ShowIlluminantValue(const std::array<float, 4>& value) override;
     ChartSize* GetChartSize() override { return &chartSize_; }
     void SetMatrixSize(int width, int height) override;

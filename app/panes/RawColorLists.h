@@ -33,7 +33,8 @@ public:
     /// a selection the last row, its entry and the last swatch.
     /// @return the row that went, nothing where there was none
     std::optional<std::size_t> Remove(std::optional<std::size_t> selected);
-    /// Appends a vector's colors at (0, 0). Their rows are labelled from 0, deliberately unlike rows made by hand.
+    /// Appends a vector's colors at (0, 0). Their rows are labelled from 0, deliberately (C16) unlike rows made by
+    /// hand.
     void Fill(const CTivVector& colors);
     void ClearRows();     ///< swatches and rows; the entries stay
     void ClearEntries();  ///< entries; the rows stay
@@ -59,7 +60,7 @@ struct RawColorLists {
     RawColorSide reference;  ///< right
 
     void ClearBoth();
-    /// A new image came into a viewer. Deliberately lopsided: for the raw side the entries of both sides stay and still
-    /// reach the calibration; for the reference side the entries of both sides go, and the raw rows lose theirs.
+    /// A new image came into a viewer. Deliberately (C17) lopsided: for the raw side the entries of both sides stay and
+    /// still reach the calibration; for the reference side the entries of both sides go, and the raw rows lose theirs.
     void ClearForNewImage(bool rawSide);
 };

@@ -19,7 +19,7 @@ void CAutoROIImageViewer::SetAutoDetect(bool on) {
         NotifyRoi();
     } else {
         ImageOverlay().Clear();
-        const int side = Image().GetHeight() / 10;  // deliberately the height for both axes: a square
+        const int side = Image().GetHeight() / 10;  // deliberately (C18) the height for both axes: a square
         SetRoi({side, side, 2 * side, 2 * side});
     }
     update();

@@ -22,7 +22,7 @@ constexpr int kFarByKey = 10;  // image pixels
 constexpr int kTrackerStyle = RectTracker::DottedLine | RectTracker::ResizeInside;
 
 /// The pattern behind the image: cells of 4 by 4 pixels, drawn row by row. A cell is light when both toggles are false.
-/// The column toggle deliberately goes on from one row to the next, so that this is no checkerboard.
+/// The column toggle deliberately (C19) goes on from one row to the next, so that this is no checkerboard.
 QImage backgroundPattern(QSize size) {
     constexpr int kCell = 4;
     constexpr QRgb kLight = 0xFF282828, kDark = 0xFF141414;
@@ -165,7 +165,7 @@ void CImageViewerCtrl::NotifyRoi() {
     if (roiEnabled_ && comm_) comm_->OnRoiChanged(roi_);
 }
 
-/// Puts the tracker over the ROI. While a corner is not on display it deliberately stays where it was.
+/// Puts the tracker over the ROI. While a corner is not on display it deliberately (C20) stays where it was.
 void CImageViewerCtrl::SyncTracker() {
     ViewRect rect;
     if (roiEnabled_ && !tracker_.IsFollowing() && View().RoiToTracker(roi_, &rect)) tracker_.SetRect(rect);

@@ -32,7 +32,7 @@ public:
     /// Truncates, and never leaves the image: a point on the right or lower edge gives the last column or row.
     /// @return false, `out` untouched, for a point outside the destination or without an image
     bool ClientToImage(ViewPoint in, ViewPoint* out) const;
-    /// Rounds, unlike ClientToImage, deliberately.
+    /// Rounds, unlike ClientToImage, deliberately (C21).
     /// @return false, `out` untouched, for a point outside the source grown by one pixel on all sides
     bool ImageToClient(ViewPoint in, ViewPoint* out) const;
 

@@ -20,7 +20,8 @@ QString lastError() { return QString::fromStdString(CTivManager::GetLastErrorStr
 
 }  // namespace
 
-// A cancelled dialog tells the last error once more, deliberately: nothing new was reported, and nothing is forgotten.
+// A cancelled dialog tells the last error once more, deliberately (C24): nothing new was reported, and nothing is
+// forgotten.
 void DeviceSteps::OnConfigure() {
     const WaitCursor wait;
     if (m_work.deviceKind != DeviceKindNone) m_work.session->Reconnect();
@@ -35,7 +36,7 @@ void DeviceSteps::OnConfigure() {
     }
 }
 
-// The picture comes by OnFrameReady. A failure is told as information and not as an error, deliberately.
+// The picture comes by OnFrameReady. A failure is told as information and not as an error, deliberately (C25).
 void DeviceSteps::OnSnap() {
     m_pictures.ResetForNewImage();
     if (!m_work.session->Snap()) m_work.news.LogLastError(LogInformation);

@@ -9,7 +9,7 @@ using namespace studio_files;
 
 namespace {
 
-// Somewhere behind the first character, in just these letters: "a.bmp.txt" counts, deliberately.
+// Somewhere behind the first character, in just these letters: "a.bmp.txt" counts, deliberately (C14).
 bool holds(const QString& path, const char* text) { return path.indexOf(QLatin1String(text)) > 0; }
 
 }  // namespace
@@ -54,7 +54,8 @@ void FileSteps::OnLoadParameters() {
     m_work.previewActive = false;
 }
 
-// Parameters and coefficients are saved only after a fit that succeeded. A save that fails is silent, deliberately.
+// Parameters and coefficients are saved only after a fit that succeeded.
+// A save that fails is silent, deliberately (C23).
 void FileSteps::OnSaveParameters() {
     if (!m_calibration.CalibrateForSaving()) return;
     const auto choice = GetPrompts().SaveFile(

@@ -148,7 +148,7 @@ void ParameterSteps::ApplySaturation(int id, int value) {
 }
 
 void ParameterSteps::OnResetParameters() {
-    // The sibling tool's name is deliberate.
+    // The sibling tool's name is deliberate (C8).
     if (!GetPrompts().AskYesNo("Glyphix Parameter Reset",
                                "Do you really want to reset all the parameters to their default values?")) {
         return;

@@ -11,7 +11,7 @@ public:
         : m_work(work), m_pictures(pictures), m_calibration(calibration) {}
 
     /// Shows what the engine has, as after the start, a reset and a file. The saturation controls keep what they show,
-    /// deliberately.
+    /// deliberately (C22).
     void SyncControlsFromEngine();
 
     void OnAbsolute();

@@ -40,7 +40,7 @@ void PictureSteps::ResetForNewImage() {
 }
 
 // Every loaded image passes through the session's buffer slot, with or without a device. A load that fails is silent,
-// deliberately.
+// deliberately (C23).
 bool PictureSteps::LoadImageFile(const QString& path) {
     const WaitCursor wait;
     CTivImage& buffer = *m_work.session->GetImage(-1);
@@ -85,7 +85,7 @@ void PictureSteps::OnLoadReferenceImage() {
     OnLoadImage();
 }
 
-// A save that fails is silent, deliberately.
+// A save that fails is silent, deliberately (C23).
 void PictureSteps::OnSaveImage() {
     const auto choice = GetPrompts().SaveFile(
         {GetProfile().ReadString(kImageSection, kSaveName, DefaultPath(m_work.baseDir, kImages, "*.bmp")),

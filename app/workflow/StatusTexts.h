@@ -17,7 +17,7 @@ QString PixelNotAvailable();
 /// in hexadecimal, any other number as it is.
 QString Pixel(long x, long y, const CTivData& value);
 QString Roi(const ViewRect& roi);
-/// A percentage with an x behind it, deliberately: 1.0 reads "Zoom 0100.00x".
+/// A percentage with an x behind it, deliberately (C13): 1.0 reads "Zoom 0100.00x".
 QString Zoom(float zoom);
 
 }  // namespace status_texts
