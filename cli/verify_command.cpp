@@ -1,5 +1,4 @@
 #include <CLI/CLI.hpp>
-#include <cmath>
 #include <memory>
 
 #include "calibration/calibrate_at_depth.h"
@@ -13,7 +12,6 @@
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
 #include "cli/target_options.h"
-#include "cli/whole_files.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/findings.h"
 
@@ -40,24 +38,14 @@ std::optional<float> parseLimit(std::string_view text) {
     return limit && *limit >= 0 ? limit : std::nullopt;
 }
 
-Subject loadParameters(const std::string& path) {
+Subject loadSubject(const VerifyOptions& options) {
     Subject subject;
-    LoadParameters(subject.engine, path);
+    if (options.coefficients.empty()) {
+        LoadParameters(subject.engine, options.parameters);
+    } else {
+        LoadCoefficients(subject.engine, options.coefficients);
+    }
     subject.transform = *subject.engine.GetTransform();
-    return subject;
-}
-
-/// A coefficient file serves FormatRgb images; without saturation of its own no channel below full scale counts as
-/// saturated.
-Subject loadCoefficients(const std::string& path) {
-    CoefficientFile file = ReadWholeCoefficients(path);
-    Subject subject;
-    subject.transform = std::move(file.transform);
-    const std::array<float, 3> saturation = file.head.saturation.value_or(std::array{1.0f, 1.0f, 1.0f});
-    const auto word = [&](std::size_t i) {  // what is no number counts as 0
-        return static_cast<std::uint8_t>(saturation[i] > 0 ? std::min(saturation[i], 1.0f) * 255 : 0.0f);
-    };
-    subject.engine.SetSaturationValueEx(CTivData::Rgb(word(0), word(1), word(2)));
     return subject;
 }
 
@@ -121,8 +109,7 @@ bool checkLimits(const VerifyOptions& options, const DifferenceSummary& delivere
 Json describeLimit(const std::optional<float>& limit) { return limit ? ToNumber(*limit) : Json(); }
 
 Outcome verify(const VerifyOptions& options) {
-    const Subject subject =
-        options.coefficients.empty() ? loadParameters(options.parameters) : loadCoefficients(options.coefficients);
+    const Subject subject = loadSubject(options);
     ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart);
     RequireOrder(reading, options.chart.image);
     const std::vector<Xyz> targets = findTargets(options, subject, reading.colors.colors);
