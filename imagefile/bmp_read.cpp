@@ -9,7 +9,7 @@
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
 #include "imagefile/bmp_rle_impl.h"
-#include "imagefile/color_rows_impl.h"
+#include "primitives/color_rows.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ void grayRow(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count,
 }
 
 void bgrRow(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count, const Palette&) {
-    spreadBgr(bytes, pixels, count);
+    SpreadBgr(bytes, pixels, count);
 }
 
 void wordRow(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count, const Palette&) {

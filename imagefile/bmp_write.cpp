@@ -10,7 +10,7 @@
 #include "imagefile/bit_order_impl.h"
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
-#include "imagefile/color_rows_impl.h"
+#include "primitives/color_rows.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ void reverseBits(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t co
 }
 
 Layout layoutOf(D::Format format) {
-    if (format == D::FormatRgb) return {24, BmpPlain, {}, packBgr};
+    if (format == D::FormatRgb) return {24, BmpPlain, {}, PackBgr};
     if (format == D::FormatRgb10) {
         return {32, BmpBitfields, {kBmpTenBitMasks.begin(), kBmpTenBitMasks.end()}, copyWords};
     }

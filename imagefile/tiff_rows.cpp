@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "imagefile/bit_order_impl.h"
-#include "imagefile/color_rows_impl.h"
+#include "primitives/color_rows.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ void colorRow(const std::uint8_t* samples, std::uint8_t* pixels, std::size_t cou
 
 // The same for three samples side by side.
 void color3Row(const std::uint8_t* samples, std::uint8_t* pixels, std::size_t count, const TiffRowShape&) {
-    spreadRgb(samples, pixels, count);
+    SpreadRgb(samples, pixels, count);
 }
 
 void rgb10Row(const std::uint8_t* samples, std::uint8_t* pixels, std::size_t count, const TiffRowShape& shape) {
@@ -133,10 +133,10 @@ constexpr TiffWriteForm kWriteForms[] = {
     {D::FormatUInt, kMinIsBlack, 1, 32, kUnsigned, nullptr},
     {D::FormatFloat, kMinIsBlack, 1, 32, kFloat, nullptr},
     {D::FormatDouble, kMinIsBlack, 1, 64, kDefault, nullptr},
-    {D::FormatRgb, kRgb, 3, 8, kDefault, packRgb},
-    {D::FormatHsv, kRgb, 3, 8, kDefault, packRgb},
-    {D::FormatYuv, kRgb, 3, 8, kDefault, packRgb},
-    {D::FormatLab, kRgb, 3, 8, kDefault, packRgb},
+    {D::FormatRgb, kRgb, 3, 8, kDefault, PackRgb},
+    {D::FormatHsv, kRgb, 3, 8, kDefault, PackRgb},
+    {D::FormatYuv, kRgb, 3, 8, kDefault, PackRgb},
+    {D::FormatLab, kRgb, 3, 8, kDefault, PackRgb},
     {D::FormatComplex, kMinIsBlack, 2, 32, kComplex, nullptr},
     {D::FormatPoint, kMinIsBlack, 2, 32, kSigned, nullptr},
     {D::FormatFPoint, kMinIsBlack, 2, 32, kFloat, nullptr},

@@ -1,7 +1,9 @@
-#include "imagefile/color_rows_impl.h"
+#include "primitives/color_rows.h"
 
 #include <bit>
 #include <cstring>
+
+#include "primitives/wide.h"
 
 static_assert(std::endian::native == std::endian::little);
 
@@ -39,61 +41,56 @@ template <std::size_t kFrom, std::size_t kTo, int... kBytes>
     return i;
 }
 
-bool runsWide() {
-    static const bool has = __builtin_cpu_supports("avx2");
-    return has;
-}
-
 }  // namespace
 
-void spreadBgrPlain(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
+void SpreadBgrPlain(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
     moveWords<3, 4, keepOrder>(bytes, pixels, count);
 }
 
-void spreadRgbPlain(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
+void SpreadRgbPlain(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
     moveWords<3, 4, turnOrder>(bytes, pixels, count);
 }
 
-void packBgrPlain(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
+void PackBgrPlain(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
     moveWords<4, 3, keepOrder>(pixels, bytes, count);
 }
 
-void packRgbPlain(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
+void PackRgbPlain(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
     moveWords<4, 3, turnOrder>(pixels, bytes, count);
 }
 
-[[gnu::target("avx2")]] void spreadBgrWide(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
+TONEWRIGHT_WIDE void SpreadBgrWide(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
     const std::size_t i = moveFours<3, 4, 0, 1, 2, 16, 3, 4, 5, 16, 6, 7, 8, 16, 9, 10, 11, 16>(bytes, pixels, count);
-    spreadBgrPlain(bytes + 3 * i, pixels + 4 * i, count - i);
+    SpreadBgrPlain(bytes + 3 * i, pixels + 4 * i, count - i);
 }
 
-[[gnu::target("avx2")]] void spreadRgbWide(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
+TONEWRIGHT_WIDE void SpreadRgbWide(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
     const std::size_t i = moveFours<3, 4, 2, 1, 0, 16, 5, 4, 3, 16, 8, 7, 6, 16, 11, 10, 9, 16>(bytes, pixels, count);
-    spreadRgbPlain(bytes + 3 * i, pixels + 4 * i, count - i);
+    SpreadRgbPlain(bytes + 3 * i, pixels + 4 * i, count - i);
 }
 
-[[gnu::target("avx2")]] void packBgrWide(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
+TONEWRIGHT_WIDE void PackBgrWide(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
     const std::size_t i = moveFours<4, 3, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 16, 16, 16, 16>(pixels, bytes, count);
-    packBgrPlain(pixels + 4 * i, bytes + 3 * i, count - i);
+    PackBgrPlain(pixels + 4 * i, bytes + 3 * i, count - i);
 }
 
-[[gnu::target("avx2")]] void packRgbWide(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
+TONEWRIGHT_WIDE void PackRgbWide(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
     const std::size_t i = moveFours<4, 3, 2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, 16, 16, 16, 16>(pixels, bytes, count);
-    packRgbPlain(pixels + 4 * i, bytes + 3 * i, count - i);
+    PackRgbPlain(pixels + 4 * i, bytes + 3 * i, count - i);
 }
 
-void spreadBgr(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
-    (runsWide() ? spreadBgrWide : spreadBgrPlain)(bytes, pixels, count);
+void SpreadBgr(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
+    (RunsWide() ? SpreadBgrWide : SpreadBgrPlain)(bytes, pixels, count);
 }
 
-void spreadRgb(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
-    (runsWide() ? spreadRgbWide : spreadRgbPlain)(bytes, pixels, count);
+void SpreadRgb(const std::uint8_t* bytes, std::uint8_t* pixels, std::size_t count) {
+    (RunsWide() ? SpreadRgbWide : SpreadRgbPlain)(bytes, pixels, count);
 }
 
-void packBgr(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
-    (runsWide() ? packBgrWide : packBgrPlain)(pixels, bytes, count);
+void PackBgr(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
+    (RunsWide() ? PackBgrWide : PackBgrPlain)(pixels, bytes, count);
 }
 
-void packRgb(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
-    (runsWide() ? packRgbWide : packRgbPlain)(pixels, bytes, count);
+void PackRgb(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
+    (RunsWide() ? PackRgbWide : PackRgbPlain)(pixels, bytes, count);
 }

@@ -1,8 +1,10 @@
-#include "imagefile/color_rows_impl.h"
+#include "primitives/color_rows.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
+
+#include "primitives/wide.h"
 
 namespace {
 
@@ -14,10 +16,10 @@ struct Forms {
     std::size_t from, to;  // bytes a pixel
     bool isTurned;         // the file counts red first
 };
-constexpr Forms kForms[] = {{"spreadBgr", spreadBgrPlain, spreadBgrWide, 3, 4, false},
-                            {"spreadRgb", spreadRgbPlain, spreadRgbWide, 3, 4, true},
-                            {"packBgr", packBgrPlain, packBgrWide, 4, 3, false},
-                            {"packRgb", packRgbPlain, packRgbWide, 4, 3, true}};
+constexpr Forms kForms[] = {{"SpreadBgr", SpreadBgrPlain, SpreadBgrWide, 3, 4, false},
+                            {"SpreadRgb", SpreadRgbPlain, SpreadRgbWide, 3, 4, true},
+                            {"PackBgr", PackBgrPlain, PackBgrWide, 4, 3, false},
+                            {"PackRgb", PackRgbPlain, PackRgbWide, 4, 3, true}};
 
 }  // namespace
 
@@ -35,8 +37,7 @@ TEST(ColorRows, BothFormsMoveEachByteToItsPlaceAndNoneBeyondTheEnd) {
                     expected[1 + i * forms.to + k] = k == 3 ? 0 : from[1 + i * forms.from + source];
                 }
             }
-            const bool hasWide = __builtin_cpu_supports("avx2");
-            for (const Row row : {forms.plain, hasWide ? forms.wide : forms.plain}) {
+            for (const Row row : {forms.plain, HasAvx2() ? forms.wide : forms.plain}) {
                 std::vector<std::uint8_t> to(expected.size(), 0xEE);
                 row(from.data() + 1, to.data() + 1, count);
                 EXPECT_EQ(to, expected) << forms.name << ' ' << count;
