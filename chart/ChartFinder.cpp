@@ -18,10 +18,12 @@ constexpr int kMaxSide = 48;          // pixels of a patch in a copy; larger one
 constexpr int kMinNodes = 7;          // of a lattice that is worth a look
 constexpr std::size_t kLattices = 4;  // looked at in a copy, the largest ones
 constexpr double kMaxResidual = 0.4;  // of the colors on a small copy
-constexpr double kMaxFinalResidual = 0.36;  // of the colors as measured: charts of other makes reach 0.25, the best of
-                                            // grids that are no charts 0.5
-constexpr double kMinMargin = 1.5;          // of the next best residual over the best
-constexpr double kMinEdged = 1.0 / 3;       // of the patches must have edges where they should
+constexpr double kMaxFinalResidual = 0.36;   // of the colors as measured: charts of other makes reach 0.25, the best of
+                                             // grids that are no charts 0.5
+constexpr double kMinMargin = 1.5;           // of the next best residual over the best
+constexpr double kMinEdged = 1.0 / 3;        // of the patches must have edges where they should
+constexpr int kBandRows = 256;               // of a picture that is searched in full size
+constexpr std::size_t kMostInPicture = 600;  // flat patches of each level there
 constexpr std::size_t kSecondLook =
     400000;  // pixels of the next finer copy up to which it is searched for another chart
 constexpr int kOutliers = 3;
@@ -93,11 +95,22 @@ private:
         sights_.resize(copies_.size());
     }
 
-    /// The picture itself, patches in pixels of its half copy.
+    /// The picture itself, band by band to save memory; patches in pixels of its half copy.
     std::vector<FoundChart> SearchPicture() {
-        CTivImage change = MeasureChange(image_, part_, toneShift_);
-        sights_[0].patches = FindFlatPatches(change, kMaxSide);
-        Halve(sights_[0].patches);
+        std::vector<FlatPatch>& patches = sights_[0].patches;
+        patches.clear();
+        const std::size_t bands = static_cast<std::size_t>((part_.height + kBandRows - 1) / kBandRows);
+        for (int first = 0; first < part_.height; first += kBandRows) {
+            // A patch belongs to the band of its centre, and is seen whole there.
+            const int top = std::max(0, first - kMaxSide);
+            const int bottom = std::min(part_.height, first + kBandRows + kMaxSide);
+            CTivImage change = MeasureChange(image_, {part_.x, part_.y + top, part_.width, bottom - top}, toneShift_);
+            for (FlatPatch patch : FindFlatPatches(change, kMaxSide, kMostInPicture / bands)) {
+                patch.center.y += top;
+                if (patch.center.y >= first && patch.center.y < first + kBandRows) patches.push_back(patch);
+            }
+        }
+        Halve(patches);
         return SearchSight(0);
     }
 

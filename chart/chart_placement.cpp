@@ -5,14 +5,15 @@
 
 namespace {
 
-constexpr int kMinSeen = 9;              // patches of the chart that must be nodes of the lattice
-constexpr double kShareOfMost = 0.5;     // of the patches in the place that holds most of them
-constexpr double kShareByShape = 0.9;    // of a chart without colors, that must be seen
-constexpr double kSampleReach = 0.2;     // of a step
-constexpr double kMargin = 0.3;          // of a step: so far inside the picture a patch's centre must lie
-constexpr double kWorthMatching = 0.75;  // a residual of a quick look above which nothing good comes
-constexpr std::size_t kMatched = 5;      // placements a lattice that are matched in full
-constexpr int kOutliers = 3;             // patches that may be covered or washed out
+constexpr int kMinSeen = 9;                 // patches of the chart that must be nodes of the lattice
+constexpr double kShareOfMost = 0.5;        // of the patches in the place that holds most of them
+constexpr double kShareByShape = 0.9;       // of a chart without colors, that must be seen
+constexpr double kSampleReach = 0.2;        // of a step
+constexpr double kMargin = 0.3;             // of a step: so far inside the picture a patch's centre must lie
+constexpr double kWorthMatching = 0.75;     // a residual of a quick look above which nothing good comes
+constexpr std::size_t kMatched = 5;         // placements a lattice that are matched in full
+constexpr std::size_t kMatchedPartly = 32;  // of those that leave the picture
+constexpr int kOutliers = 3;                // patches that may be covered or washed out
 
 double stepAt(const PlaneMap& map, const ChartPoint& place) {
     const ChartPoint here = map(place), right = map({place.x + 1, place.y}), below = map({place.x, place.y + 1});
@@ -193,13 +194,17 @@ std::vector<PlacementSearch::Looked> PlacementSearch::LookAt(const Cells& cells,
     return looked;
 }
 
-/// The placements that leave the picture, judged by what is left of them.
+/// The placements that leave the picture, judged by what is left of them: those in which most was seen.
 std::vector<PlacementSearch::Looked> PlacementSearch::MatchPartly(const Cells& cells,
                                                                   std::span<const Place> places) const {
-    std::vector<Looked> looked;
+    std::vector<Place> leaving;
     for (const Place& place : places) {
-        if (!cells.IsInside(place)) looked.push_back({place, MatchAt(cells, place, 1.0, 0)});
+        if (!cells.IsInside(place)) leaving.push_back(place);
     }
+    std::stable_sort(leaving.begin(), leaving.end(), [](const Place& a, const Place& b) { return a.seen > b.seen; });
+    if (leaving.size() > kMatchedPartly) leaving.resize(kMatchedPartly);
+    std::vector<Looked> looked;
+    for (const Place& place : leaving) looked.push_back({place, MatchAt(cells, place, 1.0, 0)});
     return looked;
 }
 

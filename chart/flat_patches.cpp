@@ -11,12 +11,11 @@ namespace {
 // from the dark card in clean pictures, the high ones bear noise.
 constexpr std::uint8_t kFlatLevels[] = {5, 10, 20, 36};
 
-constexpr float kMinArea = 12;            // pixels: a patch of ten pixels less its blurred edges
-constexpr double kMinFill = 0.72;         // area over that of the parallelogram with the same second moments
-constexpr double kMaxFill = 1.12;         // an ellipse has 1.05
-constexpr double kMinAxisRatio = 0.28;    // a chart tilted twice by 40 degrees, as in a photograph of a photograph
-constexpr double kRim = 1;                // pixels that the change at an edge takes from a patch, at each side
-constexpr std::size_t kMaxPatches = 600;  // a level
+constexpr float kMinArea = 12;          // pixels: a patch of ten pixels less its blurred edges
+constexpr double kMinFill = 0.72;       // area over that of the parallelogram with the same second moments
+constexpr double kMaxFill = 1.12;       // an ellipse has 1.05
+constexpr double kMinAxisRatio = 0.28;  // a chart tilted twice by 40 degrees, as in a photograph of a photograph
+constexpr double kRim = 1;              // pixels that the change at an edge takes from a patch, at each side
 
 /// @return a patch of area 0 where the moments aren't a parallelogram's
 FlatPatch toPatch(const BlobRecord& blob) {
@@ -50,7 +49,7 @@ bool isSame(const FlatPatch& a, const FlatPatch& b) {
 
 }  // namespace
 
-std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide) {
+std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide, std::size_t maxPatches) {
     std::vector<FlatPatch> patches;
     if (!change.IsAllocated()) return patches;
     CTivBlob blobs(1024, 1024);
@@ -63,7 +62,7 @@ std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide) {
     config.maxWidth = config.maxHeight = 2 * maxSide;
     std::size_t allowed = 0;
     for (const std::uint8_t level : kFlatLevels) {
-        allowed += kMaxPatches;
+        allowed += maxPatches;
         config.thresholds[0] = level;
         if (!blobs.Execute(change)) continue;
         const std::size_t earlier = patches.size();

@@ -24,7 +24,8 @@ struct FlatPatch {
 /// Finds the flat patches of a picture at several levels of what counts as flat, each region once.
 /// @param change what MeasureChange gave
 /// @param maxSide pixels; regions that are larger are left to a coarser copy
-std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide);
+/// @param maxPatches that each level may have
+std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide, std::size_t maxPatches = 600);
 
 /// The same patches in pixels that are twice as large.
 void Halve(std::vector<FlatPatch>& patches);

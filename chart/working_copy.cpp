@@ -65,10 +65,18 @@ void halveRow(const typename Pixel::Word* upper, const typename Pixel::Word* low
     }
 }
 
+/// Of whole pixels. Those of eight bits need no shift, and have a table that saves it.
 template <class Pixel>
 void toneRow(const typename Pixel::Word* in, int width, int shift, TonedWord* out) {
+    std::array<std::uint8_t, 256> tones;
+    for (std::size_t i = 0; i < tones.size(); ++i) tones[i] = toneTable()[4 * i];
     for (int x = 0; x < width; ++x) {
-        out[x] = tone(4 * channel<Pixel>(in[x], 0), 4 * channel<Pixel>(in[x], 1), 4 * channel<Pixel>(in[x], 2), shift);
+        const auto blue = channel<Pixel>(in[x], 0), green = channel<Pixel>(in[x], 1), red = channel<Pixel>(in[x], 2);
+        if constexpr (Pixel::kBits == 8) {
+            out[x] = TonedWord{tones[blue]} | TonedWord{tones[green]} << 8 | TonedWord{tones[red]} << 16;
+        } else {
+            out[x] = tone(4 * blue, 4 * green, 4 * red, shift);
+        }
     }
 }
 
