@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
@@ -15,6 +16,7 @@
 #include "cli/json_values.h"
 #include "cli/output_set.h"
 #include "cli/quality_json.h"
+#include "cli/report_outputs.h"
 #include "cli/target_options.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/findings.h"
@@ -41,6 +43,7 @@ struct CalibrateOptions {
     std::string parameters;
     std::string corrected;
     int correctedFormat = -1;
+    ReportOptions report;
 };
 
 std::optional<int> parseTerms(const std::string& text) {
@@ -179,6 +182,22 @@ void write(OutputSet& outputs, const Calibration& calibration, const CalibrateOp
     }
 }
 
+void writeReports(OutputSet& outputs, const Calibration& calibration, const CalibrateOptions& options,
+                  const ChartReading& reading) {
+    const auto& [engine, transform, quality, findings] = calibration;
+    const std::string name = std::filesystem::path(options.chart.image).filename().string();
+    Report report =
+        ReportCalibration(quality, findings, engine.GetXformSize(), options.chart.chart, OutlinesOf(reading));
+    report.title = "Calibration of " + name;
+    report.settings = {{"Picture", options.chart.image}};
+    if (options.target.reference) report.settings.push_back({"Reference", *options.target.reference});
+    for (ReportRow& row : ReportSettings(engine, options.method == FitMethod::Perceptual)) {
+        report.settings.push_back(std::move(row));
+    }
+    WriteReport(outputs, options.report, report, reading.image);
+    WriteExports(outputs, options.report, name, engine, transform, report);
+}
+
 void describeFit(Json& document, const Calibration& calibration, const CalibrateOptions& options) {
     const CTivTonewrightDC& engine = calibration.engine;
     const bool isRelative = options.target.reference.has_value();
@@ -213,7 +232,10 @@ Outcome calibrate(const CalibrateOptions& options) {
 
     const auto outputs = std::make_shared<OutputSet>();
     const bool isRefused = options.chart.isStrict && HasWarning(calibration.findings);
-    if (!isRefused) write(*outputs, calibration, options, reading.image);
+    if (!isRefused) {
+        write(*outputs, calibration, options, reading.image);
+        writeReports(*outputs, calibration, options, reading);
+    }
     document["written"] = outputs->GetPaths();
     document["quality"] = Describe(calibration.quality);
     return {document, isRefused ? kWorkFailed : kDone, outputs};
@@ -226,13 +248,10 @@ void check(const CalibrateOptions& options) {
     if (options.method == FitMethod::Perceptual && !options.parameters.empty()) {
         throw UsageFailure("--parameters cannot carry a perceptual fit: loading the file fits by least squares");
     }
-    const std::string* outputs[] = {&options.coefficients, &options.parameters, &options.corrected};
-    for (int i = 0; i < 3; ++i) {
-        const std::string& output = *outputs[i];
-        if (!output.empty() && OutputSet::PlaceOf(output) == OutputSet::PlaceOf(*outputs[(i + 1) % 3])) {
-            throw UsageFailure(output + " is to be written twice");
-        }
-    }
+    std::vector<std::string> outputs = {options.coefficients, options.parameters, options.corrected,
+                                        options.report.report};
+    outputs.insert(outputs.end(), options.report.exports.begin(), options.report.exports.end());
+    RequireDifferentPlaces(outputs);
 }
 
 void addSettings(CLI::App& command, CalibrateOptions& options) {
@@ -260,6 +279,8 @@ void addSettings(CLI::App& command, CalibrateOptions& options) {
         },
         "a name that ends in .bmp, .tif or .zvk", "Write the corrected picture: .bmp, .tif or .zvk")
         ->type_name("FILE");
+    AddReportOption(command, options.report);
+    AddExportOption(command, options.report);
 }
 
 }  // namespace

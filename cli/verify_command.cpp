@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <memory>
 
 #include "calibration/calibrate_at_depth.h"
@@ -11,6 +12,7 @@
 #include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
+#include "cli/report_outputs.h"
 #include "cli/target_options.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/findings.h"
@@ -24,6 +26,7 @@ struct VerifyOptions {
     TargetOptions target;
     std::optional<float> maxMean;
     std::optional<float> maxPatch;
+    ReportOptions report;
 };
 
 /// The calibration that is judged.
@@ -108,6 +111,31 @@ bool checkLimits(const VerifyOptions& options, const DifferenceSummary& delivere
 
 Json describeLimit(const std::optional<float>& limit) { return limit ? ToNumber(*limit) : Json(); }
 
+std::string describeVerdict(const VerifyOptions& options) {
+    std::string text;
+    if (options.maxMean) text = "mean difference at most " + toText(static_cast<double>(*options.maxMean));
+    if (options.maxPatch) {
+        text += std::string(text.empty() ? "" : ", ") + "each patch at most " +
+                toText(static_cast<double>(*options.maxPatch));
+    }
+    return text;
+}
+
+std::shared_ptr<OutputSet> writeReport(const VerifyOptions& options, const Subject& subject,
+                                       const ChartReading& reading, const VerifiedQuality& quality,
+                                       const std::vector<Finding>& findings, bool isPassed) {
+    const auto outputs = std::make_shared<OutputSet>();
+    Report report = ReportVerification(quality, findings, options.chart.chart, OutlinesOf(reading));
+    report.title = "Verification on " + std::filesystem::path(options.chart.image).filename().string();
+    report.verdict = describeVerdict(options);
+    report.hasPassed = isPassed;
+    report.settings = {{"Picture", options.chart.image},
+                       {"Calibration", options.parameters.empty() ? options.coefficients : options.parameters},
+                       {"Terms", std::to_string(subject.transform.GetSize() / 3)}};
+    WriteReport(*outputs, options.report, report, reading.image);
+    return outputs;
+}
+
 Outcome verify(const VerifyOptions& options) {
     const Subject subject = loadSubject(options);
     ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart);
@@ -128,7 +156,8 @@ Outcome verify(const VerifyOptions& options) {
     document["limits"] = {{"maxMean", describeLimit(options.maxMean)}, {"maxPatch", describeLimit(options.maxPatch)}};
     document["passed"] = isPassed;
     if (options.chart.isStrict && HasWarning(findings)) return {document, kWorkFailed};
-    return {document, isPassed ? kDone : kLimitBroken};
+    return {document, isPassed ? kDone : kLimitBroken,
+            writeReport(options, subject, reading, quality, findings, isPassed)};
 }
 
 void check(const VerifyOptions& options) {
@@ -156,6 +185,7 @@ void AddVerifyCommand(CLI::App& tool, Work& work) {
     AddParsed(*command, "--max-patch", options->maxPatch, parseLimit, "a decimal of 0 or above",
               "The greatest CIEDE2000 of a patch that passes; above it the exit status is 3")
         ->type_name("Y");
+    AddReportOption(*command, options->report);
     command->callback([options, &work] {
         check(*options);
         work = [options] { return verify(*options); };

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "calibration/illuminants.h"
 #include "chart/patch_names.h"
 #include "foundation/CTivImage.h"
+#include "report/markup_impl.h"
 
 namespace {
 
@@ -51,6 +53,20 @@ Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Fi
 Report ReportVerification(const VerifiedQuality& quality, const std::vector<Finding>& findings, const ChartSize& chart,
                           const PatchOutlines& outlines) {
     return reportPatches(quality.patches, quality.delivered, quality.before, findings, chart, outlines);
+}
+
+std::vector<ReportRow> ReportSettings(const CTivTonewrightDC& engine, bool isPerceptual) {
+    constexpr const char* kSaturations[] = {"automatic", "manual", "none"};
+    const bool isRelative = engine.GetCalibrationMode() == 1;
+    const CalibrationIlluminant* illuminant = FindIlluminant(engine.GetIlluminant());
+    const int saturation = engine.GetSaturationMode();
+    std::vector<ReportRow> rows = {{"Mode", isRelative ? "relative, against a picture" : "absolute"}};
+    if (!isRelative && illuminant) rows.push_back({"Illuminant", illuminant->label});
+    rows.push_back({"Terms", std::to_string(engine.GetXformSize())});
+    rows.push_back({"Fit", isPerceptual ? "perceptual" : "least squares"});
+    rows.push_back({"Gamma", markup::Fixed(static_cast<double>(engine.GetGamma()), 2)});
+    if (saturation >= 0 && saturation < 3) rows.push_back({"Saturation", kSaturations[saturation]});
+    return rows;
 }
 
 CTivImage ReportPicture(const CTivImage& picture) {

@@ -21,6 +21,10 @@ Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Fi
 Report ReportVerification(const VerifiedQuality& quality, const std::vector<Finding>& findings, const ChartSize& chart,
                           const PatchOutlines& outlines);
 
+/// Mode, illuminant, terms, gamma and saturation in words.
+/// @param isPerceptual the transform in force is the refined one
+std::vector<ReportRow> ReportSettings(const CTivTonewrightDC& engine, bool isPerceptual);
+
 /// The picture in the 8 bits a channel that a report shows: deep ones by their highest bits.
 /// @return empty for a format that has no colors
 CTivImage ReportPicture(const CTivImage& picture);
