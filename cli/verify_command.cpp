@@ -113,10 +113,10 @@ Json describeLimit(const std::optional<float>& limit) { return limit ? ToNumber(
 
 std::string describeVerdict(const VerifyOptions& options) {
     std::string text;
-    if (options.maxMean) text = "mean difference at most " + toText(static_cast<double>(*options.maxMean));
+    if (options.maxMean) text = "mean difference at most " + ToText(static_cast<double>(*options.maxMean), 2);
     if (options.maxPatch) {
         text += std::string(text.empty() ? "" : ", ") + "each patch at most " +
-                toText(static_cast<double>(*options.maxPatch));
+                ToText(static_cast<double>(*options.maxPatch), 2);
     }
     return text;
 }
