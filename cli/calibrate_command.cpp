@@ -187,7 +187,7 @@ void writeReports(OutputSet& outputs, const Calibration& calibration, const Cali
     const auto& [engine, transform, quality, findings] = calibration;
     const std::string name = std::filesystem::path(options.chart.image).filename().string();
     Report report =
-        ReportCalibration(quality, findings, engine.GetXformSize(), options.chart.chart, OutlinesOf(reading));
+        ReportCalibration(quality, findings, engine.GetXformSize(), options.chart.GetSize(), OutlinesOf(reading));
     report.title = "Calibration of " + name;
     report.settings = {{"Picture", options.chart.image}};
     if (options.target.reference) report.settings.push_back({"Reference", *options.target.reference});

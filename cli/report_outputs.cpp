@@ -94,16 +94,8 @@ void AddExportOption(CLI::App& command, ReportOptions& options) {
 }
 
 PatchOutlines OutlinesOf(const ChartReading& reading) {
-    PatchOutlines outlines;
-    const double halfWidth = reading.detector.GetPatchWidth() / 2.0,
-                 halfHeight = reading.detector.GetPatchHeight() / 2.0;
-    for (const auto& [x, y] : reading.measured.places) {
-        outlines.push_back({{{x - halfWidth, y - halfHeight},
-                             {x + halfWidth, y - halfHeight},
-                             {x + halfWidth, y + halfHeight},
-                             {x - halfWidth, y + halfHeight}}});
-    }
-    return outlines;
+    if (reading.found) return OutlineFound(*reading.found);
+    return OutlineGrid(reading.measured.places, reading.detector.GetPatchWidth(), reading.detector.GetPatchHeight());
 }
 
 void WriteReport(OutputSet& outputs, const ReportOptions& options, Report report, const CTivImage& picture) {

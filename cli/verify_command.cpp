@@ -125,7 +125,7 @@ std::shared_ptr<OutputSet> writeReport(const VerifyOptions& options, const Subje
                                        const ChartReading& reading, const VerifiedQuality& quality,
                                        const std::vector<Finding>& findings, bool isPassed) {
     const auto outputs = std::make_shared<OutputSet>();
-    Report report = ReportVerification(quality, findings, options.chart.chart, OutlinesOf(reading));
+    Report report = ReportVerification(quality, findings, options.chart.GetSize(), OutlinesOf(reading));
     report.title = "Verification on " + std::filesystem::path(options.chart.image).filename().string();
     report.verdict = describeVerdict(options);
     report.hasPassed = isPassed;

@@ -36,6 +36,25 @@ double meanOf(const std::array<double, 3>& channels) { return (channels[0] + cha
 
 }  // namespace
 
+PatchOutlines OutlineGrid(const std::vector<std::array<double, 2>>& places, double width, double height) {
+    PatchOutlines outlines;
+    const double w = width / 2, h = height / 2;
+    for (const auto& [x, y] : places)
+        outlines.push_back({{{x - w, y - h}, {x + w, y - h}, {x + w, y + h}, {x - w, y + h}}});
+    return outlines;
+}
+
+PatchOutlines OutlineFound(const FoundChart& found) {
+    PatchOutlines outlines;
+    for (const FoundPatch& patch : found.patches) {
+        auto& outline = outlines.emplace_back();
+        for (std::size_t i = 0; i < outline.size(); ++i) {
+            outline[i] = {(patch.center.x + patch.corners[i].x) / 2, (patch.center.y + patch.corners[i].y) / 2};
+        }
+    }
+    return outlines;
+}
+
 Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Finding>& findings, int terms,
                          const ChartSize& chart, const PatchOutlines& outlines) {
     Report report = reportPatches(quality.patches, quality.delivered, quality.before, findings, chart, outlines);

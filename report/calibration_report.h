@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "chart/FoundChart.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/findings.h"
 #include "report/html_report.h"
@@ -12,6 +13,11 @@ class CTivImage;
 
 /// The corners of each patch in the picture's pixels, in chart order.
 using PatchOutlines = std::vector<std::array<std::array<double, 2>, 4>>;
+
+/// Where the straight grid measures: rectangles around the patches' places.
+PatchOutlines OutlineGrid(const std::vector<std::array<double, 2>>& places, double width, double height);
+/// Where a chart that was found is measured: the inner half of each patch.
+PatchOutlines OutlineFound(const FoundChart& found);
 
 /// The figures of a calibration as a report shows them. Title, picture and settings are the caller's to add.
 Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Finding>& findings, int terms,
