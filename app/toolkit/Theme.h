@@ -35,7 +35,8 @@ struct Colors {
     QColor accent;  ///< what white text stands on
     QColor accentDeep;
     QColor accentSoft;
-    QColor lit;  ///< focus and the chosen tab, as a text or a line
+    QColor lit;     ///< focus and the chosen tab, as a text or a line
+    QColor chosen;  ///< around the selected viewer
     QColor hover;
     QColor pressed;
     QColor selection;  ///< a selected row, a checked button

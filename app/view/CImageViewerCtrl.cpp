@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "app/toolkit/Theme.h"
 #include "app/view/CDemoImageViewerComm.h"
 #include "app/view/CDemoUtil.h"
 #include "app/view/ViewerHost.h"
@@ -309,13 +310,14 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
     }
 }
 
-/// A sunken edge, whose inner line shines while the viewer is the selected one. Filled and not drawn with a pen, which
-/// leaves device pixels out where one logical pixel is several.
+/// A sunken edge, which shines while the viewer is the selected one. Filled and not drawn with a pen, which leaves
+/// device pixels out where one logical pixel is several.
 void CImageViewerCtrl::PaintEdge(QPainter& painter) const {
+    if (selected_) return painter.fillRect(rect(), theme::Now().chosen);
     const QRect outer = rect(), inner = outer.adjusted(1, 1, -1, -1);
     painter.fillRect(outer, palette().color(QPalette::Light));
     painter.fillRect(outer.adjusted(0, 0, -1, -1), palette().color(QPalette::Dark));
-    painter.fillRect(inner, selected_ ? palette().color(QPalette::Highlight) : QColor(Qt::black));
+    painter.fillRect(inner, Qt::black);
 }
 
 void CImageViewerCtrl::PaintBackground(QPainter& painter) {
