@@ -10,6 +10,7 @@
 #include <exception>
 
 #include "acquisition/CTonewrightAcq.h"
+#include "acquisition/zvn/ZvnManager.h"
 #include "app/FrameMessage.h"
 #include "app/GetEngine.h"
 #include "app/RibbonControls.h"
@@ -48,6 +49,15 @@ std::unique_ptr<CTonewrightAcq> makeSession(QWidget* parentWindow) {
     }
 }
 
+/// What the devices' backend tells, on whatever thread, goes into the log.
+void listenToDevices(CMainFrame& frame) {
+    ZvnManager::SetStatusListener([&frame](ZvnStatus kind, const std::string& text) {
+        const int type = kind == ZvnStatus::Note ? LogWarning : LogError;
+        const QString words = QString::fromStdString(text);
+        QMetaObject::invokeMethod(&frame, [&frame, type, words] { frame.LogMessage(words, type); });
+    });
+}
+
 }  // namespace
 
 CMainFrame::CMainFrame() : m_baseDir(baseDirectory()) {
@@ -68,7 +78,10 @@ CMainFrame::CMainFrame() : m_baseDir(baseDirectory()) {
 }
 
 // The road of the frames closes first, so that the session's thread, which ends with the members, waits for nothing.
-CMainFrame::~CMainFrame() { frame_message::Close(); }
+CMainFrame::~CMainFrame() {
+    ZvnManager::SetStatusListener(nullptr);
+    frame_message::Close();
+}
 
 bool CMainFrame::OnCreate() {
     setAcceptDrops(true);
@@ -93,6 +106,7 @@ bool CMainFrame::OnCreate() {
     m_workflow->Get<ParameterSteps>().SyncControlsFromEngine();
     UpdateCommands();
     frame_message::Open(*this);
+    listenToDevices(*this);
     return true;
 }
 

@@ -1,5 +1,6 @@
 // Where window and workflow meet: what commands show on the screen, and frames on their way to it.
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QTest>
 
@@ -81,6 +82,14 @@ TEST_F(FrameWorkflow, SnappedFrameComesToTheRawViewer) {
     ASSERT_TRUE(WaitForPicture());
     EXPECT_EQ(frame->RawViewer().Image().GetWidth(), 32);
     EXPECT_EQ(Status(317), "Buffer information");
+}
+
+TEST_F(FrameWorkflow, WhatTheDevicesBackendTellsStandsInTheLog) {
+    QDir(folder.path()).mkdir("empty");
+    Connect("[Grabber]\nkind = frame grabber\npictures = empty\n");
+    const Rows log = Log();
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ(log[0], (LogRow{Path("empty").toStdString() + ": holds no .bmp", LogError}));
 }
 
 // The processing thread waits for a window that no longer takes its message.
