@@ -12,7 +12,6 @@ namespace {
 constexpr int kTermCounts[] = {4, 7, 10};
 constexpr std::size_t kMostSinglePatches = 240;  // patches that are left out one by one
 constexpr std::size_t kShares = 10;              // of a greater chart, left out one after the other
-constexpr double kNeutralChroma = 5.0;           // a target below it is a neutral patch; the chart's own lie below 3
 
 std::vector<Lab> toLab(std::span<const Xyz> colors) {
     std::vector<Lab> result;
@@ -116,7 +115,7 @@ void judgeNeutrals(CalibrationQuality& quality) {
     double sum = 0;
     for (std::size_t i = 0; i < quality.patches.size(); ++i) {
         const JudgedPatch& patch = quality.patches[i];
-        if (std::hypot(patch.targetLab[1], patch.targetLab[2]) >= kNeutralChroma) continue;
+        if (!IsNeutral(patch.targetLab)) continue;
         quality.neutralPatches.push_back(static_cast<int>(i) + 1);
         sum += std::hypot(patch.deliveredLab[1], patch.deliveredLab[2]);
     }

@@ -1,6 +1,7 @@
 #include "quality/color_spaces.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "calibration/CalibrationTables.h"
 
@@ -57,6 +58,8 @@ Xyz ToXyz(const LinearRgb& color) { return multiply(matrices().toXyz, color); }
 LinearRgb ToLinearRgb(const Xyz& color) { return multiply(matrices().toRgb, color); }
 
 Lab ToLab(const LinearRgb& color) { return XyzToLab(ToXyz(color)); }
+
+bool IsNeutral(const Lab& target) { return std::hypot(target[1], target[2]) < 5.0; }
 
 std::vector<Xyz> ToXyz(const CalibrationTargets& targets) {
     const Matrix3 matrix = targets.adaptation ? toMatrix3(*targets.adaptation) : matrices().toXyz;

@@ -14,5 +14,8 @@ Xyz ToXyz(const LinearRgb& color);
 LinearRgb ToLinearRgb(const Xyz& color);
 Lab ToLab(const LinearRgb& color);
 
+/// Whether a target is that of a neutral patch: its chroma is below 5, where the chart's own lie below 3.
+bool IsNeutral(const Lab& target);
+
 /// What a calibration aims at as XYZ under D65, whatever its mode.
 std::vector<Xyz> ToXyz(const CalibrationTargets& targets);

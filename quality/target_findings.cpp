@@ -19,8 +19,7 @@ constexpr double kSlope = 0.15;                         // of the light, from ed
 constexpr double kSlopeDoubt = 3.0;                     // a slope counts from so many of its standard errors on
 constexpr double kBetterOrder = 0.4;                    // an order fits clearly better from this share of the error on
 constexpr double kPoorOrder = 0.15;                     // an error below it is that of a chart read as it lies
-constexpr double kNeutralChroma = 5.0;
-constexpr double kLeastLuminance = 0.01;  // of a target that the light is judged by
+constexpr double kLeastLuminance = 0.01;                // of a target that the light is judged by
 constexpr std::size_t kOrderedPatches = 24;
 
 struct NeutralPatch {
@@ -42,8 +41,7 @@ std::vector<NeutralPatch> usableNeutrals(const MeasuredChart& chart) {
     const double fullScale = GetChannelFullScale(chart.format);
     for (std::size_t i = 0; i < chart.patches.size(); ++i) {
         const PatchMeasurement& patch = chart.patches[i];
-        const Lab target = XyzToLab(chart.targets[i]);
-        if (patch.pixels == 0 || IsClipped(patch) || std::hypot(target[1], target[2]) >= kNeutralChroma) continue;
+        if (patch.pixels == 0 || IsClipped(patch) || !IsNeutral(XyzToLab(chart.targets[i]))) continue;
         neutrals.push_back(
             {chart.targets[i][1], {patch.mean[0] / fullScale, patch.mean[1] / fullScale, patch.mean[2] / fullScale}});
     }

@@ -62,6 +62,41 @@ TEST_F(Verify, AnotherShotKeepsTheLimitsOrBreaksThem) {
     EXPECT_EQ(RunTool({"verify", darker, "--parameters", Path("p.twkp")}).status, 0) << "without limits none is broken";
 }
 
+/// The chart turned by an angle and tilted, twice as large, on gray ground, a third darker and with noise.
+CTivImage warped(const CTivImage& chart) {
+    std::mt19937 random(2);
+    std::normal_distribution<double> noise(0, 1.5);
+    constexpr int size = 700;
+    CTivImage picture(size, size, CTivData::FormatRgb, nullptr, true);
+    const double cosine = std::cos(0.5), sine = std::sin(0.5);
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            const double dx = x - size / 2, dy = y - size / 2;
+            const double depth = 1.8 * (1 + 0.0004 * dx - 0.0002 * dy);
+            const double u = (cosine * dx + sine * dy) / depth + chart.GetWidth() / 2.0;
+            const double v = (cosine * dy - sine * dx) / depth + chart.GetHeight() / 2.0;
+            const bool isOn = u >= 0 && v >= 0 && u < chart.GetWidth() && v < chart.GetHeight();
+            const std::uint32_t word =
+                isOn ? chart.GetData(static_cast<int>(u), static_cast<int>(v)).AsRgb() : 0x404040;
+            const auto channel = [&](int shift) {
+                const double value = (word >> shift & 0xFF) * 2.0 / 3 + noise(random);
+                return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0));
+            };
+            picture.SetData(x, y, CTivData::Rgb(channel(16), channel(8), channel(0)));
+        }
+    }
+    return picture;
+}
+
+TEST_F(Verify, FindsAWarpedChart) {
+    const std::string second = WriteImage("warped.bmp", warped(CameraChart().Draw()));
+    const ToolRun kept = RunTool({"verify", second, "--find", "--parameters", Path("p.twkp"), "--max-mean", "15"});
+    ASSERT_EQ(kept.status, 0) << kept.err;
+    EXPECT_EQ(kept.Document()["found"], true);
+    EXPECT_EQ(kept.Document()["passed"], true);
+    EXPECT_EQ(RunTool({"verify", second, "--find", "--parameters", Path("p.twkp"), "--max-mean", "3"}).status, 3);
+}
+
 TEST_F(Verify, OnItsOwnPictureItTellsWhatCalibrateTells) {
     const std::string first = Path("first.bmp");
     const json told = RunTool({"calibrate", first, "--illuminant", "D65"}).Document()["quality"];
