@@ -79,9 +79,9 @@ say "a user's illuminant from a CSV file"
 tip h a b
 tip h i t; key Down Home Return; sleep 1
 white=(0.83749 0.88497 0.92462)
-xdotool mousemove 20 227 click --repeat 2 --delay 80 1; sleep 0.5
+xdotool mousemove 48 226 click --repeat 2 --delay 80 1; sleep 0.5
 for value in "${white[@]}"; do xdotool type "$value"; key Tab; done; key Escape; shot editing
-xdotool mousemove 55 850 click 1; name "$root/tests/road/d65.csv"; shot matrix-size; key Return; sleep 1; shot values
+xdotool mousemove 61 820 click 1; name "$root/tests/road/d65.csv"; shot matrix-size; key Return; sleep 1; shot values
 key ctrl+e; name "$out/user.ccor"
 "$tool" calibrate "$chart" --illuminant user --values "$root/tests/road/d65.csv" \
   --white "$(IFS=,; echo "${white[*]}")" --coefficients "$out/user-tool.ccor" >"$out/user.json"
