@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDockWidget>
+#include <QMargins>
 #include <QScreen>
 
 #include "app/CMainFrame.h"
@@ -18,9 +19,11 @@ constexpr const char* kPanes = "Panes";
 constexpr const char* kChrome = "Chrome";
 constexpr int kPanesVersion = 1;  // an arrangement of another version is not read
 
+constexpr QMargins kFrame{8, 36, 8, 8};  // room for the frame that the desktop draws around the window
+
 QList<QRect> screensOfToday() {
     QList<QRect> screens;
-    for (const QScreen* screen : QGuiApplication::screens()) screens += screen->availableGeometry();
+    for (const QScreen* screen : QGuiApplication::screens()) screens += screen->availableGeometry() - kFrame;
     return screens;
 }
 

@@ -145,8 +145,7 @@ void CImageViewerCtrl::FitToWindow() {
 }
 
 void CImageViewerCtrl::FitIfLarger() {
-    const QSize window = contentsRect().size();
-    if (image_.GetWidth() > window.width() || image_.GetHeight() > window.height()) FitToWindow();
+    if (View().FitIfLarger()) ZoomChanged();
 }
 
 void CImageViewerCtrl::ResetTracker() {

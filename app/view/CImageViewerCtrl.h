@@ -47,7 +47,7 @@ public:
     void FitHeight();
     void FitWidth();
     void FitToWindow();
-    void FitIfLarger() override;  ///< FitToWindow where the image is larger than the window
+    void FitIfLarger() override;  ///< as ViewGeometry's
 
     /// Shows or hides the ROI; one that was never shown becomes the displayed part less a fiftieth on each side.
     void EnableRoi(bool on);

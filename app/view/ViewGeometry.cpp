@@ -84,7 +84,11 @@ void ViewGeometry::ResetScale() {
 void ViewGeometry::ApplyFit() {
     const float byWidth = static_cast<float>(clientWidth_) / static_cast<float>(imageWidth_);
     const float byHeight = static_cast<float>(clientHeight_) / static_cast<float>(imageHeight_);
-    ApplyZoom(fit_ == Fit::Width ? byWidth : fit_ == Fit::Height ? byHeight : std::min(byWidth, byHeight));
+    const float byBoth = std::min(byWidth, byHeight);
+    ApplyZoom(fit_ == Fit::Width    ? byWidth
+              : fit_ == Fit::Height ? byHeight
+              : fit_ == Fit::Whole  ? std::min(byBoth, 1.0f)
+                                    : byBoth);
 }
 
 void ViewGeometry::FitHeight() {
@@ -100,6 +104,13 @@ void ViewGeometry::FitWidth() {
 void ViewGeometry::FitToWindow() {
     fit_ = Fit::Window;
     ApplyFit();
+}
+
+bool ViewGeometry::FitIfLarger() {
+    const bool isLarger = imageWidth_ > clientWidth_ || imageHeight_ > clientHeight_;
+    if (isLarger || zoom_ == 1.0f) fit_ = Fit::Whole;
+    if (isLarger) ApplyFit();
+    return isLarger;
 }
 
 void ViewGeometry::Layout() {

@@ -25,6 +25,10 @@ public:
     void FitHeight();          ///< the image's height fills the client area's; limited as by SetZoom
     void FitWidth();
     void FitToWindow();  ///< the lesser of both
+    /// The same where the image is larger than the window; else the zoom stays. A zoom of 1.0 then goes down and up
+    /// with the window, so that the image stays whole, but never over 1.0.
+    /// @return whether the zoom was fitted
+    bool FitIfLarger();
 
     const ViewRect& GetSource() const { return source_; }            ///< image pixels
     const ViewRect& GetDestination() const { return destination_; }  ///< client pixels
@@ -69,7 +73,7 @@ private:
     float zoom_ = 1.0f;
     int clientWidth_ = 0, clientHeight_ = 0;
     int imageWidth_ = 0, imageHeight_ = 0;
-    enum class Fit { None, Height, Width, Window } fit_ = Fit::None;
+    enum class Fit { None, Height, Width, Window, Whole } fit_ = Fit::None;
     ViewRect source_;
     ViewRect destination_;
     ViewPoint anchor_;  // (0, 0) when there is none

@@ -121,7 +121,7 @@ TEST_F(FramePanes, KeyTipsLeaveTextsAndBoxesReadable) {
 
 TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
     EXPECT_FALSE(frame->RestoreLayout()) << "nothing to remember yet";
-    frame->setGeometry(10, 20, 700, 600);
+    frame->setGeometry(10, 40, 700, 600);
     frame->show();
     Run(ID_CBTN_LOG);
     Run(ID_CBTN_RAW_COLOR_LIST);
@@ -131,7 +131,7 @@ TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
     EXPECT_FALSE(frame->Logger().isHidden()) << "a start without a memory is as ever";
     ASSERT_TRUE(frame->RestoreLayout());
     frame->show();
-    EXPECT_EQ(frame->geometry(), QRect(10, 20, 700, 600));
+    EXPECT_EQ(frame->geometry(), QRect(10, 40, 700, 600));
     EXPECT_TRUE(frame->Logger().isHidden());
     EXPECT_FALSE(frame->RawColorPane().isHidden());
     EXPECT_EQ(frame->dockWidgetArea(&frame->RawColorPane()), Qt::RightDockWidgetArea);

@@ -123,6 +123,30 @@ TEST(ViewGeometry, AFitIsKeptInOtherWindowsUntilTheUserZoomsOrDrags) {
                     0.5f);
 }
 
+TEST(ViewGeometry, AnImageThatWasShownWholeStaysSoAndIsNeverEnlarged) {
+    struct Case {
+        int firstWindow;
+        bool isFitted;
+        float zoom, inSmaller, inLarger;
+    };
+    for (const Case& c : {Case{400, true, 0.5f, 0.25f, 1.0f}, Case{1000, false, 1.0f, 0.25f, 1.0f}}) {
+        ViewGeometry view;
+        view.Adapt(c.firstWindow, c.firstWindow, 800, 600);
+        EXPECT_EQ(view.FitIfLarger(), c.isFitted);
+        EXPECT_FLOAT_EQ(view.GetZoom(), c.zoom);
+        view.Adapt(200, 200, 800, 600);
+        EXPECT_FLOAT_EQ(view.GetZoom(), c.inSmaller);
+        view.Adapt(2000, 2000, 800, 600);
+        EXPECT_FLOAT_EQ(view.GetZoom(), c.inLarger);
+    }
+    ViewGeometry zoomed;
+    zoomed.Adapt(1000, 1000, 800, 600);
+    zoomed.SetZoom(0.75f);
+    EXPECT_FALSE(zoomed.FitIfLarger());
+    zoomed.Adapt(200, 200, 800, 600);
+    EXPECT_FLOAT_EQ(zoomed.GetZoom(), 0.75f);
+}
+
 TEST(ViewGeometry, ARoiIsNudgedAsFarAsTheImageGoes) {
     struct Case {
         const char* what;
