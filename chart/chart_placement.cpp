@@ -12,6 +12,8 @@ constexpr double kSampleReach = 0.2;        // of a step
 constexpr double kMargin = 0.3;             // of a step: so far inside the picture a patch's centre must lie
 constexpr double kWorthMatching = 0.75;     // a residual of a quick look above which nothing good comes
 constexpr std::size_t kMatched = 5;         // placements a lattice that are matched in full
+constexpr std::size_t kMatchedFull = 8;     // further ones in which most was seen
+constexpr int kSeenMargin = 1;              // patches fewer still are most
 constexpr std::size_t kMatchedPartly = 32;  // of those that leave the picture
 constexpr int kOutliers = 3;                // patches that may be covered or washed out
 
@@ -185,13 +187,21 @@ std::vector<PlacementSearch::Looked> PlacementSearch::LookAt(const Cells& cells,
         for (std::size_t i = 0; i < lights.size(); ++i) lights[i] = &cells.At(place, i).light;
         looked.push_back({place, matcher_.Look(lights)});
     }
+    // Where most was seen the chart is worth more than a look: covered patches spoil that.
+    int most = 0;
+    for (const Looked& one : looked) most = std::max(most, one.place.seen);
+    const auto isFull = [&](const Looked& one) { return one.place.seen >= most - kSeenMargin; };
     std::stable_sort(looked.begin(), looked.end());
-    if (looked.size() > kMatched) looked.resize(kMatched);
-    for (Looked& one : looked) {
-        if (one.match.residual > kWorthMatching) continue;
-        one.match = MatchAt(cells, one.place, one.match.exponent, kOutliers);
+    std::size_t full = 0;
+    std::vector<Looked> matched;
+    for (std::size_t i = 0; i < looked.size(); ++i) {
+        const bool isBest = i < kMatched && looked[i].match.residual < kWorthMatching;
+        if (!isBest && (!isFull(looked[i]) || full == kMatchedFull)) continue;
+        full += !isBest;
+        matched.push_back(looked[i]);
+        matched.back().match = MatchAt(cells, looked[i].place, looked[i].match.exponent, kOutliers);
     }
-    return looked;
+    return matched;
 }
 
 /// The placements that leave the picture, judged by what is left of them: those in which most was seen.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "chart/plane_map_impl.h"
 
@@ -14,8 +15,10 @@ constexpr double kCompression = 0.4;  // differences count in about equal steps 
 constexpr double kDark = 0.01;        // of white's Y: darker patches weigh as this one
 constexpr double kClipped = 252;      // toned level from which a channel tells only that it is bright
 constexpr int kSlopeRounds = 3;
-constexpr double kMaxSlope = 0.6;       // of the light, over the unit of place
-constexpr double kOutlierShare = 0.25;  // of all that is unexplained, in one patch: it may be left out
+constexpr double kMaxSlope = 0.6;  // of the light, over the unit of place
+constexpr int kRobustRounds = 8;
+constexpr double kLeastError = 0.01;  // of the largest error: smaller ones pull no harder
+constexpr double kOutlying = 3;       // times the median error: from there on a patch may be left out
 constexpr std::size_t kChannels = 3;
 
 double square(double x) { return x * x; }
@@ -196,33 +199,56 @@ bool ColorMatcher::FitAll(std::span<const PatchSample> samples, double exponent,
     return FitMix(fit);
 }
 
+std::vector<std::size_t> ColorMatcher::FindOutliers(std::span<const PatchSample> samples, double exponent, int allowed,
+                                                    Fit& fit) const {
+    // Least absolute errors by reweighting: a few wrong colors pull it hardly, as they would pull least squares.
+    if (!FitAll(samples, exponent, fit)) return {};
+    const Light plain = fit.weight;
+    std::vector<double> errors(samples.size());
+    for (int round = 0;; ++round) {
+        double most = 0;
+        for (std::size_t i = 0; i < errors.size(); ++i) {
+            double sum = 0;
+            for (std::size_t c = 0; c < kChannels; ++c) sum += plain[i][c] * square(fit.error[i][c]);
+            errors[i] = std::sqrt(sum);
+            most = std::max(most, errors[i]);
+        }
+        if (round == kRobustRounds) break;
+        for (std::size_t i = 0; i < errors.size(); ++i) {
+            for (std::size_t c = 0; c < kChannels; ++c) {
+                fit.weight[i][c] = plain[i][c] / (errors[i] + kLeastError * most);
+            }
+        }
+        if ((round % 2 == 1 && !FitSlope(samples, fit)) || !FitMix(fit)) return {};
+    }
+    std::vector<double> sorted = errors;
+    std::nth_element(sorted.begin(), sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2), sorted.end());
+    const double limit = kOutlying * sorted[sorted.size() / 2];
+    std::vector<std::size_t> order(errors.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return errors[a] > errors[b]; });
+    order.resize(std::min(order.size(), static_cast<std::size_t>(allowed)));
+    std::erase_if(order, [&](std::size_t i) { return errors[i] <= limit; });
+    return order;
+}
+
 ColorMatch ColorMatcher::Match(std::span<const PatchSample> samples, double exponent, int allowedOutliers) const {
     ColorMatch best;
     Fit fit(design_.size());
+    const auto judge = [&](std::span<const PatchSample> kept, double tried) {
+        if (!FitAll(kept, tried, fit)) return;
+        const double residual = fit.Residual();
+        if (residual >= best.residual) return;
+        best = {residual, tried, {}};
+        for (const PatchSample& sample : kept) best.isUsed.push_back(sample.isUsed);
+    };
     for (const double tried : kExponents) {
         if (tried > 1.6 * exponent || exponent > 1.6 * tried) continue;
+        judge(samples, tried);
+        if (allowedOutliers == 0) continue;
         std::vector<PatchSample> kept(samples.begin(), samples.end());
-        for (int left = allowedOutliers; FitAll(kept, tried, fit); --left) {
-            const double residual = fit.Residual();
-            if (residual < best.residual) {
-                best = {residual, tried, {}};
-                for (const PatchSample& sample : kept) best.isUsed.push_back(sample.isUsed);
-            }
-            if (left == 0) break;
-            double most = 0, whole = 0;
-            std::size_t worst = 0;
-            for (std::size_t i = 0; i < kept.size(); ++i) {
-                double error = 0;
-                for (std::size_t c = 0; c < kChannels; ++c) error += fit.weight[i][c] * square(fit.error[i][c]);
-                whole += error;
-                if (error > most) {
-                    most = error;
-                    worst = i;
-                }
-            }
-            if (most < kOutlierShare * whole) break;
-            kept[worst].isUsed = false;
-        }
+        for (const std::size_t i : FindOutliers(samples, tried, allowedOutliers, fit)) kept[i].isUsed = false;
+        judge(kept, tried);
     }
     return best;
 }

@@ -50,6 +50,8 @@ private:
 
     bool FitMix(Fit& fit) const;
     bool FitSlope(std::span<const PatchSample> samples, Fit& fit) const;
+    std::vector<std::size_t> FindOutliers(std::span<const PatchSample> samples, double exponent, int allowed,
+                                          Fit& fit) const;
     bool FitAll(std::span<const PatchSample> samples, double exponent, Fit& fit) const;
 
     std::vector<Row> design_;      // X, Y, Z, 1
