@@ -171,7 +171,10 @@ private:
             edged += edges[i] >= 3;
         }
         chart.seen = std::max(edged, placement.CountSeen());
-        if (edged < kMinEdged * static_cast<double>(layout_.Count())) return std::nullopt;
+        if (edged < kMinEdged * static_cast<double>(layout_.Count())) {
+            trace_.lacksEdges = true;
+            return std::nullopt;
+        }
         DescribeCorners(chart);
         if (layout_.references.empty()) {
             chart.found = true;

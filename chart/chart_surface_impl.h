@@ -31,14 +31,23 @@ public:
     FoundPatch PatchAt(int column, int row) const;
 
 private:
-    static constexpr std::size_t kTerms = 10;
+    static constexpr std::size_t kTerms = 10, kUnknowns = 2 * kTerms + 2;
     struct Edge;
     struct Look;
     std::vector<Edge> FindEdges(const SmoothPicture& picture, const Look& look) const;
     bool Aim(Edge& edge, ChartPoint& at, ChartPoint& side, double& step) const;
     bool FindEdge(const SmoothPicture& picture, const Look& look, Edge& edge) const;
     void TakeSides(std::span<const Edge> edges);
+    void Weigh(std::span<Edge> edges, double limit) const;
+    std::array<double, kUnknowns> EquationOf(const Edge& edge) const;
     bool Fit(std::span<Edge> edges);
+    std::vector<int> CountSides(std::span<const Edge> edges) const;
+    std::size_t SideIndex(int column, int row, int side) const {
+        return static_cast<std::size_t>(4 * (row * columns_ + column) + side);
+    }
+    std::optional<ChartPoint> OwnShift(std::span<const Edge> edges, std::size_t patch) const;
+    /// Fits the map to the patches whose edges are all seen; what a lattice took for patches may be noise.
+    void Straighten(std::span<const Edge> edges);
     void ShiftPatches(std::span<const Edge> edges);
     double Offset(const Edge& edge) const;
     std::array<double, kTerms> TermsAt(const ChartPoint& place) const;
@@ -49,4 +58,5 @@ private:
     std::array<double, 2> side_ = {0.84, 0.84};
     std::array<std::array<double, kTerms>, 2> bend_ = {};  // pixels
     std::vector<ChartPoint> shifts_;                       // of single patches, pixels
+    std::vector<bool> sharp_;                              // sides of patches that have an edge
 };

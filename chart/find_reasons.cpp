@@ -41,6 +41,10 @@ FoundChart Refused(const FindTrace& trace) {
     } else if (isCut) {
         chart.refusal = FindRefusal::TooFew;
         chart.text = seenText(trace.seen) + "; " + outsideText(trace);
+    } else if (trace.lacksEdges) {
+        chart.refusal = FindRefusal::TooFew;
+        chart.text =
+            seenText(trace.seen) + ", but too few of them have clear edges: the picture is too noisy or blurred";
     } else if (trace.seen < trace.needed) {
         chart.refusal = FindRefusal::TooFew;
         chart.text = seenText(trace.seen) + "; of the chart's " + std::to_string(trace.patches) + " at least " +

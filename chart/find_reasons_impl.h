@@ -13,6 +13,7 @@ struct FindTrace {
     int patches = 0;                   ///< of the chart
     bool fitsTwice = false;            ///< colors match, but in more than one way
     std::array<bool, 4> outside = {};  ///< corners of the chart, as FoundChart::corners, that are not in the picture
+    bool lacksEdges = false;           ///< colors match, but too few patches have edges where they should
     bool isByShape = false;            ///< the layout has no colors
     bool isRoi = false;                ///< only a part was looked at
 };
