@@ -47,7 +47,7 @@ void BlobArray::Release() {
 
 void BlobArray::AddBlock(std::int64_t count) {
     if (count <= 0) return;
-    void* memory = nur_alloc(static_cast<std::uint64_t>(count) * sizeof(BlobRecord));
+    void* memory = nur_alloc(static_cast<std::uint64_t>(count) * sizeof(BlobRecord), true);
     if (!memory) throw std::bad_alloc();
     ListRecords(recordCount_);  // the list goes through the blocks in order
     blocks_.push_back({std::unique_ptr<BlobRecord, Block::Free>(static_cast<BlobRecord*>(memory)), count});

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 #include "bench/bench_support.h"
 #include "imagefile/CTivImageFileFormat.h"
@@ -44,6 +46,36 @@ void RunSave(benchmark::State& state, const BenchSize& size, const std::string& 
     std::filesystem::remove(path);
 }
 
+void PutU32(std::string& bytes, std::size_t offset, std::uint32_t value) {
+    std::memcpy(bytes.data() + offset, &value, sizeof value);
+}
+
+/// A bitmap of 8 bits in run lengths as a photograph has them: a pair of bytes for one to three pixels.
+void WriteRunLengths(const std::string& path, const BenchSize& size) {
+    constexpr std::uint32_t pixelsAt = 54 + 4 * 256;
+    std::string bytes(pixelsAt, '\0');
+    bytes.replace(0, 2, "BM");
+    PutU32(bytes, 10, pixelsAt);
+    PutU32(bytes, 14, 40);
+    PutU32(bytes, 18, static_cast<std::uint32_t>(size.width));
+    PutU32(bytes, 22, static_cast<std::uint32_t>(size.height));
+    PutU32(bytes, 26, 8 << 16 | 1);  // bits, planes
+    PutU32(bytes, 30, 1);            // run lengths
+    for (std::uint32_t i = 0; i < 256; ++i) PutU32(bytes, 54 + 4 * i, i << 16 | (255 - i) << 8 | i / 2);
+    std::mt19937 random(7);
+    for (int y = 0; y < size.height; ++y) {
+        for (int x = 0; x < size.width;) {
+            const int count = std::min(static_cast<int>(random() % 3) + 1, size.width - x);
+            bytes += static_cast<char>(count);
+            bytes += static_cast<char>(random());
+            x += count;
+        }
+        bytes.append(2, '\0');
+    }
+    bytes += std::string("\0\1", 2);
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
 struct Kind {
     const char* name;
     const char* extension;
@@ -60,6 +92,23 @@ void RegisterOurs(const Kind& kind) {
     RegisterAtBothSizes(std::string("BM_Save") + kind.name, [kind](benchmark::State& state, const BenchSize& size) {
         RunSave(state, size, FileOf(kind.extension, size), kind.fileFormat);
     });
+}
+
+void RegisterRunLengths() {
+    RegisterAtBothSizes("BM_LoadBmpRunLength", [](benchmark::State& state, const BenchSize& size) {
+        const std::string path = FileOf("_runs.bmp", size);
+        WriteRunLengths(path, size);
+        RunLoad(state, size, path);
+    });
+#ifdef TONEWRIGHT_HAS_OPENCV
+    RegisterAtBothSizes("BM_LoadBmpRunLength/OpenCV", [](benchmark::State& state, const BenchSize& size) {
+        const std::string path = FileOf("_runs.bmp", size);
+        WriteRunLengths(path, size);
+        for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(cv::imread(path).data);
+        CountPixels(state, size);
+        std::filesystem::remove(path);
+    });
+#endif
 }
 
 #ifdef TONEWRIGHT_HAS_OPENCV
@@ -109,6 +158,7 @@ void RegisterPngs() {
 
 [[maybe_unused]] const bool kRegistered = [] {
     for (const Kind& kind : kKinds) RegisterOurs(kind);
+    RegisterRunLengths();
 #ifdef TONEWRIGHT_HAS_OPENCV
     RegisterPeer("Bmp", ".bmp");
     RegisterPeer("Tiff", ".tif");

@@ -2,6 +2,7 @@
 
 #include "calibration/stream_fields_impl.h"
 #include "foundation/CTivManager.h"
+#include "foundation/record_length.h"
 
 namespace {
 constexpr const char* kName = "CTivTonewrightDC_XForm";

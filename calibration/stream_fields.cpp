@@ -2,13 +2,7 @@
 
 #include "calibration/stream_fields_impl.h"
 #include "foundation/CTivData.h"
-
-std::uint64_t GetStreamLength(std::istream& stream) {
-    stream.seekg(0, std::ios::end);
-    const std::streamoff end = stream.tellg();
-    stream.seekg(0);
-    return end > 0 ? static_cast<std::uint64_t>(end) : 0;
-}
+#include "foundation/record_length.h"
 
 std::string CheckLength(std::istream& stream, std::uint64_t length, std::uint64_t before, int records,
                         std::uint64_t behind) {
@@ -24,7 +18,5 @@ std::string CheckLength(std::istream& stream, std::uint64_t length, std::uint64_
         const auto format = ReadField<CTivData::Format>(stream);
         wanted += CTivData::GetByteCount(format, static_cast<std::uint64_t>(std::max(size, 0)));
     }
-    wanted += behind;
-    if (wanted <= length) return {};
-    return "the file breaks off: it has " + std::to_string(length) + " bytes of at least " + std::to_string(wanted);
+    return DescribeShortage(length, wanted + behind);
 }

@@ -41,9 +41,6 @@ inline void WriteName(std::ostream& stream, const char* name) {
     WriteField(stream, field);
 }
 
-/// @return the length of a stream that can seek, which is left at its beginning
-std::uint64_t GetStreamLength(std::istream& stream);
-
 /// Adds up what a file asks for, from the head of its first vector record, where the stream stands.
 /// @param length of the file @param before bytes before that record @param records in a row @param behind bytes after
 /// @return why the file is too short; empty where it is not, or where something else stands in a record's place

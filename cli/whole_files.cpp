@@ -1,7 +1,5 @@
 #include "cli/whole_files.h"
 
-#include <array>
-#include <bit>
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -9,14 +7,9 @@
 #include "calibration/illuminants.h"
 #include "cli/command.h"
 #include "cli/files.h"
-#include "foundation/CTivImage.h"
+#include "foundation/record_length.h"
 
 namespace {
-
-static_assert(std::endian::native == std::endian::little, "the files are little-endian");
-
-constexpr std::uint64_t kImageHead = 64;
-constexpr std::uint64_t kVectorHead = 44;
 
 std::ifstream open(const std::string& path) {
     RequireFile(path);
@@ -29,25 +22,6 @@ std::ifstream open(const std::string& path) {
 void rewind(std::ifstream& file) {
     file.clear();
     file.seekg(0);
-}
-
-/// Reads the integers of a native record's head that follow its name and version.
-template <std::size_t count>
-std::array<std::int32_t, count> readHead(std::ifstream& file) {
-    constexpr std::streamoff nameAndVersion = 36;
-    std::array<std::int32_t, count> fields{};
-    file.seekg(nameAndVersion);
-    file.read(reinterpret_cast<char*>(fields.data()), sizeof fields);
-    return fields;
-}
-
-void requireLength(std::ifstream& file, const std::string& path, std::uint64_t wanted) {
-    file.clear();
-    file.seekg(0, std::ios::end);
-    const auto length = static_cast<std::uint64_t>(file.tellg());
-    if (length >= wanted) return;
-    throw WorkFailure(path + ": the file breaks off: it has " + std::to_string(length) + " bytes of at least " +
-                      std::to_string(wanted));
 }
 
 void requireTerms(const std::string& path, std::int32_t terms) {
@@ -65,25 +39,12 @@ void RequireOpens(const std::string& path) { open(path); }
 
 void RequireWholeImage(const std::string& path) {
     std::ifstream file = open(path);
-    const auto [width, height, format] = readHead<3>(file);
-    std::uint64_t pixels = 0;  // what has no size is the library's to refuse
-    if (width > 0 && height > 0) {
-        constexpr std::uint64_t beyondAnyFile = std::uint64_t{1} << 62;
-        const auto rowBytes =
-            static_cast<std::uint64_t>(CTivImage::GetRowBytes(width, static_cast<CTivData::Format>(format)));
-        const auto rows = static_cast<std::uint64_t>(height);
-        pixels = rowBytes > beyondAnyFile / rows ? beyondAnyFile : rowBytes * rows;
-    }
-    requireLength(file, path, kImageHead + pixels);
+    requireNoReason(path, CheckImageLength(file));
 }
 
 CTivVector ReadWholeVector(const std::string& path) {
     std::ifstream file = open(path);
-    const auto [size, format] = readHead<2>(file);
-    const auto count = static_cast<std::uint64_t>(std::max(size, 0));
-    const std::uint64_t bytes = CTivData::GetByteCount(static_cast<CTivData::Format>(format), count);
-    if (count > 0 && bytes == 0) throw WorkFailure(path + ": the vector's elements have no size");
-    requireLength(file, path, kVectorHead + bytes);
+    requireNoReason(path, CheckVectorLength(file));
     rewind(file);
     CTivVector vector;
     Require([&] { return vector.ReadFile(file); }, path, "cannot read the vector");

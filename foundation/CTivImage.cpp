@@ -66,6 +66,10 @@ CTivImage& CTivImage::operator=(const CTivImage& source) {
 CTivImage::~CTivImage() = default;
 
 bool CTivImage::Set(int width, int height, CTivData::Format format, void* data, bool copy) {
+    return Assign(width, height, format, data, copy, false);
+}
+
+bool CTivImage::Assign(int width, int height, CTivData::Format format, void* data, bool copy, bool isPromise) {
     if (!impl_) return false;
     if (format == CTivData::FormatBinary && width % 8 != 0) {
         return Refuse("CTivImage::Set => Width of binary images must be multiple of 8");
@@ -78,7 +82,7 @@ bool CTivImage::Set(int width, int height, CTivData::Format format, void* data, 
         impl_->significantBits = CTivData::GetBitsPerChannel(format);
         return true;
     }
-    const int answer = nur_image_alloc(&impl_->record, format, width, height, !data);
+    const int answer = nur_image_alloc(&impl_->record, format, width, height, isPromise);
     if (answer != 0 && data) return Refuse("CTivImage::Set => Cannot copy image data");
     if (answer == -2) {
         return Refuse("CTivImage::Set => Cannot allocate image with negative dimension(s) or invalid format");
@@ -227,7 +231,7 @@ bool CTivImage::ReadFile(std::istream& stream, bool reallocate) {
     const CTivRect roi{fields[3], fields[4], fields[5], fields[6]};
     if (reallocate) {
         if (width == 0 || height == 0 || format == CTivData::FormatNone) return Free();
-        if (!Set(width, height, format, roi, nullptr, false)) return false;
+        if (!Assign(width, height, format, nullptr, false, true) || !SetRoi(roi)) return false;
         if (IsAllocated()) {
             readIntoZeros(stream, GetData(), static_cast<std::uint64_t>(GetImageBytes(width, height, format)));
         }

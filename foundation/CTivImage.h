@@ -85,5 +85,7 @@ public:
     NurImage* GetRecord();
 
 private:
+    /// Set; isPromise as nur_alloc has it: what a file declares counts as it is filled.
+    bool Assign(int width, int height, CTivData::Format format, void* data, bool copy, bool isPromise);
     std::unique_ptr<ImplImage> impl_;
 };

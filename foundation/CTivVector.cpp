@@ -149,7 +149,10 @@ bool CTivVector::ReadFile(std::istream& stream) {
         if (head.size == 0 || head.format == CTivData::FormatNone) return Free();
         bool ready = !isUnevenBinary(head.format, head.size) || Refuse(kBinarySize);
         ready = ready && Free();
-        if (ready && nur_vector_alloc(&impl_->record, head.format, head.size) != 0) ready = Refuse(kCannotAllocate);
+        // Elements without a size would be as many as the file likes to say.
+        if (ready && CTivData::GetFormatBits(head.format) == 0) ready = Refuse(kCannotAllocate);
+        if (ready && nur_vector_alloc(&impl_->record, head.format, head.size, true) != 0)
+            ready = Refuse(kCannotAllocate);
         if (!ready) throw std::runtime_error("failed to reallocate");
         if (impl_->record.data) readIntoZeros(stream, impl_->record.data, dataBytes(impl_->record));
         return true;

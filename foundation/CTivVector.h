@@ -33,8 +33,9 @@ public:
     bool IsAllocated() const;
     void* GetDataPointer() const;
 
-    /// Reads one native record. @return false, reported, for another name or version or a size that cannot be had;
-    /// a stream that breaks off leaves zeros in the place of what never came and is no failure.
+    /// Reads one native record. @return false, reported, for another name or version, a size that cannot be had, or a
+    /// format whose elements have no size; a stream that breaks off leaves zeros in the place of what never came and is
+    /// no failure.
     bool ReadFile(std::istream& stream);
     /// As ReadFile, but into the memory that the vector has: the format must be the same, the size large enough.
     bool ReadFileInPlace(std::istream& stream);

@@ -41,20 +41,18 @@ int nur_image_free(NurImage* image) {
 }
 
 int nur_output_image(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height,
-                     const char* caller) {
+                     const char* caller, bool isPromise) {
     if (!image->data) {
-        if (nur_image_alloc(image, format, width, height) == 0) return 0;
+        if (nur_image_alloc(image, format, width, height, isPromise) == 0) return 0;
         return nur_report(1, NUR_REPORT_MEMORY, caller, static_cast<int>(nur_image_bytes(format, width, height)));
     }
-    if (image->format != format) {
-        if (!nur_same_but_sign(image->format, format)) {
-            return nur_report(1, NUR_REPORT_FORMAT, "%s: incompatible output image type: %s\n", caller,
-                              nur_type_name(image->format));
-        }
-        image->format = format;
+    if (image->format != format && !nur_same_but_sign(image->format, format)) {
+        return nur_report(1, NUR_REPORT_FORMAT, "%s: incompatible output image type: %s\n", caller,
+                          nur_type_name(image->format));
     }
     if (image->roi.width < width || image->roi.height < height) {
         return nur_report(1, NUR_REPORT_FORMAT, "%s: output image size too small\n", caller);
     }
+    image->format = format;
     return 0;
 }

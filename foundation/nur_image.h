@@ -34,15 +34,17 @@ std::int64_t nur_image_bytes(CTivData::Format format, std::int32_t width, std::i
 /// @param isPromise as nur_alloc has it
 /// @return 0; -2 for a negative argument, -1 without memory. A size of 0 gives null data and is no failure.
 int nur_image_alloc(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height,
-                    bool isPromise = true);
+                    bool isPromise = false);
 
 /// Frees the data and empties the record. @return 0; -1 for a format outside the object-type table
 int nur_image_free(NurImage* image);
 
 /// Makes an output record ready (the "reserved memory" check). Without data it is allocated. With data it is kept: a
-/// format that differs only in sign is relabelled, anything else is refused, as is a ROI smaller than asked for.
+/// format that differs only in sign is relabelled, anything else is refused, as is a ROI smaller than asked for; what is
+/// refused stays as it was.
 /// @param caller the name that the error texts begin with
+/// @param isPromise as nur_alloc has it
 /// @return 0, or nur_report's answer after "%s: incompatible output image type: %s\n", "%s: output image size too
 ///         small\n" or the memory text
 int nur_output_image(NurImage* image, CTivData::Format format, std::int32_t width, std::int32_t height,
-                     const char* caller);
+                     const char* caller, bool isPromise = false);

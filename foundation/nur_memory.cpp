@@ -1,6 +1,7 @@
 #include "foundation/nur_memory.h"
 
 #include <sys/mman.h>
+#include <sys/sysinfo.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -18,6 +19,13 @@ struct BlockHead {
     std::uint64_t mappedBytes;
 };
 static_assert(sizeof(BlockHead) <= kAlignment);
+
+/// Memory and swap of the machine. The system itself may be set to promise any size.
+std::uint64_t machineBytes() {
+    struct sysinfo machine {};
+    if (::sysinfo(&machine) != 0) return ~std::uint64_t{0};
+    return (std::uint64_t{machine.totalram} + machine.totalswap) * machine.mem_unit;
+}
 
 void* place(void* base, BlockHead head) {
     std::memcpy(base, &head, sizeof head);
@@ -45,6 +53,7 @@ void* mapBlock(std::uint64_t bytes, bool isPromise) {
 
 void* nur_alloc(std::uint64_t bytes, bool isPromise) {
     if (bytes == 0 || bytes > (std::uint64_t{1} << 46)) return nullptr;
+    if (!isPromise && bytes >= kMappedFrom && bytes > machineBytes()) return nullptr;
     if (bytes >= kMappedFrom) return mapBlock(bytes, isPromise);
     const std::uint64_t whole = (bytes + 2 * kAlignment - 1) / kAlignment * kAlignment;
     void* base = std::aligned_alloc(kAlignment, whole);

@@ -10,7 +10,7 @@ std::uint64_t roundUpTo8(std::uint64_t value) { return (value + 7) / 8 * 8; }
 
 }  // namespace
 
-int nur_vector_alloc(NurVector* vector, CTivData::Format format, std::int32_t size) {
+int nur_vector_alloc(NurVector* vector, CTivData::Format format, std::int32_t size, bool isPromise) {
     if (format < 0 || size < 0) return -2;
     std::int64_t elements = size;
     if (format == CTivData::FormatBinary)
@@ -19,7 +19,7 @@ int nur_vector_alloc(NurVector* vector, CTivData::Format format, std::int32_t si
     const std::uint64_t bytes = (bits * static_cast<std::uint64_t>(elements) + 7) / 8;
     void* data = nullptr;
     if (bytes > 0) {
-        data = nur_alloc(roundUpTo8(bytes));
+        data = nur_alloc(roundUpTo8(bytes), isPromise);
         if (!data) return -1;
     }
     *vector = {format, data, static_cast<std::int32_t>(elements)};
@@ -39,13 +39,11 @@ int nur_output_vector(NurVector* vector, CTivData::Format format, std::int32_t s
         return nur_report(1, NUR_REPORT_MEMORY, caller,
                           static_cast<int>(CTivData::GetByteCount(format, static_cast<std::uint64_t>(size))));
     }
-    if (vector->format != format) {
-        if (!nur_same_but_sign(vector->format, format)) {
-            return nur_report(1, NUR_REPORT_FORMAT, "%s: incompatible output vector type: %s\n", caller,
-                              nur_type_name(vector->format));
-        }
-        vector->format = format;
+    if (vector->format != format && !nur_same_but_sign(vector->format, format)) {
+        return nur_report(1, NUR_REPORT_FORMAT, "%s: incompatible output vector type: %s\n", caller,
+                          nur_type_name(vector->format));
     }
     if (vector->size < size) return nur_report(1, NUR_REPORT_FORMAT, "%s: output vector size too small\n", caller);
+    vector->format = format;
     return 0;
 }

@@ -11,8 +11,9 @@ struct NurVector {
 
 /// Allocates zeroed elements into an empty record; element bits come from the object-type table and FormatBinary sizes
 /// round up to 8. A byte count below 1 gives null data and is no failure.
+/// @param isPromise as nur_alloc has it
 /// @return 0; -2 for a negative format or size, -1 without memory
-int nur_vector_alloc(NurVector* vector, CTivData::Format format, std::int32_t size);
+int nur_vector_alloc(NurVector* vector, CTivData::Format format, std::int32_t size, bool isPromise = false);
 
 /// Frees the data and empties the record. @return 0; -1 for a format outside the object-type table
 int nur_vector_free(NurVector* vector);

@@ -53,7 +53,7 @@ bool LoadNativeFile(CTivImage& image, const std::string& path, bool reallocate) 
 
 bool CTivImage::LoadFrom(CTivImageReader& reader) {
     if (reader.GetFormat().Get() == CTivData::FormatNone) throw std::runtime_error("unrecognized image data format");
-    if (!Set(reader.GetWidth().Get(), reader.GetHeight().Get(), reader.GetFormat().Get(), nullptr, false)) {
+    if (!Assign(reader.GetWidth().Get(), reader.GetHeight().Get(), reader.GetFormat().Get(), nullptr, false, true)) {
         throw std::runtime_error("error allocating image data");
     }
     if (reader.GetRoi().IsPresent() && !SetRoi(reader.GetRoi().Get())) {

@@ -180,7 +180,7 @@ void PngImageReader::Read(Decoder& decoder) {
         decoder.rowBytes != std::int64_t{CTivData::GetFormatSize(format)} * decoder.width) {
         throw std::runtime_error(kFailed);
     }
-    pixels_.reset(nur_alloc(static_cast<std::uint64_t>(size_)));
+    pixels_.reset(nur_alloc(static_cast<std::uint64_t>(size_), true));
     if (!pixels_) throw std::runtime_error(kFailed);
     std::vector<png_bytep> rows(decoder.height);
     for (std::size_t y = 0; y < rows.size(); ++y) {

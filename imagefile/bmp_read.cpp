@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <span>
 #include <vector>
 
 #include "foundation/nur_report.h"
@@ -9,6 +10,7 @@
 #include "imagefile/bmp.h"
 #include "imagefile/bmp_impl.h"
 #include "imagefile/bmp_rle_impl.h"
+#include "imagefile/most_bytes_impl.h"
 #include "primitives/color_rows.h"
 
 namespace {
@@ -79,8 +81,8 @@ public:
         if (head_.pixelOffset > position_) Skip(head_.pixelOffset - position_);
         const bool wasEmpty = !record->data;
         int answer = wasEmpty ? 0 : CheckPreallocated(*record);
-        if (answer == 0) answer = CheckLength();
-        if (answer == 0) answer = nur_output_image(record, format_, filledWidth_, filledHeight_, "readBMP");
+        if (answer == 0) answer = IsRunLength() ? CheckUnpacked(wasEmpty) : CheckLength();
+        if (answer == 0) answer = nur_output_image(record, format_, filledWidth_, filledHeight_, "readBMP", true);
         if (answer == 0) answer = ReadPixels(*record);
         if (answer != 0 && wasEmpty && record->data) nur_image_free(record);
         return answer ? 1 : 0;
@@ -210,7 +212,15 @@ private:
         if (__builtin_mul_overflow(bmpRowBytes(head_.width, head_.bitsPerPixel), std::int64_t{head_.height}, &needed)) {
             return refuse(kReadingBits);
         }
-        return !IsRunLength() && BytesLeft() < static_cast<std::uint64_t>(needed) ? refuse(kReadingBits) : 0;
+        return BytesLeft() < static_cast<std::uint64_t>(needed) ? refuse(kReadingBits) : 0;
+    }
+
+    // Runs may jump over nearly all of a bitmap, and each jump into a fresh page costs that page.
+    int CheckUnpacked(bool isAllocated) {
+        if (!isAllocated) return 0;
+        const std::int64_t unpacked = nur_image_bytes(format_, head_.width, head_.height);
+        const auto fileBytes = static_cast<std::int64_t>(position_ + BytesLeft());
+        return unpacked < 0 || unpacked > mostUnpackedBytes(fileBytes) ? refuse(kReadingBits) : 0;
     }
 
     int CheckPreallocated(NurImage& record) {
@@ -248,22 +258,28 @@ private:
     }
 
     int ReadRuns(const NurImage& record) {
+        const bool isGray = format_ == D::FormatUByte;
         // What the runs jump over is 0 in the caller's record too.
-        const std::size_t rowBytes = static_cast<std::size_t>(filledWidth_) * (format_ == D::FormatUByte ? 1 : 4);
+        const std::size_t rowBytes = static_cast<std::size_t>(filledWidth_) * (isGray ? 1 : 4);
         for (std::int32_t y = 0; isGiven_ && y < filledHeight_; ++y) std::memset(record.RoiRow(y), 0, rowBytes);
-        const bool gray = format_ == D::FormatUByte;
-        const auto put = [&](std::int64_t x, std::int64_t fileRow, std::uint8_t index) {
+        const auto put = [&](std::int64_t x, std::int64_t fileRow, std::span<const std::uint8_t> indices) {
             const std::int64_t y = head_.height - 1 - fileRow;
             if (x >= filledWidth_ || y >= filledHeight_) return;
+            const std::size_t count = std::min(indices.size(), static_cast<std::size_t>(filledWidth_ - x));
             std::uint8_t* row = record.RoiRow(static_cast<std::int32_t>(y));
-            if (gray) {
-                row[x] = index;
-            } else {
-                std::memcpy(row + 4 * x, &palette_.colors[index], 4);
+            if (isGray) {
+                std::memcpy(row + x, indices.data(), count);
+                return;
+            }
+            for (std::size_t k = 0; k < count; ++k) {
+                std::memcpy(row + 4 * (static_cast<std::size_t>(x) + k), &palette_.colors[indices[k]], 4);
             }
         };
-        const auto take = [this](void* bytes, std::size_t count) { return Take(bytes, count); };
-        const bool whole = decodeBmpRuns(take, head_.bitsPerPixel, head_.width, head_.height, put);
+        BlockBytes bytes([this](std::uint8_t* target, std::size_t count) {
+            stream_.read(reinterpret_cast<char*>(target), static_cast<std::streamsize>(count));
+            return static_cast<std::size_t>(stream_.gcount());
+        });
+        const bool whole = decodeBmpRuns(bytes, head_.bitsPerPixel, head_.width, head_.height, put);
         return whole ? 0 : refuse(kReadingBits);
     }
 

@@ -10,15 +10,11 @@
 #include <utility>
 
 #include "foundation/nur_report.h"
+#include "imagefile/most_bytes_impl.h"
 
 namespace {
 
 constexpr std::size_t kMessageBytes = 1024;
-
-// What a file may become: its bytes unfolded by the scheme that packs most, which is LZW, and a blank page's worth.
-constexpr std::int64_t kFreeBytes = std::int64_t{64} << 20;
-constexpr std::int64_t kBytesAFileByte = 1400;
-constexpr std::int64_t kMostFileBytes = std::int64_t{1} << 50;
 
 constexpr TIFFFieldInfo doubleTag(std::uint32_t tag, const char* name) {
     return {tag, 1, 1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 0, const_cast<char*>(name)};
@@ -139,7 +135,7 @@ TiffHandle::TiffHandle(const char* path, const char* mode) {
     const Callbacks::Options options = Callbacks::MakeOptions(this);
     struct stat status {};
     const std::int64_t fileBytes = ::stat(path, &status) == 0 ? std::int64_t{status.st_size} : 0;
-    mostBytes_ = kFreeBytes + kBytesAFileByte * std::min(fileBytes, kMostFileBytes);
+    mostBytes_ = mostUnpackedBytes(fileBytes);
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), mostBytes_);
     tif_ = TIFFOpenExt(path, mode, options.get());
 }

@@ -33,7 +33,7 @@ struct NurFree {
 using Block = std::unique_ptr<std::uint8_t, NurFree>;
 
 Block makeBlock(std::int64_t bytes) {
-    return Block(static_cast<std::uint8_t*>(nur_alloc(static_cast<std::uint64_t>(bytes))));
+    return Block(static_cast<std::uint8_t*>(nur_alloc(static_cast<std::uint64_t>(bytes), true)));
 }
 
 // From the open file to its pixels. Each step answers 0, or 1 once it has reported.
@@ -54,7 +54,7 @@ public:
             width = std::min(width, record->roi.width);
             height = std::min(height, record->roi.height);
         }
-        if (nur_output_image(record, format_, width, height, "ReadTIFF") != 0) return 1;
+        if (nur_output_image(record, format_, width, height, "ReadTIFF", true) != 0) return 1;
         const int answer = isPlanar_ ? ReadPlanes(*record, width, height) : ReadRows(*record, width, height);
         if (answer != 0 && wasEmpty) nur_image_free(record);
         return answer;

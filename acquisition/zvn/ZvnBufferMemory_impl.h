@@ -21,7 +21,7 @@ public:
         auto memory = std::make_shared<ZvnBufferMemory>();
         memory->bytesEach_ = bytesEach;
         for (int i = 0; i < count; ++i) {
-            memory->blocks_.emplace_back(static_cast<std::byte*>(nur_alloc(bytesEach)));
+            memory->blocks_.emplace_back(static_cast<std::byte*>(nur_alloc(bytesEach, true)));
             if (!memory->blocks_.back()) return nullptr;
         }
         memory->isFull_.resize(memory->blocks_.size());

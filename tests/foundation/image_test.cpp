@@ -1,9 +1,12 @@
 #include "foundation/CTivImage.h"
 
+#include <unistd.h>
+
 #include <cstring>
 #include <fstream>
 #include <sstream>
 
+#include "foundation/CTivVector.h"
 #include "foundation/nur_image.h"
 #include "tests/support/library.h"
 
@@ -178,6 +181,26 @@ TEST(ImageRecord, TheWidestBinaryRowIsCountedWhole) {
     EXPECT_EQ(nur_image_bytes(CTivData::FormatBinary, 9, 2), 4);
 }
 
+TEST(Image, MoreThanTheMachineHasIsRefused) {
+    const std::int64_t machine = std::int64_t{::sysconf(_SC_PHYS_PAGES)} * ::sysconf(_SC_PAGESIZE);
+    std::int64_t swap = 0;
+    std::ifstream memory("/proc/meminfo");
+    for (std::string word; memory >> word;) {
+        if (word == "SwapTotal:") memory >> swap;
+    }
+    const std::int64_t rows = (machine + swap * 1024) / 8 / 100000 + 100;
+    ASSERT_LT(rows, 0x7FFFFFFF);
+    CTivImage image(2, 2, D::FormatUByte, nullptr, true);
+    EXPECT_FALSE(image.Set(100000, static_cast<int>(rows), D::FormatDouble, nullptr, false));
+    EXPECT_EQ(LastError(), "CTivImage::Set => Not enough memory");
+    EXPECT_FALSE(image.IsAllocated());
+    CTivVector vector;
+    if (rows < 50000) {  // what a vector's size can say
+        EXPECT_FALSE(vector.Set(static_cast<int>(rows) * 50000, D::FormatColorFloat, nullptr, false));
+        EXPECT_EQ(LastError(), "CTivVector::Set => Cannot allocate vector data");
+    }
+}
+
 TEST(OutputImage, AllocatesRelabelsOrRefuses) {
     NurImage image;
     EXPECT_EQ(nur_output_image(&image, D::FormatByte, 4, 2, "who"), 0);
@@ -187,6 +210,8 @@ TEST(OutputImage, AllocatesRelabelsOrRefuses) {
     EXPECT_EQ(LastError(), "who: incompatible output image type: NurUByte\n");
     EXPECT_EQ(nur_output_image(&image, D::FormatUByte, 5, 2, "who"), 1);
     EXPECT_EQ(LastError(), "who: output image size too small\n");
+    EXPECT_EQ(nur_output_image(&image, D::FormatByte, 4, 3, "who"), 1);
+    EXPECT_EQ(image.format, D::FormatUByte) << "what is refused stays as it was";
     nur_image_free(&image);
     EXPECT_EQ(nur_image_alloc(&image, D::FormatBinary, 9, 1), 0);
     EXPECT_EQ(image.width, 16);

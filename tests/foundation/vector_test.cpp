@@ -141,6 +141,13 @@ TEST(VectorRecord, BadRecordsAreRefusedInWords) {
         EXPECT_FALSE(read(vector, each.bytes));
         EXPECT_EQ(LastError(), each.text);
     }
+    // 52 bytes could otherwise stand for 2^31 elements, each of which somebody prints, copies or lists.
+    for (const int sizeless : {0, 1, 4, 9, 22, 26, 44, 1000, 0x7FFFFFFF}) {
+        EXPECT_FALSE(read(vector, record(100, 0x7FFFFFF8, sizeless, "12345678"))) << sizeless;
+        EXPECT_EQ(LastError(), "CTivVector::ReadFile => failed to reallocate");
+        EXPECT_EQ(vector.GetSize(), 0);
+        EXPECT_TRUE(read(vector, record(100, 0, sizeless, ""))) << sizeless;
+    }
 }
 
 TEST(VectorRecord, WhatNeverCameIsZeroAndCostsNoMemory) {
@@ -179,5 +186,7 @@ TEST(OutputVector, RelabelsOnlyTheSign) {
     EXPECT_EQ(LastError(), "who: incompatible output vector type: ushort\n");
     EXPECT_NE(nur_output_vector(&vector, D::FormatUShort, 5, "who"), 0);
     EXPECT_EQ(LastError(), "who: output vector size too small\n");
+    EXPECT_NE(nur_output_vector(&vector, D::FormatShort, 5, "who"), 0);
+    EXPECT_EQ(vector.format, D::FormatUShort) << "what is refused stays as it was";
     nur_vector_free(&vector);
 }

@@ -110,6 +110,23 @@ TEST(Bmp, RunLengthsDecodeWithTheirCodes) {
     EXPECT_EQ(refusal(bitmap(6, 2, 8, 1, grays(256), std::string("\3\5\0\7\1", 5))), "readBMP: error reading bits\n");
 }
 
+// Rows of 3 plain and 4 equal grays: 10 bytes a row with the end of line, so that blocks end everywhere in a run.
+TEST(Bmp, RunLengthsDecodeAcrossBlocks) {
+    constexpr int kRows = 30000;
+    std::string runs;
+    std::vector<std::uint8_t> wanted(7 * kRows);
+    for (int row = 0; row < kRows; ++row) {
+        const auto seed = static_cast<std::uint8_t>(row * 7 % 251);
+        const std::uint8_t grays[7] = {
+            seed, static_cast<std::uint8_t>(seed + 1), static_cast<std::uint8_t>(seed + 2), 200, 200, 200, 200};
+        std::copy(grays, grays + 7, wanted.begin() + 7 * (kRows - 1 - row));
+        runs += std::string("\0\3", 2) + std::string(grays, grays + 3) + std::string("\0\4\xC8\0\0", 5);
+    }
+    const CTivImage image = loaded(bitmap(7, kRows, 8, 1, grays(256), runs));
+    EXPECT_EQ(std::memcmp(image.GetData(), wanted.data(), wanted.size()), 0);
+    EXPECT_EQ(refusal(bitmap(7, kRows + 1, 8, 1, grays(256), runs)), "readBMP: error reading bits\n");
+}
+
 TEST(Bmp, BrokenFilesAreAnsweredInWords) {
     static const std::string kHead = "readBMP: cannot read header of the bitmap file\n";
     static const std::string kBits = "readBMP: error reading bits\n";

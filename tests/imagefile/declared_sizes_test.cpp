@@ -73,6 +73,27 @@ TEST(DeclaredSizes, TakeMemoryOnlyAsDataArrives) {
     }
 }
 
+TEST(DeclaredSizes, RunsThatJumpOverNearlyAllTakeNoMemory) {
+    // Rows of 60000 grays, of which every 35th gets one pixel: each touches a page of its own.
+    std::string bytes = bmp("rle8.bmp", 60000, 20000);
+    bytes.resize(1078);
+    for (int k = 0; k < 571; ++k) bytes += std::string("\0\2\0\x23\1\7", 6);
+    const std::string path = scratchFile("jumps.bmp");
+    writeFile(path, bytes + std::string("\0\1", 2));
+    const long long taken = memoryTakenBy([&] {
+        CTivImage image;
+        image.Load(path, true);
+    });
+    EXPECT_GE(taken, 0);
+    EXPECT_LT(taken, 64LL << 20);
+    CTivImage image;
+    EXPECT_FALSE(image.Load(path, true));
+    // The same runs in a picture that a page's worth may be.
+    writeFile(path, withU32(bytes, 18, 600) + std::string("\0\1", 2));
+    EXPECT_TRUE(image.Load(path, true)) << LastError();
+    EXPECT_TRUE(image.IsAllocated());
+}
+
 TEST(DeclaredSizes, OfZeroAndBelowAreAnsweredInWords) {
     const std::string path = scratchFile("declared");
     for (const auto& [width, height] :
