@@ -16,7 +16,6 @@
 namespace {
 
 constexpr int kWaitMs = 1000;
-constexpr std::size_t kLongestConfigFile = 260;
 
 struct BufferFormat {
     std::uint32_t code;
@@ -108,7 +107,7 @@ bool CTonewrightAcq::CreateObjects(const ZvnLocation& location, const std::strin
     setup_.category = category;
     if (deviceKind_ == DeviceKindFileOnly) return true;
     if (!CreateChain(location)) return false;
-    setup_.configFile = configFile.substr(0, kLongestConfigFile);
+    setup_.configFile = configFile;
     return true;
 }
 

@@ -57,7 +57,9 @@ struct BlobConfig {
     std::int32_t thresholdStage = 2;           ///< 0 the input is binary already; 2 threshold it
     std::int32_t reserved = 0;
     std::uint16_t background = 0;  ///< 0: blobs are the pixels other than 0; any other value: the pixels of 0
-    std::int32_t multiLevel = 0;   ///< set by Execute where the levels below are neither 0 nor full scale
+    /// Not 0: runs are told apart by their values. Where Execute thresholds, it sets this, to whether the levels below
+    /// are neither 0 nor full scale; where it doesn't, this is an input, and what an earlier run set goes on.
+    std::int32_t multiLevel = 0;
 
     /// The fixed levels, as many thresholds as levelCount (1 to 255) says, ascending: a pixel below thresholds[0]
     /// becomes levels[0], one from thresholds[k] on levels[k + 1]. An automatic threshold writes its own here.

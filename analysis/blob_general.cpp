@@ -22,6 +22,11 @@ void sweepRows(Rows& rows, std::int32_t height, std::int32_t firstRow, const Swe
     if (isLastBand) strip.CloseLast(rules, true);
 }
 
+/// @return whether the runs of this image come with their values; packed bits have none
+bool haveValues(const NurImage& view, const BlobConfig& config) {
+    return config.HasValues() && view.format != CTivData::FormatBinary;
+}
+
 void sweepImage(const NurImage& view, const BlobConfig& config, std::int32_t firstRow, const SweepRules& rules,
                 bool isLastBand, VirtualFrame& frame, const BlobArray& array, CodedRows* coded) {
     const auto sweep = [&](auto&& rows) {
@@ -29,7 +34,7 @@ void sweepImage(const NurImage& view, const BlobConfig& config, std::int32_t fir
     };
     if (coded) {
         sweep(*coded);
-    } else if (!config.HasValues() || view.format == CTivData::FormatBinary) {
+    } else if (!haveValues(view, config)) {
         sweep(ForegroundRows(view, config.background));
     } else if (view.format == CTivData::FormatUShort) {
         sweep(ValueRows<std::uint16_t>(view, config.background));
@@ -39,8 +44,8 @@ void sweepImage(const NurImage& view, const BlobConfig& config, std::int32_t fir
 }
 
 /// Gives regions their records: the accepted ones, then those that are still open, each in the order of creation.
-void fillRecords(const std::vector<BlobNode*>& created, const BlobConfig& config, std::int32_t foreground,
-                 BlobArray& array) {
+void fillRecords(const std::vector<BlobNode*>& created, const BlobConfig& config, bool hasValues,
+                 std::int32_t foreground, BlobArray& array) {
     std::vector<BlobNode*> accepted, open;
     for (BlobNode* node : created) {
         node->index = -1;
@@ -58,7 +63,7 @@ void fillRecords(const std::vector<BlobNode*>& created, const BlobConfig& config
         node.index = static_cast<std::int32_t>(i);
         computeBasicFeatures(record, node, rules);
         record.label = node.index + 1;
-        if (!config.HasValues()) record.value = foreground;
+        if (!hasValues) record.value = foreground;
         record.status = node.closed ? kBlobValid : kBlobOpen;
     }
     array.SetUsed(acceptedCount, room - acceptedCount);
@@ -117,9 +122,10 @@ int extractGeneral(const NurImage& view, const NurImage& input, const BlobConfig
     sweepImage(view, config, firstRow, rules, !continuous, frame, array, coded);
 
     const std::int32_t foreground = foregroundValue(view, config);
-    fillRecords(frame.record.created, config, foreground, array);
+    const bool hasValues = haveValues(view, config);
+    fillRecords(frame.record.created, config, hasValues, foreground, array);
     array.keptResults = config.intermediateResults & (coded ? kBlobKeepRuns : kBlobKeepRuns | kBlobKeepImage);
-    if (frame.record.keepRuns) storeRuns(frame.record.runs, foreground, config.HasValues(), array);
+    if (frame.record.keepRuns) storeRuns(frame.record.runs, foreground, hasValues, array);
     if (continuous) {
         frame.lastRow += view.roi.height;
         keepOpen(frame);

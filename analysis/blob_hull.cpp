@@ -109,7 +109,8 @@ double computeFeret(BlobRecord& record, const std::vector<WorldPoint>& points, c
     double leastAngle = 0;
     double mostAngle = 0;
     for (std::int32_t k = 1; k <= steps; ++k) {
-        const double angle = kHalfTurn * k / steps;
+        // A product could lie just above the quarter turn, which then would count as the opposite direction.
+        const double angle = 2 * k == steps ? kHalfTurn / 2 : kHalfTurn * k / steps;
         const double diameter = extentAlong(points, directionOf(angle), rules).Length();
         sum += diameter;
         if (diameter < least) least = diameter, leastAngle = angle;

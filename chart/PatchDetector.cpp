@@ -76,12 +76,15 @@ bool PatchDetector::DetectPatches(CTivImage& image, const ChartRoi& roi, const C
     m_patchGrid.clear();
     const std::int64_t width = std::int64_t{roi.right} - roi.left;
     const std::int64_t height = std::int64_t{roi.bottom} - roi.top;
-    if (width < 1 || height < 1 || chart.Width < 1 || chart.Height < 1) return false;
-    if (chart.Width > width || chart.Height > height) return false;
-    m_patchGrid.assign(static_cast<std::size_t>(chart.Height),
-                       std::vector<PatchCell>(static_cast<std::size_t>(chart.Width)));
+    if (chart.Width < 1 || chart.Height < 1) return false;
+    const bool hasRoom = chart.Width <= width && chart.Height <= height;
+    // Zeros stand before anything is refused, unless there were more of them than any chart or ROI accounts for.
+    if (hasRoom || std::max(chart.Width, chart.Height) <= kMostPatchesASide) {
+        m_patchGrid.assign(static_cast<std::size_t>(chart.Height),
+                           std::vector<PatchCell>(static_cast<std::size_t>(chart.Width)));
+    }
     CTivImage gray;
-    if (!TakeGray(image, roi, gray) || !FindGrid(gray, chart)) return false;
+    if (!hasRoom || !TakeGray(image, roi, gray) || !FindGrid(gray, chart)) return false;
     DrawOverlay(roi);
     return true;
 }

@@ -6,6 +6,9 @@
 #include "foundation/CTivImage.h"
 #include "foundation/CTivVector.h"
 
+/// The most columns and rows that a chart may have where a user chooses them.
+inline constexpr std::int32_t kMostPatchesASide = 100;
+
 /// How many patches the chart has.
 struct ChartSize {
     std::int32_t Width = 6;   ///< patch columns

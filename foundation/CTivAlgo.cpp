@@ -15,12 +15,17 @@ CTivAlgo::CTivAlgo(const CTivString& name)
 CTivAlgo::~CTivAlgo() {
     ownedTimeout_.reset();
     if (parent_) {
-        while (!children_.empty()) children_.front()->SetParent(parent_);
+        while (!children_.empty()) {
+            CTivAlgo* const child = children_.front();
+            child->SetParent(parent_);
+            RemoveChild(child);  // one that came by AddChild alone is still here
+        }
         parent_->RemoveChild(this);
         return;
     }
     // Without a parent to move up to, the children stand alone: the time-out that they shared ends here.
     for (CTivAlgo* child : children_) {
+        if (child->parent_ != this) continue;  // came by AddChild alone and keeps its own
         child->parent_ = nullptr;
         child->TakeTimeout(nullptr);
     }

@@ -10,7 +10,6 @@
 #include "foundation/CTivConfig.h"
 #include "foundation/nur_report.h"
 #include "foundation/nur_report_impl.h"
-#include "foundation/nur_types.h"
 
 namespace {
 
@@ -52,15 +51,11 @@ void CTivManager::Initialize() {
     if (done) return;
     done = true;
     CTivConfig::EnsureRead();
-    nur_open_type_table();
     nur_init(dispatch);
     std::setlocale(LC_CTYPE, "");
 }
 
-void CTivManager::Shutdown() {
-    nur_close();
-    nur_close_type_table();
-}
+void CTivManager::Shutdown() { nur_close(); }
 
 void CTivManager::SetErrorMode(int mode) { errorMode = mode; }
 

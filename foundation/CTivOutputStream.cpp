@@ -12,7 +12,12 @@ void requireGood(const std::ostream& stream, const char* text) {
 
 }  // namespace
 
-OutputStreamStdOstream::~OutputStreamStdOstream() { stream_.flush(); }
+OutputStreamStdOstream::~OutputStreamStdOstream() {
+    try {
+        stream_.flush();
+    } catch (const std::ios_base::failure&) {  // NOLINT(bugprone-empty-catch): the stream's own state tells of it
+    }
+}
 
 void OutputStreamStdOstream::Write(const char* data, unsigned size) {
     stream_.write(data, size);

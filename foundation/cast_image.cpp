@@ -167,7 +167,11 @@ int CTivUtilCastImage_16u8u_MapRange(const NurImage* source, NurImage* destinati
     }
     const int neededWidth = keepRoiSize ? width : source->width;
     const int neededHeight = keepRoiSize ? height : source->height;
+    const CTivRect earlier = destination->roi;
+    // What is compared with the image's size is the destination's size; its ROI becomes the source's.
+    if (!keepRoiSize) destination->roi = {0, 0, destination->width, destination->height};
     if (nur_output_image(destination, D::FormatUByte, neededWidth, neededHeight, kMapRange) != 0) {
+        destination->roi = earlier;
         return fail("CTivImageTryUseReservedMem");
     }
     if (!keepRoiSize) destination->roi = source->roi;

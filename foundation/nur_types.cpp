@@ -2,11 +2,8 @@
 
 #include <array>
 #include <utility>
-#include <vector>
 
 namespace {
-
-constexpr std::size_t kRoom = 88;
 
 // Indexed by code. The sizes of GENERIC, VECTOR, QUAD, SEGMENT, BINARY and others differ from the format table's on
 // purpose: these are the lower layer's own.
@@ -67,14 +64,11 @@ constexpr std::array<NurTypeInfo, 54> kTypes{{
     {"NUR_OBJ_LINE", "Line", "NurLine", 28, true},
 }};
 
-std::vector<NurTypeInfo> heapTable;
-
 }  // namespace
 
 const NurTypeInfo* nur_type_info(std::int32_t type) {
     if (type < 0) return nullptr;
     const auto index = static_cast<std::size_t>(type);
-    if (!heapTable.empty()) return index < heapTable.size() ? &heapTable[index] : nullptr;
     return index < kTypes.size() ? &kTypes[index] : nullptr;
 }
 
@@ -93,13 +87,6 @@ std::int32_t nur_element_bits(std::int32_t type) {
     const NurTypeInfo* info = nur_type_info(type);
     return info ? info->size * 8 : 0;
 }
-
-void nur_open_type_table() {
-    heapTable.reserve(kRoom);
-    heapTable.assign(kTypes.begin(), kTypes.end());
-}
-
-void nur_close_type_table() { std::vector<NurTypeInfo>().swap(heapTable); }
 
 bool nur_same_but_sign(CTivData::Format one, CTivData::Format other) {
     constexpr std::pair<CTivData::Format, CTivData::Format> kPairs[] = {{CTivData::FormatByte, CTivData::FormatUByte},

@@ -59,8 +59,7 @@ struct NurTypeInfo {
     bool composite;     ///< holds pointers: copied element by element
 };
 
-/// @return the row of a type code, or null outside 0 to 53 (and before start-up and after shutdown the constant table
-///         serves, so that texts can be made at any time)
+/// @return the row of a type code, or null outside 0 to 53; at any time and from any thread
 const NurTypeInfo* nur_type_info(std::int32_t type);
 
 /// @return the display name of the error texts, "unknown" outside the table
@@ -70,10 +69,6 @@ const char* nur_type_name(std::int32_t type);
 
 /// @return bits of one element: size x 8, 1 for NUR_OBJ_BINARY, 0 outside the table
 std::int32_t nur_element_bits(std::int32_t type);
-
-/// Copies the constant table to the heap (54 rows, room for 88), and drops it.
-void nur_open_type_table();
-void nur_close_type_table();
 
 /// Tells whether two formats are the signed and the unsigned form of one width (Byte, Short, Int with UByte, UShort,
 /// UInt), so that a record may be relabelled from one to the other.

@@ -152,6 +152,18 @@ TEST(Configure, AConfigurationFileThatIsWrongDoesNotOpenTheDevice) {
     }
 }
 
+TEST(Reconnect, AConfigurationFileWithALongPathStaysTheSetups) {
+    Simulation simulation(kGrabber);
+    const std::string file = std::string(130, 'f') + "/" + std::string(140, 'n') + ".txt";
+    simulation.Write(file, "width = 24\n");
+    simulation.Pick("Grabber", simulation.Path(file));
+    RecordedSession recorded;
+    ASSERT_TRUE(recorded.session.Configure());
+    expectWorks(recorded, 24);
+    EXPECT_TRUE(recorded.session.Reconnect()) << LastError();
+    expectWorks(recorded, 24);
+}
+
 TEST(Snap, WithoutASetupIsRefused) {
     Simulation simulation(kGrabber);
     RecordedSession recorded;

@@ -256,6 +256,16 @@ TEST(CTivBlob, MultiLevelImagesGiveABlobAValue) {
     EXPECT_EQ(blob.GetFeature(BlobValue, 0), 10);
     EXPECT_EQ(blob.GetFeature(BlobArea, 0), 3);
     EXPECT_EQ(blob.GetFeature(BlobArea, 1), 6);
+    // Packed bits have no values to tell apart, whatever the run before left.
+    CTivImage bits(8, 2, CTivData::FormatBinary, nullptr, true);
+    for (const int x : {1, 2, 6}) bits.SetData(x, 1, CTivData::Int(1));
+    config.intermediateResults = kBlobKeepRuns;
+    ASSERT_TRUE(blob.Execute(bits));
+    ASSERT_EQ(blob.GetNumBlobs(), 2);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(blob.GetFeature(BlobValue, i), 255);
+        EXPECT_EQ(blob.GetBlob(i)->StoredRuns()[0].value, 255);
+    }
 }
 
 TEST(CTivBlob, OtherThresholdsReachTheSweep) {

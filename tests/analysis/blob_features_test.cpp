@@ -129,6 +129,10 @@ TEST(BlobFeatures, LinesAreAsLongAsTheyLook) {
                                      {BlobMinFeret, 1},
                                      {BlobMinFeretAngle, -90},
                                      {BlobRadiusSum, 2 * (0.5 + 1.5 + 2.5 + 3.5 + 4.5) * 2 + 11}});  // there and back
+    for (int angles = 1; angles <= 100; ++angles) {
+        const CTivBlob blob = measure(across, [&](BlobConfig& config) { config.feretAngles = angles; });
+        EXPECT_EQ(blob.GetFeature(BlobMinFeretAngle, 0), -90) << angles;
+    }
     CTivImage down = draw(5, 20, [](double x, double y) { return x == 2 && y >= 4 && y < 16; });
     expectFeatures(measure(down), {{BlobMajorAxis, n}, {BlobAngle, -90}, {BlobAlongMax, 5.5}, {BlobAlongMin, -5.5}});
     CTivImage falling = draw(20, 20, [](double x, double y) { return x == y && x >= 4 && x < 14; });

@@ -216,7 +216,7 @@ TEST_F(PatchDetectorTest, CellsThatAnOlderGridLacksStayBlack) {
     EXPECT_EQ(colors[28], (Color{0, 0, 0}));
 }
 
-TEST_F(PatchDetectorTest, WhatCannotBeFoundLeavesAnEmptyGridAndTheEarlierSize) {
+TEST_F(PatchDetectorTest, WhatCannotBeFoundLeavesAGridOfZerosAndTheEarlierSize) {
     const ChartRoi whole = wholeOf(image_);
     ASSERT_TRUE(Detect());
     CTivImage empty;
@@ -226,19 +226,25 @@ TEST_F(PatchDetectorTest, WhatCannotBeFoundLeavesAnEmptyGridAndTheEarlierSize) {
         const char* what;
         ChartRoi roi;
         ChartSize chart;
+        std::size_t rows;
     } cases[] = {
-        {"no width", {50, 50, 50, 90}, {}},
-        {"turned over", {90, 90, 50, 50}, {}},
-        {"outside", {-1, 0, 100, 100}, {}},
-        {"far outside", {0, 0, 2000000000, 2000000000}, {}},
-        {"no columns", whole, {0, 4}},
-        {"negative rows", whole, {6, -4}},
-        {"more patches than pixels", whole, {100000, 100000}},
+        {"no width", {50, 50, 50, 90}, {}, 4},
+        {"narrower than the columns", {50, 50, 55, 90}, {}, 4},
+        {"turned over", {90, 90, 50, 50}, {}, 4},
+        {"outside", {-1, 0, 100, 100}, {}, 4},
+        {"far outside", {0, 0, 2000000000, 2000000000}, {}, 4},
+        {"no columns", whole, {0, 4}, 0},
+        {"negative rows", whole, {6, -4}, 0},
+        {"more patches than pixels", whole, {100000, 100000}, 0},
     };
-    for (const auto& [what, roi, chart] : cases) {
+    for (const auto& [what, roi, chart, rows] : cases) {
         EXPECT_FALSE(detector_.DetectPatches(image_, roi, chart)) << what;
         EXPECT_TRUE(detector_.GetOverlay().empty()) << what;
         EXPECT_EQ(detector_.GetPatchWidth(), 20) << what;
+        EXPECT_EQ(detector_.GetGrid().size(), rows) << what;
+        if (rows > 0) {
+            EXPECT_THAT(columnsOf(detector_), ElementsAre(0, 0, 0, 0, 0, 0)) << what;
+        }
     }
     image_.Clear();
     EXPECT_FALSE(Detect());

@@ -246,6 +246,13 @@ TEST(MapRange, TakesTheRoisSizeOrTheImagesWithTheRoi) {
     ASSERT_EQ(CTivUtilCastImage_16u8u_MapRange(source.GetRecord(), whole.GetRecord(), false), 0);
     EXPECT_EQ(valuesOf(whole), (std::vector<double>{0, 128, 255, 0}));
     EXPECT_EQ(whole.GetRoi(), (CTivRect{1, 0, 2, 1}));
+    // Once more into what it made itself, and into one that is too small as a whole and stays as it was.
+    source.SetData(1, 0, D::Int(1024));
+    ASSERT_EQ(CTivUtilCastImage_16u8u_MapRange(source.GetRecord(), whole.GetRecord(), false), 0) << LastError();
+    EXPECT_EQ(valuesOf(whole), (std::vector<double>{0, 128, 127, 0}));
+    EXPECT_EQ(whole.GetRoi(), (CTivRect{1, 0, 2, 1}));
+    EXPECT_EQ(CTivUtilCastImage_16u8u_MapRange(source.GetRecord(), small.GetRecord(), false), 1);
+    EXPECT_EQ(small.GetRoi(), (CTivRect{0, 0, 2, 1}));
 }
 
 TEST(MapRange, RefusalsSayWhy) {

@@ -101,6 +101,26 @@ TEST(Algo, ChildrenMoveUpWhenTheirParentEnds) {
     EXPECT_EQ(orphan.GetTimeout(), 0.0f);
 }
 
+TEST(Algo, ChildrenThatWereOnlyAddedDoNotHoldTheirParentsEnd) {
+    CTivAlgo root("root");
+    CTivAlgo leaf("leaf"), twice("twice"), alone("alone");
+    {
+        CTivAlgo middle("middle");
+        middle.SetParent(&root);
+        middle.AddChild(&leaf);
+        for (int i = 0; i < 2; ++i) middle.AddChild(&twice);
+    }
+    EXPECT_EQ(leaf.GetParent(), &root);
+    EXPECT_EQ(twice.GetParent(), &root);
+    EXPECT_GE(root.GetChildCount(), 2);
+    {
+        CTivAlgo gone("gone");
+        gone.AddChild(&alone);
+    }
+    EXPECT_TRUE(alone.SetTimeout(5.0f)) << "its time-out is its own";
+    EXPECT_EQ(alone.GetTimeout(), 5.0f);
+}
+
 TEST(Algo, AverageOfItsOwnSamples) {
     CTivAlgo algo("mine");
     EXPECT_EQ(algo.GetAverageTime(), 0.0f);
@@ -156,4 +176,10 @@ TEST(OutputStream, FailuresThrowWithTheirWords) {
     EXPECT_NE(textOf([&] { stream.Write("x", 1); }).find("failed to write data to an output stream"),
               std::string::npos);
     EXPECT_NE(textOf([&] { stream.Seek(0); }).find("failed to seek within an output stream"), std::string::npos);
+    // A stream that throws by itself, at the flush of the end as well.
+    std::ofstream full("/dev/full");
+    full << "x";
+    full.exceptions(std::ios::badbit | std::ios::failbit);
+    { const brennick::korva::zelvan_pix::OutputStreamStdOstream ends(full); }
+    EXPECT_TRUE(full.bad());
 }
