@@ -40,8 +40,8 @@ int nur_image_alloc(NurImage* image, CTivData::Format format, std::int32_t width
 int nur_image_free(NurImage* image);
 
 /// Makes an output record ready (the "reserved memory" check). Without data it is allocated. With data it is kept: a
-/// format that differs only in sign is relabelled, anything else is refused, as is a ROI smaller than asked for; what is
-/// refused stays as it was.
+/// format that differs only in sign is relabelled, anything else is refused, as is a ROI smaller than asked for; what
+/// is refused stays as it was.
 /// @param caller the name that the error texts begin with
 /// @param isPromise as nur_alloc has it
 /// @return 0, or nur_report's answer after "%s: incompatible output image type: %s\n", "%s: output image size too
