@@ -18,6 +18,9 @@ constexpr double kPeakFoot = 0.2;            // of its height: where a peak ends
 constexpr double kLimits[] = {12, 8, 6, 4};  // of the median offset, round by round: what lies farther off is left out
 constexpr double kMaxShift = 0.06;           // of a step, of a single patch
 constexpr std::size_t kLeastStraight = 8;    // patches with four edges, for a map of their own
+constexpr double kMuchMoved = 0.02;          // of a step: edges are then looked for again
+constexpr std::size_t kLeastCertain = 5;     // the same, for the last check
+constexpr double kMaxDoubt = 0.25;           // of a step: between two ways to tell where a patch without edges lies
 constexpr double kUncertain = 0.03;          // weight of the others
 constexpr double kMaxOffset = 0.12;          // of a step
 constexpr double kUsualBend[] = {0.3, 0.3, 0.05, 0.05};  // of a step: what terms of order 0 to 3 usually come to
@@ -291,29 +294,51 @@ std::optional<ChartPoint> ChartSurface::OwnShift(std::span<const Edge> edges, st
         ++counts[static_cast<std::size_t>(2 * edge.axis + (edge.sign > 0))];
     }
     // All four sides, so that a wrong size is no shift.
-    if (*std::min_element(counts.begin(), counts.end()) < 3 || !SolveSymmetric(a, b)) return std::nullopt;
+    if (*std::min_element(counts.begin(), counts.end()) < 2 || !SolveSymmetric(a, b)) return std::nullopt;
     return ChartPoint{b[0], b[1]};
 }
 
-void ChartSurface::Straighten(std::span<const Edge> edges) {
+std::optional<PlaneMap> ChartSurface::MapOfCertain(std::span<const Edge> edges, double uncertain) const {
     std::vector<PlacePair> pairs;
     std::size_t certain = 0;
     for (std::size_t patch = 0; patch < shifts_.size(); ++patch) {
-        const ChartPoint place = {double(static_cast<int>(patch) % columns_),
-                                  double(static_cast<int>(patch) / columns_)};
+        const ChartPoint place = PlaceOf(patch);
         const auto shift = OwnShift(edges, patch);
         certain += shift.has_value();
-        pairs.push_back({place, along(At(place), shift.value_or(ChartPoint{}), 1), shift ? 1 : kUncertain});
+        if (shift || uncertain > 0) {
+            pairs.push_back({place, along(At(place), shift.value_or(ChartPoint{}), 1), shift ? 1 : uncertain});
+        }
     }
-    const auto map = certain >= kLeastStraight ? FitPlaneMap(pairs) : std::nullopt;
-    if (map) map_ = *map;
+    return certain >= (uncertain > 0 ? kLeastStraight : kLeastCertain) ? FitPlaneMap(pairs) : std::nullopt;
+}
+
+double ChartSurface::DistanceFrom(const PlaneMap& map, std::size_t patch) const {
+    const ChartPoint place = PlaceOf(patch), by = minus(map(place), At(place));
+    return std::hypot(by.x, by.y) / StepAt(place);
+}
+
+bool ChartSurface::Straighten(std::span<const Edge> edges) {
+    const auto map = MapOfCertain(edges, kUncertain);
+    if (!map) return false;
+    double moved = 0;
+    for (std::size_t patch = 0; patch < shifts_.size(); ++patch) moved = std::max(moved, DistanceFrom(*map, patch));
+    map_ = *map;
+    return moved > kMuchMoved;
+}
+
+bool ChartSurface::IsCertain(std::span<const Edge> edges, std::span<const int> sides) const {
+    const auto map = MapOfCertain(edges, 0);
+    if (!map) return false;
+    for (std::size_t patch = 0; patch < shifts_.size(); ++patch) {
+        if (sides[patch] < 2 && !(DistanceFrom(*map, patch) < kMaxDoubt)) return false;
+    }
+    return true;
 }
 
 void ChartSurface::ShiftPatches(std::span<const Edge> edges) {
     for (std::size_t patch = 0; patch < shifts_.size(); ++patch) {
         const auto shift = OwnShift(edges, patch);
-        const double step =
-            StepAt({double(static_cast<int>(patch) % columns_), double(static_cast<int>(patch) / columns_)});
+        const double step = StepAt(PlaceOf(patch));
         shifts_[patch] = shift && std::hypot(shift->x, shift->y) < kMaxShift * step ? *shift : ChartPoint{};
     }
 }
@@ -330,8 +355,7 @@ std::vector<int> ChartSurface::Refine(const SmoothPicture& picture) {
     constexpr Look kCoarse = {0.13, 3, 2, 1.0, 20, true}, kFine = {0.05, 4, 3, 0.7, 28, false};
     std::vector<Edge> edges = FindEdges(picture, kCoarse);
     TakeSides(edges);
-    Straighten(edges);
-    edges = FindEdges(picture, kCoarse);
+    if (Straighten(edges)) edges = FindEdges(picture, kCoarse);
     const auto counts = CountSides(edges);
     for (std::size_t side = 0; side < counts.size(); ++side) sharp_[side] = counts[side] >= 2;
     if (Fit(edges)) {
@@ -342,6 +366,7 @@ std::vector<int> ChartSurface::Refine(const SmoothPicture& picture) {
     const auto seen = CountSides(edges);
     std::vector<int> sides(shifts_.size());
     for (std::size_t side = 0; side < seen.size(); ++side) sides[side / 4] += seen[side] >= 2;
+    if (!IsCertain(edges, sides)) sides.assign(sides.size(), 0);
     return sides;
 }
 

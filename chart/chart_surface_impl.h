@@ -21,7 +21,8 @@ public:
     double StepAt(const ChartPoint& place) const;
 
     /// Moves the surface onto the edges of the patches in the picture.
-    /// @return for each patch how many of its edges lie on the surface, 0 to 4
+    /// @return for each patch how many of its edges lie on the surface, 0 to 4; 0 for all where a patch without edges
+    ///         might be elsewhere
     std::vector<int> Refine(const SmoothPicture& picture);
 
     /// The mean color of the inner half of a patch.
@@ -46,8 +47,19 @@ private:
         return static_cast<std::size_t>(4 * (row * columns_ + column) + side);
     }
     std::optional<ChartPoint> OwnShift(std::span<const Edge> edges, std::size_t patch) const;
+    ChartPoint PlaceOf(std::size_t patch) const {
+        const int i = static_cast<int>(patch);
+        return {static_cast<double>(i % columns_), static_cast<double>(i / columns_)};
+    }
+    /// The map of the patches that have all their edges, the others of a little weight; nothing for too few.
+    std::optional<PlaneMap> MapOfCertain(std::span<const Edge> edges, double uncertain) const;
+    /// How far a patch lies from where a map has it, in steps.
+    double DistanceFrom(const PlaneMap& map, std::size_t patch) const;
+    /// @return whether patches without edges lie about where those with edges foretell them
+    bool IsCertain(std::span<const Edge> edges, std::span<const int> sides) const;
     /// Fits the map to the patches whose edges are all seen; what a lattice took for patches may be noise.
-    void Straighten(std::span<const Edge> edges);
+    /// @return whether that moved a patch by much
+    bool Straighten(std::span<const Edge> edges);
     void ShiftPatches(std::span<const Edge> edges);
     double Offset(const Edge& edge) const;
     std::array<double, kTerms> TermsAt(const ChartPoint& place) const;

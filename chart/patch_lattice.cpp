@@ -15,6 +15,7 @@ constexpr double kStepTolerance = 0.28;    // of a step: how far from where it w
 constexpr double kFitTolerance = 0.2;      // of a step: how far from the fitted map
 constexpr int kSeedPairs = 6;              // tries for a seed
 constexpr double kSettledShare = 0.7;      // of a lattice's places filled: it is taken for the whole truth
+constexpr int kMostUses = 3;               // of a patch, by lattices that may not be the whole truth
 constexpr int kMaxExtent = 24;             // steps from the seed in each direction
 
 double length(const ChartPoint& p) { return std::hypot(p.x, p.y); }
@@ -264,17 +265,18 @@ std::vector<PatchLattice> FindLattices(std::span<const FlatPatch> patches, int m
     std::vector<PatchLattice> grown;
     if (patches.empty()) return grown;
     const PlaceIndex index(patches);
-    std::vector<bool> settled(patches.size(), false);
+    std::vector<int> uses(patches.size(), 0);  // in lattices so far
     for (std::size_t seed = 0; seed < patches.size(); ++seed) {
-        if (settled[seed]) continue;
+        if (uses[seed] >= kMostUses) continue;
         auto grower = growFrom(patches, index, static_cast<int>(seed));
         if (!grower || grower->Count() < static_cast<std::size_t>(minNodes) || !grower->Settle()) continue;
         PatchLattice lattice = grower->Result();
         if (lattice.nodes.size() < static_cast<std::size_t>(minNodes)) continue;
         // A lattice with many gaps may be every second patch of a better one.
         const int places = (lattice.maxU - lattice.minU + 1) * (lattice.maxV - lattice.minV + 1);
-        if (static_cast<int>(lattice.nodes.size()) >= kSettledShare * places) {
-            for (const LatticeNode& node : lattice.nodes) settled[static_cast<std::size_t>(node.patch)] = true;
+        const bool isSettled = static_cast<int>(lattice.nodes.size()) >= kSettledShare * places;
+        for (const LatticeNode& node : lattice.nodes) {
+            uses[static_cast<std::size_t>(node.patch)] += isSettled ? kMostUses : 1;
         }
         grown.push_back(std::move(lattice));
     }
