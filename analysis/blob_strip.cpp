@@ -73,15 +73,15 @@ void BlobStrip::Continue(std::size_t listSize) {
 }
 
 void BlobStrip::Join(const RowRuns& runs, std::int32_t row, const SweepRules& rules, bool belowSeam) {
-    const auto join = [&]<bool eight, bool calibrated>() {
-        record_ ? JoinRow<eight, calibrated, true>(runs, row, rules)
-                : JoinRow<eight, calibrated, false>(runs, row, rules);
+    // By connectivity, calibration, and whether runs are recorded.
+    using Form = void (BlobStrip::*)(const RowRuns&, std::int32_t, const SweepRules&);
+    static constexpr Form kForms[2][2][2] = {
+        {{&BlobStrip::JoinRow<false, false, false>, &BlobStrip::JoinRow<false, false, true>},
+         {&BlobStrip::JoinRow<false, true, false>, &BlobStrip::JoinRow<false, true, true>}},
+        {{&BlobStrip::JoinRow<true, false, false>, &BlobStrip::JoinRow<true, false, true>},
+         {&BlobStrip::JoinRow<true, true, false>, &BlobStrip::JoinRow<true, true, true>}},
     };
-    if (rules.eight) {
-        rules.calibrated ? join.operator()<true, true>() : join.operator()<true, false>();
-    } else {
-        rules.calibrated ? join.operator()<false, true>() : join.operator()<false, false>();
-    }
+    (this->*kForms[rules.eight][rules.calibrated][record_ != nullptr])(runs, row, rules);
     CloseEnded(row, rules);
     if (folded_) SettleFolded();
     std::swap(previous_, current_);

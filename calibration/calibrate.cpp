@@ -143,7 +143,10 @@ bool ImplTonewrightDC::CalibrateAbsolute() {
 
 bool ImplTonewrightDC::FitAbsolute(std::span<const NormalisedColor> targets, const DoubleMatrix& adaptation) {
     const auto fit = FitColors(NormaliseColors(parameters.rawColors), targets, parameters.terms);
-    if (!fit) return calibrated = true;
+    if (!fit) {
+        calibrated = true;
+        return true;
+    }
     fitMatrix = *fit;
     adaptationMatrix = adaptation;
     return StoreTransform(ComposeTransform(fitMatrix, adaptationMatrix));
@@ -161,7 +164,10 @@ bool ImplTonewrightDC::CalibrateRelative() {
     }
     if (raw.GetSize() > kMaxFitColors) return Refuse(kTooManyColors);
     const auto fit = FitColors(NormaliseColors(raw), NormaliseColors(reference), parameters.terms);
-    if (!fit) return calibrated = true;
+    if (!fit) {
+        calibrated = true;
+        return true;
+    }
     return StoreTransform(*fit);
 }
 

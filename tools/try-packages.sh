@@ -39,7 +39,8 @@ fi
 
 within sh -c "apt-get purge -q -y \$(dpkg-query -W -f='\${Package} ' '*tonewright*') && apt-get autoremove -q -y --purge" >"$tree/purge.log" 2>&1
 rm -f "$tree"/tmp/*.deb "$tree"/tmp/chart.* "$tree"/tmp/corrected.bmp "$tree"/tmp/man.txt
-rm -rf "$tree/root/.config/Brennick Korva"
+rm -rf "$tree/root/.config/Brennick Korva" "$tree"/var/cache/man/cat*/tonewright*  # what running them left
 within find / -xdev -iname '*tonewright*' | sort > "$tree/names-after"
-diff "$tree/names-before" "$tree/names-after" && diff "$tree/before" <(within dpkg --get-selections | sort)
+diff "$tree/names-before" "$tree/names-after"
+diff "$tree/before" <(within dpkg --get-selections | sort)
 echo "uninstalled without a trace"
