@@ -161,7 +161,8 @@ void fit(Calibration& calibration, const CalibrateOptions& options, const ChartR
 
 void write(OutputSet& outputs, const Calibration& calibration, const CalibrateOptions& options,
            const CTivImage& image) {
-    const auto& [engine, transform, quality, findings] = calibration;
+    const CTivTonewrightDC& engine = calibration.engine;
+    const CTivVector& transform = calibration.transform;
     if (!options.coefficients.empty()) {
         outputs.Add(options.coefficients, [&](const std::string& name) {
             Require([&] { return SaveTransform(engine, transform, name, false); }, name,

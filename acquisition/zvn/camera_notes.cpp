@@ -46,16 +46,18 @@ void lookAtGamma(ZvnFeatures& features, std::vector<ZvnNote>& notes) {
 
 std::vector<ZvnNote> FindZvnNotes(ZvnFeatures& features) {
     std::vector<ZvnNote> notes;
-    for (const auto& [feature, what] : kAutomatics) {
+    for (const auto& row : kAutomatics) {
         tryTo([&] {
+            const auto& [feature, what] = row;
             if (!features.Has(feature)) return;
             const std::string value = features.GetChoice(feature);
             if (value != "Off") notes.push_back(note(feature, value, what, std::string(feature) + " = Off"));
         });
     }
     tryTo([&] { lookAtGamma(features, notes); });
-    for (const auto& [feature, what] : kSwitches) {
+    for (const auto& row : kSwitches) {
         tryTo([&] {
+            const auto& [feature, what] = row;
             if (!features.Has(feature) || !features.GetSwitch(feature)) return;
             notes.push_back(note(feature, "true", what, std::string(feature) + " = false"));
         });
