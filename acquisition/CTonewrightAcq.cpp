@@ -70,6 +70,7 @@ CTonewrightAcq::~CTonewrightAcq() {
 bool CTonewrightAcq::Configure() {
     if (!hasDevice()) return Refuse("Configure => no acquisition device found");
     CAcqConfigDlg dialog(parentWindow_, 0);
+    if (setup_.category != 0) dialog.SetInForce({setup_.location, setup_.configFile});
     if (dialog.DoModal() != kZvnDialogOk) return false;
     const ZvnLocation location = dialog.GetLocation();
     const ServerClass server = Classify(location);

@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <vector>
 
 #include "acquisition/zvn/CAbortDlg.h"
@@ -51,10 +52,11 @@ std::vector<Resource> listResources() {
 
 class ConfigDialog : public QDialog {
 public:
-    explicit ConfigDialog(QWidget* parent)
+    ConfigDialog(QWidget* parent, const CAcqConfigDlg::Choice* inForce)
         : QDialog(parent), resources_(listResources()), device_(new QComboBox(this)), file_(new QLineEdit(this)) {
         setWindowTitle("Acquisition Configuration");
         for (const Resource& resource : resources_) device_->addItem(resource.text);
+        if (inForce) Preselect(*inForce);
         file_->setPlaceholderText("None: the device stays as it is");
         file_->setMinimumWidth(320);
         auto* browse = new QPushButton("Browse...", this);
@@ -81,6 +83,17 @@ public:
     }
 
 private:
+    // A device that is no longer there leaves the first one chosen, and its file behind.
+    void Preselect(const CAcqConfigDlg::Choice& choice) {
+        const auto found = std::ranges::find_if(resources_, [&](const Resource& resource) {
+            return resource.location.GetServerName() == choice.location.GetServerName() &&
+                   resource.location.GetResourceIndex() == choice.location.GetResourceIndex();
+        });
+        if (found == resources_.end()) return;
+        device_->setCurrentIndex(static_cast<int>(found - resources_.begin()));
+        file_->setText(QString::fromStdString(choice.configFile));
+    }
+
     std::vector<Resource> resources_;
     QComboBox* device_;
     QLineEdit* file_;
@@ -95,9 +108,9 @@ public:
     ~ArrowCursor() { QApplication::restoreOverrideCursor(); }
 };
 
-std::optional<CAcqConfigDlg::Choice> askForDevice(void* parentWindow) {
+std::optional<CAcqConfigDlg::Choice> askForDevice(void* parentWindow, const CAcqConfigDlg::Choice* inForce) {
     const ArrowCursor arrow;
-    ConfigDialog dialog(static_cast<QWidget*>(parentWindow));
+    ConfigDialog dialog(static_cast<QWidget*>(parentWindow), inForce);
     if (dialog.exec() != QDialog::Accepted) return std::nullopt;
     return dialog.Choice();
 }

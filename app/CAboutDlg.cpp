@@ -4,10 +4,9 @@
 #include <QLabel>
 #include <QPushButton>
 
-namespace {
+#include "acquisition/zvn/ZvnManager.h"
 
-// The platform's library carries no version block here, so that there is nothing to read.
-constexpr const char* kNotAvailable = "Not available";
+namespace {
 
 // Places are told in dialog units: a quarter of the font's average width by an eighth of its height.
 class DialogUnits {
@@ -26,6 +25,7 @@ constexpr int kIconPixels = 32;
 
 }  // namespace
 
+// Version and copyright are those of the acquisition layer, deliberately.
 CAboutDlg::CAboutDlg(QWidget* parent) : QDialog(parent) {
     setWindowTitle("About Tonewright Tool");
     QPalette white = palette();
@@ -44,8 +44,8 @@ CAboutDlg::CAboutDlg(QWidget* parent) : QDialog(parent) {
     picture->setPixmap(QIcon(":/icons/tonewright.svg").pixmap(kIconPixels));
     addText(48, 18, "Zelvan Tonewright Tool");
     addText(48, 30, "Version : ");
-    addText(84, 30, kNotAvailable)->setObjectName("1002");
-    addText(48, 42, kNotAvailable)->setObjectName("1003");
+    addText(84, 30, ZvnManager::GetVersion())->setObjectName("1002");
+    addText(48, 42, ZvnManager::GetCopyright())->setObjectName("1003");
     auto* closeButton = new QPushButton("Close", this);
     closeButton->setDefault(true);
     closeButton->move(units.At(150, 60));

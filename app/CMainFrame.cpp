@@ -143,9 +143,17 @@ void CMainFrame::RefreshManualPick() { m_workflow->Get<CalibrationSteps>().OnAdd
 
 void CMainFrame::OnFrameReady(int index) { m_workflow->Get<PictureSteps>().OnFrameReady(index); }
 
-void CMainFrame::OpenDroppedFile(const QString& path) { m_workflow->Get<FileSteps>().OpenDroppedFile(path); }
+void CMainFrame::OpenDroppedFile(const QString& path) {
+    TakeTurn([this, path] { m_workflow->Get<FileSteps>().OpenDroppedFile(path); });
+}
 
 void CMainFrame::LogMessage(const QString& text, int type) { m_logger->AddMessage(text, type); }
+
+// Closing asks nothing: a number that was typed and not committed would count once its edit loses the focus.
+void CMainFrame::closeEvent(QCloseEvent* event) {
+    m_ribbon->DropPendingEdits();
+    QMainWindow::closeEvent(event);
+}
 
 void CMainFrame::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);

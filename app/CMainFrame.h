@@ -2,6 +2,8 @@
 
 #include <QMainWindow>
 #include <QString>
+#include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -57,7 +59,7 @@ public:
     void RefreshManualPick() override;
 
     /// Runs a command if its rule allows it now, and brings the state of all commands up to date. What a command throws
-    /// is logged as an error.
+    /// is logged as an error. One that comes while another waits for its device or its dialog runs after that one.
     void RunCommand(int id);
     StudioState GetState() const;
     /// Brings every action to what its rules say.
@@ -86,6 +88,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -102,6 +105,7 @@ private:
     void KeepLeastWidths();
     void GiveRoomBack(int grown);
     void SetStatus(int id, const QString& text);
+    void TakeTurn(std::function<void()> step);
 
     // Declared in this order so that the members go in the reverse one: the workflow first, the viewers before their
     // panes, the session and its thread last.
@@ -121,4 +125,5 @@ private:
     std::unique_ptr<CImageViewerCtrl> m_calibViewer;
     std::unique_ptr<RibbonControls> m_controls;
     std::unique_ptr<Workflow> m_workflow;
+    std::deque<std::function<void()>> m_turns;  ///< the step that runs, and those that wait for its end
 };

@@ -125,18 +125,33 @@ void CMainFrame::UpdateCommands() {
     m_rawColorWnd->UpdateCommandState();
 }
 
+// What was typed and not committed counts for the command that is pressed next, but not for leaving.
 void CMainFrame::RunCommand(int id) {
     const CommandRow* const row = FindCommand(id);
     if (!row) return;
-    m_ribbon->CommitPendingEdits();
-    if (row->run && row->enabled(GetState())) {
+    if (id == ID_APP_EXIT) {
+        m_ribbon->DropPendingEdits();
+    } else {
+        m_ribbon->CommitPendingEdits();
+    }
+    TakeTurn([this, row] {
+        if (row->run && row->enabled(GetState())) row->run(*this, row->id);
+    });
+}
+
+// Steps don't nest: one that came while another waits would take away what that one waits for.
+void CMainFrame::TakeTurn(std::function<void()> step) {
+    m_turns.push_back(std::move(step));
+    if (m_turns.size() > 1) return;
+    while (!m_turns.empty()) {
         try {
-            row->run(*this, id);
+            m_turns.front()();
         } catch (...) {
             LogException();
         }
+        m_turns.pop_front();
+        UpdateCommands();
     }
-    UpdateCommands();
 }
 
 // The fit and the parsers of numbers throw texts that nothing below catches.

@@ -16,9 +16,6 @@ void CMainFrame::dropEvent(QDropEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (urls.isEmpty() || !urls.constFirst().isLocalFile()) return;
     event->acceptProposedAction();
-    const auto open = [this, path = urls.constFirst().toLocalFile()] {
-        OpenDroppedFile(path);
-        UpdateCommands();
-    };
+    const auto open = [this, path = urls.constFirst().toLocalFile()] { OpenDroppedFile(path); };
     QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
 }

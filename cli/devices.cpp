@@ -51,7 +51,9 @@ std::string FindDevice(const std::string& chosen) {
 
 std::string Connect(CTonewrightAcq& session, const DeviceChoice& choice) {
     std::string device = FindDevice(choice.device);
-    CAcqConfigDlg::SetAsk([&](void*) { return CAcqConfigDlg::Choice{ZvnLocation(device), choice.config}; });
+    CAcqConfigDlg::SetAsk([&](void*, const CAcqConfigDlg::Choice*) {
+        return CAcqConfigDlg::Choice{ZvnLocation(device), choice.config};
+    });
     const std::unique_ptr<void, void (*)(void*)> asking(&device, [](void*) { CAcqConfigDlg::SetAsk(nullptr); });
     Require([&] { return session.Configure(); }, device, "cannot be configured");
     return device;

@@ -27,14 +27,16 @@ struct Extension {
     const char* text;
 };
 constexpr Extension kExtensions[] = {
-    {ImageFileNative, ".Zelvanpix"},  // never reached: a native file's name is used unchanged
     {ImageFileTiff, ".tif"},
     {ImageFileBmp, ".bmp"},
     {ImageFileCrc, ".crc"},
 };
 
+}  // namespace
+
 // A name whose last of `\`, `.` and `/` is not a dot has no extension and gets the kind's.
-std::string withExtension(const std::string& name, int fileFormat) {
+std::string GetSavedImageName(const std::string& name, int fileFormat) {
+    if (fileFormat == ImageFileNative) return name;
     const std::size_t last = name.find_last_of("\\./");
     if (last != std::string::npos && name[last] == '.') return name;
     for (const Extension& extension : kExtensions) {
@@ -42,8 +44,6 @@ std::string withExtension(const std::string& name, int fileFormat) {
     }
     return name;
 }
-
-}  // namespace
 
 bool LoadNativeFile(CTivImage& image, const std::string& path, bool reallocate) {
     std::ifstream stream(path, std::ios::binary);
@@ -115,7 +115,7 @@ bool CTivImage::Save(const CTivString& path, int fileFormat) const {
         WriteFile(file.Stream());
         return file.Commit() || Refuse("CTivImage::Save => cannot open file for saving");
     }
-    const std::string name = withExtension(path.ToString(), fileFormat);
+    const std::string name = GetSavedImageName(path.ToString(), fileFormat);
     if (fileFormat == ImageFileBmp) return writeImage(GetRecord(), name.c_str(), fileFormat) == 0;
     SafeOutputFile file(name);
     {

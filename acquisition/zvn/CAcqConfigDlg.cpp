@@ -11,7 +11,7 @@ void CAcqConfigDlg::SetAsk(Ask ask) { askInForce = std::move(ask); }
 CAcqConfigDlg::CAcqConfigDlg(void* parentWindow, int) : parentWindow_(parentWindow) {}
 
 int CAcqConfigDlg::DoModal() {
-    auto choice = askInForce ? askInForce(parentWindow_) : std::nullopt;
+    auto choice = askInForce ? askInForce(parentWindow_, inForce_ ? &*inForce_ : nullptr) : std::nullopt;
     if (!choice) return kZvnDialogCancel;
     choice_ = std::move(*choice);
     return kZvnDialogOk;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "acquisition/zvn/ZvnLocation.h"
 
@@ -17,12 +18,13 @@ public:
         ZvnLocation location;
         std::string configFile;  ///< UTF-8, empty for none
     };
-    /// @return nothing on cancel
-    using Ask = std::function<std::optional<Choice>(void* parentWindow)>;
+    /// @param inForce the choice to begin with, null for none @return nothing on cancel
+    using Ask = std::function<std::optional<Choice>(void* parentWindow, const Choice* inForce)>;
     /// Sets what DoModal asks from now on; unset, it answers cancel.
     static void SetAsk(Ask ask);
 
     explicit CAcqConfigDlg(void* parentWindow, int reserved = 0);
+    void SetInForce(Choice choice) { inForce_ = std::move(choice); }
     int DoModal();  ///< a ZvnDialogAnswer
     const ZvnLocation& GetLocation() const { return choice_.location; }
     /// @param category 1 a frame grabber's configuration, 2 a camera's @return empty for another category
@@ -30,5 +32,6 @@ public:
 
 private:
     void* parentWindow_;
+    std::optional<Choice> inForce_;
     Choice choice_;
 };

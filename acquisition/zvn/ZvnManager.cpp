@@ -73,6 +73,10 @@ void ZvnManager::SetStatusListener(StatusListener listener) {
     listenerInForce = std::move(listener);
 }
 
+const char* ZvnManager::GetVersion() { return ZVN_VERSION; }
+
+const char* ZvnManager::GetCopyright() { return "Copyright \u00A9 Brennick Korva"; }
+
 int ZvnManager::GetServerCount() { return static_cast<int>(listServers().size()); }
 
 int ZvnManager::GetResourceCount(int server, int type) { return countResources(findServer(server), type); }

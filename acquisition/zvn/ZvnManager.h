@@ -29,6 +29,9 @@ public:
     static bool GetServerName(int server, char* buffer, int size);
     static bool GetServerName(const ZvnLocation& location, char* buffer, int size);
 
+    static const char* GetVersion();    ///< of this layer, as in "1.0.0"
+    static const char* GetCopyright();  ///< of this layer
+
     /// How the layer tells what went wrong: 0, as it starts, to the listener; any other mode not at all.
     static int GetDisplayStatusMode();
     static void SetDisplayStatusMode(int mode, int reserved, int alsoReserved);

@@ -94,6 +94,10 @@ void RibbonBar::CommitPendingEdits() {
     for (const auto& [id, edit] : edits_) edit->CommitPending();
 }
 
+void RibbonBar::DropPendingEdits() {
+    for (const auto& [id, edit] : edits_) edit->DropPending();
+}
+
 void RibbonBar::SetSliderValue(int id, int value) {
     if (const auto found = sliders_.find(id); found != sliders_.end()) found->second->ShowValue(value);
 }

@@ -30,6 +30,7 @@ public:
     QString EditText(int id) const;  ///< empty for an unknown number
     /// Commits what was typed into an edit and not committed yet: a press on a button leaves the focus there.
     void CommitPendingEdits();
+    void DropPendingEdits();  ///< what was typed and not committed does not count
     void SetSliderValue(int id, int value);
     int SliderValue(int id) const;  ///< 0 for an unknown number
     void SetRecentDocuments(const QStringList& paths);

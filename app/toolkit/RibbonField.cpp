@@ -45,7 +45,7 @@ void RibbonEdit::keyPressEvent(QKeyEvent* event) {
         Commit();
         selectAll();
     } else if (event->key() == Qt::Key_Escape) {
-        setText(shown_);
+        DropPending();
         selectAll();
     } else {
         QLineEdit::keyPressEvent(event);
@@ -60,6 +60,8 @@ void RibbonEdit::focusOutEvent(QFocusEvent* event) {
 void RibbonEdit::CommitPending() {
     if (text() != shown_) Commit();
 }
+
+void RibbonEdit::DropPending() { setText(shown_); }
 
 void RibbonEdit::Commit() {
     shown_ = text();  // a dialog that the commit opens takes the focus: that must not commit again

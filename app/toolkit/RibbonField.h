@@ -17,6 +17,7 @@ public:
     void ShowText(const QString& text);
     /// Commits a text that was typed and not committed yet.
     void CommitPending();
+    void DropPending();  ///< the shown text comes back
 
 signals:
     void committed();

@@ -44,6 +44,7 @@ void ParameterSteps::SyncControlsFromEngine() {
     const CTivTonewrightDC& engine = m_work.engine;
     m_work.controls.Redraw();
     m_work.lists.Clear();
+    m_work.lists.SetMode(engine.GetCalibrationMode() == kRelative);
     m_work.calibrated.ResetView();
     m_work.previewActive = false;
 

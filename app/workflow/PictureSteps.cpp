@@ -1,11 +1,16 @@
 #include "app/workflow/PictureSteps.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "app/StringTable.h"
 #include "app/toolkit/Profile.h"
 #include "app/toolkit/Prompts.h"
 #include "app/toolkit/WaitCursor.h"
 #include "app/workflow/StatusTexts.h"
 #include "app/workflow/StudioFiles.h"
+#include "foundation/record_length.h"
+#include "imagefile/CTivImageFileFormat.h"
 
 using namespace studio_files;
 
@@ -45,6 +50,8 @@ bool PictureSteps::LoadImageFile(const QString& path) {
     const WaitCursor wait;
     CTivImage& buffer = *m_work.session->GetImage(-1);
     buffer.SetRoi({});
+    // Declared pixels that never came would be paid for by the view's copy.
+    if (!CheckImageFileLength(path.toStdString()).empty()) return false;
     if (!buffer.Load(path.toStdString(), true)) return false;
     PictureView* const viewer = GetSelectedViewer();
     if (!viewer) return false;
@@ -85,6 +92,16 @@ void PictureSteps::OnLoadReferenceImage() {
     OnLoadImage();
 }
 
+// The dialog asked about the name that was typed; the image may get an extension behind it.
+bool PictureSteps::MayReplace(const FileChoice& choice) const {
+    const std::string typed = choice.path.toStdString();
+    const std::string written = GetSavedImageName(typed, SaveFormatOfFilter(choice.filterIndex));
+    std::error_code unknown;
+    if (written == typed || !std::filesystem::exists(written, unknown)) return true;
+    return GetPrompts().AskYesNo(
+        "Save As", QString("%1 already exists.\nDo you want to replace it?").arg(QString::fromStdString(written)));
+}
+
 // A save that fails is silent, deliberately (C23).
 void PictureSteps::OnSaveImage() {
     const auto choice = GetPrompts().SaveFile(
@@ -92,7 +109,7 @@ void PictureSteps::OnSaveImage() {
          kSaveImageFilters,
          GetProfile().ReadInt(kImageSection, kSaveType, 1),
          {}});
-    if (!choice) return;
+    if (!choice || !MayReplace(*choice)) return;
     CTivImage copy(m_work.calibrated.Image());
     copy.SetRoi({});
     if (!copy.Save(choice->path.toStdString(), SaveFormatOfFilter(choice->filterIndex))) return;

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "app/toolkit/Prompts.h"
 #include "app/workflow/WorkflowContext.h"
 
 /// Pictures: which one is selected, loading and saving them, and what a new one resets.
@@ -27,5 +28,7 @@ public:
     void OnSaveImage();
 
 private:
+    bool MayReplace(const FileChoice& choice) const;
+
     WorkflowContext& m_work;
 };

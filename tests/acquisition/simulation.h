@@ -32,7 +32,7 @@ public:
         folder_ = mkdtemp(pattern.data());
         Describe(ini);
         setenv("ZVN_SIMULATION", (folder_ / "simulation.ini").c_str(), 1);
-        CAcqConfigDlg::SetAsk([this](void*) {
+        CAcqConfigDlg::SetAsk([this](void*, const CAcqConfigDlg::Choice*) {
             ++questions;
             return choice;
         });

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 #include <atomic>
@@ -75,6 +76,48 @@ TEST_F(AcquisitionDialog, OffersEveryResourceAndTakesTheChoice) {
     EXPECT_EQ(offered, (QStringList{"Frame grabber 1: Grabber", "Camera 1: Other"}));
     EXPECT_EQ(frame->GetState().deviceKind, DeviceKindOther);
     EXPECT_TRUE(Log().empty()) << "other cameras want no camera file";
+}
+
+TEST_F(AcquisitionDialog, OpensOnTheDeviceAndTheFileInForce) {
+    Simulate(kTwoServers);
+    Write("some.ccf", "");
+    WhenDialogOpens first("Acquisition Configuration", [&](QWidget& dialog) {
+        EXPECT_EQ(dialog.findChild<QComboBox*>()->currentIndex(), 0);
+        dialog.findChild<QComboBox*>()->setCurrentIndex(1);
+        dialog.findChild<QLineEdit*>()->setText(Path("some.ccf"));
+        dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+    });
+    Run(ID_BTN_REFRESH_CAMERAS);
+    ASSERT_TRUE(first.seen);
+    WhenDialogOpens second("Acquisition Configuration", [&](QWidget& dialog) {
+        EXPECT_EQ(dialog.findChild<QComboBox*>()->currentIndex(), 1);
+        EXPECT_EQ(dialog.findChild<QLineEdit*>()->text(), Path("some.ccf"));
+        dialog.close();
+    });
+    Run(ID_BTN_REFRESH_CAMERAS);
+    EXPECT_TRUE(second.seen);
+}
+
+// What comes meanwhile would free the transfer that is waited on.
+TEST_F(AcquisitionDialog, ACommandThatComesDuringASnapWaitsForItsEnd) {
+    Connect("[Grabber]\nkind = frame grabber\nwidth = 8\nheight = 4\nformat = RGB 32\nfaults = no frame\n");
+    int configured = 0;
+    bool waited = false;
+    CAcqConfigDlg::SetAsk([&](void*, const CAcqConfigDlg::Choice*) {
+        ++configured;
+        return std::nullopt;
+    });
+    CAbortDlg::SetWaitFor([&](void*, ZvnTransfer& transfer, int) {
+        QTimer::singleShot(0, frame.get(), [&] { Run(ID_BTN_REFRESH_CAMERAS); });
+        QTimer::singleShot(0, frame.get(), [&] { frame->OpenDroppedFile("no extension"); });
+        for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+        waited = configured == 0;
+        return transfer.Wait(0);
+    });
+    Run(ID_BTN_ACQ_SNAP);
+    EXPECT_TRUE(waited);
+    EXPECT_EQ(configured, 1);
+    EXPECT_EQ(Log().back(), (LogRow{"File signature not recognized.", LogWarning}));
 }
 
 TEST_F(AcquisitionDialog, CancelChangesNothing) {
@@ -182,11 +225,12 @@ TEST(QtPrompts, MatrixSizeStaysOnCancel) {
     EXPECT_EQ(width, 6);
 }
 
-TEST(AboutBox, NamesTheToolAndHasNoVersionToTell) {
+TEST(AboutBox, NamesTheToolAndTellsTheVersionOfTheAcquisitionLayer) {
     CAboutDlg dialog(nullptr);
     EXPECT_EQ(dialog.windowTitle(), "About Tonewright Tool");
-    EXPECT_EQ(dialog.findChild<QLabel*>("1002")->text(), "Not available");
-    EXPECT_EQ(dialog.findChild<QLabel*>("1003")->text(), "Not available");
+    const QRegularExpression version("^\\d+\\.\\d+\\.\\d+$");
+    EXPECT_TRUE(version.match(dialog.findChild<QLabel*>("1002")->text()).hasMatch());
+    EXPECT_TRUE(dialog.findChild<QLabel*>("1003")->text().contains("Brennick Korva"));
     for (const QWidget* child : dialog.findChildren<QWidget*>()) {
         EXPECT_TRUE(dialog.rect().contains(child->geometry())) << "nothing is cut off";
     }

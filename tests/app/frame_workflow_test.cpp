@@ -52,6 +52,30 @@ TEST_F(FrameWorkflow, ATypedNumberCountsForTheCommandThatIsPressedNext) {
     EXPECT_FLOAT_EQ(GetEngine().GetGamma(), 0.6f);
 }
 
+// Closing asks nothing, also where the number would run a preview that asks.
+TEST_F(FrameWorkflow, ATypedNumberDoesNotCountForLeaving) {
+    LoadChart();
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    prompts.path = Path("kept.ccor");
+    Run(ID_BTN_SAVE_CAMERA_FILE);
+    auto* edit = frame->Ribbon().findChild<RibbonEdit*>();  // the first one is gamma's
+    for (const bool byCommand : {true, false}) {
+        frame->show();
+        edit->setFocus();
+        edit->setText("60");
+        if (byCommand) {
+            Run(ID_APP_EXIT);
+        } else {
+            frame->close();
+        }
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(frame->isVisible());
+        EXPECT_EQ(edit->text(), "45");
+        EXPECT_FLOAT_EQ(GetEngine().GetGamma(), 0.45f);
+    }
+    EXPECT_TRUE(prompts.questions.empty());
+}
+
 TEST_F(FrameWorkflow, ColorsPickedByHandFollowTheSelectedViewer) {
     LoadChart();
     Run(ID_COLOR_ADD_BY_HAND);

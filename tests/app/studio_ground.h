@@ -109,7 +109,9 @@ protected:
     void SimulateAndChoose(const std::string& ini) {
         Simulate(ini);
         const std::string server = ini.substr(1, ini.find(']') - 1);
-        CAcqConfigDlg::SetAsk([server](void*) { return CAcqConfigDlg::Choice{ZvnLocation(server), {}}; });
+        CAcqConfigDlg::SetAsk([server](void*, const CAcqConfigDlg::Choice*) {
+            return CAcqConfigDlg::Choice{ZvnLocation(server), {}};
+        });
     }
 
     QTemporaryDir folder;
