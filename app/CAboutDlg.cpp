@@ -25,7 +25,7 @@ constexpr int kIconPixels = 32;
 
 }  // namespace
 
-// Version and copyright are those of the acquisition layer, deliberately.
+// Version and copyright are those of the acquisition layer, as the platform tells them here.
 CAboutDlg::CAboutDlg(QWidget* parent) : QDialog(parent) {
     setWindowTitle("About Tonewright Tool");
     QPalette white = palette();

@@ -1,4 +1,3 @@
-#include <QDir>
 #include <cstring>
 
 #include "app/CommandTable.h"
@@ -11,13 +10,6 @@ constexpr const char* kNoRawColors =
     "CTivTonewrightDC::Calibrate => vector of raw colors is empty. Use SetRawColors prior to Calibrate.";
 constexpr const char* kReferenceNeeded =
     "A reference image is needed in relative calibration mode. Please load an image in the reference image window";
-constexpr const char* kTransferWarning =
-    "Depending on the file size and communication speed, the transfer could take a while, but must not be aborted. "
-    "Please wait.";
-
-const std::string kGrabber = "[Grabber]\nkind = frame grabber\nwidth = 8\nheight = 4\nformat = RGB 32\n";
-const std::string kCamera =
-    "[A Camera_Link]\nkind = Camera Link camera\nwidth = 8\nheight = 4\nformat = RGB 32\nfiles = memory\n";
 
 using WorkflowSteps = WorkflowBench;
 
@@ -313,110 +305,6 @@ TEST_F(WorkflowSteps, TheFileOfTheStartOpensAsADropDoesAndCoefficientsAsTheirCom
     EXPECT_EQ(State().coefficientFile, Path("kept.ccor"));
     Files().OpenStartFile(Path("no extension"));
     EXPECT_EQ(log.back(), (LogRow{"File signature not recognized.", LogWarning}));
-}
-
-TEST_F(WorkflowSteps, NoHardwareIsToldWhenTheUserAsks) {
-    Devices().OnConfigure();
-    EXPECT_EQ(log, (Rows{{"Configure => no acquisition device found", LogError}}));
-    // A cancelled dialog tells the last error once more.
-    Simulate(kGrabber);
-    Devices().OnConfigure();
-    EXPECT_EQ(log, (Rows(2, {"Configure => no acquisition device found", LogError})));
-}
-
-TEST_F(WorkflowSteps, SnapTellsItsFailureAsInformation) {
-    Connect(kGrabber);
-    Connect(kGrabber + "faults = create\n");  // the reconnection before it closed the device
-    log.clear();
-    Devices().OnSnap();
-    EXPECT_EQ(log, (Rows{{"Snap => not initialized", LogInformation}}));
-}
-
-TEST_F(WorkflowSteps, UploadAndBackupReachACamera) {
-    QDir(folder.path()).mkdir("memory");
-    Connect(kCamera);
-    EXPECT_FALSE(FindCommand(ID_BTN_CALIBRATE_DEVICE)->enabled(workflow->GetStudioState())) << "no coefficients yet";
-    prompts.path = Path("backup.ccor");
-    log.clear();
-    Devices().OnBackupCoefficients();
-    EXPECT_EQ(log, (Rows{{"Cannot read file from device.", LogError}}));
-    Write("memory/ColorCorrectionMatrix", "the factory's");
-    LoadChart();
-    prompts.path = Path("new.ccor");
-    Files().OnSaveCoefficients();
-    log.clear();
-    Devices().OnUploadCoefficients();
-    EXPECT_EQ(log, (Rows{{kTransferWarning, LogWarning}, {"Finished successfully !", LogInformation}}));
-    prompts.path = Path("backup.ccor");
-    Devices().OnBackupCoefficients();
-    EXPECT_EQ(log.back(), (LogRow{"Backup succeeded.", LogInformation}));
-    EXPECT_EQ(State().coefficientFile, Path("new.ccor"));
-    EXPECT_NE(GetProfile().ReadString("ColorCorrectionFile", "Name", ""), prompts.path);
-    EXPECT_EQ(Read("new.ccor"), Read("backup.ccor"));
-}
-
-TEST_F(WorkflowSteps, AGrabberWithoutCoefficientsIsCalibratedBeforeTheUpload) {
-    QDir::setCurrent(folder.path());
-    Connect(kGrabber);
-    Calibration().OnColorsManual();
-    log.clear();
-    Devices().OnUploadCoefficients();
-    EXPECT_EQ(log, (Rows{{kTransferWarning, LogWarning}, {kNoRawColors, LogError}}));
-    Calibration().OnColorsAutomatic();
-    LoadChart();
-    log.clear();
-    Devices().OnUploadCoefficients();
-    EXPECT_TRUE(QFile::exists(Path("__upload__.ccor")));
-    EXPECT_TRUE(State().coefficientFile.isEmpty());
-    EXPECT_EQ(log, (Rows{{kTransferWarning, LogWarning}, {"Cannot create link to device.", LogError}}));
-    QDir::setCurrent(QDir::rootPath());
-}
-
-// The road of a grabber whose coefficients lie in the camera behind it: what the camera keeps must be a calibration.
-TEST_F(WorkflowSteps, NothingThatCannotBeACalibrationReachesADevice) {
-    QDir(folder.path()).mkdir("memory");
-    QDir::setCurrent(folder.path());
-    const auto upload = [&] {
-        log.clear();
-        Write("memory/ColorCorrectionMatrix", "the factory's");
-        Devices().OnUploadCoefficients();
-        ASSERT_EQ(log.size(), 2u);
-        EXPECT_EQ(log[0], (LogRow{kTransferWarning, LogWarning}));
-    };
-    const auto expectRefusal = [&](const std::string& text, const char* state) {
-        upload();
-        EXPECT_EQ(log.back(), (LogRow{text, LogError})) << state;
-        EXPECT_EQ(Read("memory/ColorCorrectionMatrix"), "the factory's") << state;
-    };
-    const std::string incomplete = " columns of the chart were found.";
-    Connect(kGrabber + kCamera);
-    expectRefusal(kNoRawColors, "no picture");
-    LoadChart(40, 3);
-    expectRefusal("Nothing was sent: in the raw image 3 of 4 rows and 6 of 6" + incomplete, "a row short");
-    LoadChart(40, 0);
-    expectRefusal("Nothing was sent: in the raw image 0 of 4 rows and 0 of 6" + incomplete, "no chart");
-    LoadChart();
-    Parameters().OnRelative();
-    prompts.path = WriteChart("dark.bmp", 40, 2);
-    Pictures().OnLoadReferenceImage();
-    expectRefusal("Nothing was sent: in the reference image 2 of 4 rows and 6 of 6" + incomplete, "reference");
-    Parameters().OnAbsolute();
-    upload();
-    EXPECT_EQ(log.back(), (LogRow{"Finished successfully !", LogInformation}));
-    EXPECT_EQ(Read("memory/ColorCorrectionMatrix"), Read("__upload__.ccor"));
-
-    // Somebody else's file, of the one kind that loading takes.
-    const float offsets[12] = {0.3f, 0, 0, 0, 0.3f, 0, 0, 0, 0.3f, 0, 0, 0};
-    prompts.path = Path("chosen.ccor");
-    Files().OnSaveCoefficients();
-    std::string file = Read("chosen.ccor");
-    file.replace(file.size() - sizeof offsets, sizeof offsets, reinterpret_cast<const char*>(offsets), sizeof offsets);
-    Write("chosen.ccor", file);
-    Files().OnLoadCoefficients();
-    expectRefusal(
-        "Nothing was sent: the red row of the transform has no weight: red would be the same for every color.",
-        "offsets alone");
-    QDir::setCurrent(QDir::rootPath());
 }
 
 }  // namespace
