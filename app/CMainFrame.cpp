@@ -15,6 +15,7 @@
 #include "app/GetEngine.h"
 #include "app/RibbonControls.h"
 #include "app/panes/CLoggerWnd.h"
+#include "app/panes/CQualityWnd.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Prompts.h"
@@ -130,6 +131,7 @@ void CMainFrame::CreateWorkflow() {
         ShowPane(*m_logger);
         m_logger->repaint();
     });
+    FollowQuality();
 }
 
 // The viewers are the only pictures that the workflow has.

@@ -16,6 +16,7 @@ class CAutoROIImageViewer;
 class CDockableImgPane;
 class CImageViewerCtrl;
 class CLoggerWnd;
+class CQualityWnd;
 class CRawColorWnd;
 class CSpectrumValuesWnd;
 class CTonewrightAcq;
@@ -99,6 +100,7 @@ private:
     void CreateStatusBar();
     bool CreatePanes();
     void CreateWorkflow();
+    void FollowQuality();
     void DockPanes();
     QDockWidget* PaneOf(int id) const;
     void ShowPane(QDockWidget& pane);
@@ -118,6 +120,7 @@ private:
     std::map<int, QLabel*> m_statusPanes;
     std::unique_ptr<CSpectrumValuesWnd> m_spectrumWnd;
     std::unique_ptr<CRawColorWnd> m_rawColorWnd;
+    std::unique_ptr<CQualityWnd> m_qualityWnd;
     std::unique_ptr<CDockableImgPane> m_refPane;
     std::unique_ptr<CDockableImgPane> m_calibPane;
     std::unique_ptr<CAutoROIImageViewer> m_rawViewer;

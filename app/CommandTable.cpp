@@ -19,6 +19,7 @@ bool never(State) { return false; }
 bool selectedHasImage(State s) {
     return (s.rawSelected && s.rawHasImage) || (s.refSelected && s.refHasImage) || (s.calibSelected && s.calibHasImage);
 }
+bool selectedChartHasImage(State s) { return (s.rawSelected && s.rawHasImage) || (s.refSelected && s.refHasImage); }
 bool calibHasImage(State s) { return s.calibHasImage; }
 bool canSnap(State s) { return s.deviceKind != DeviceKindNone && s.deviceKind != DeviceKindFileOnly; }
 bool canBackup(State s) { return s.deviceKind == DeviceKindCameraLink; }
@@ -187,6 +188,13 @@ constexpr CommandRow kFixedCommands[] = {
     // The key is bound and nothing handles it, deliberately (C12).
     {ID_KEY_CONTROL_S, "", "", "Ctrl+S", never, kUnchecked, kNothing, ""},
 
+    {ID_BTN_FIND_CHART, "Find Chart", "find-chart", "", selectedChartHasImage, kUnchecked,
+     call<&QualitySteps::OnFindChart>,
+     "Find the chart in the selected picture wherever it lies, and fill the color list with it.\n Find Chart"},
+    {ID_BTN_QUALITY_PANE, "Calibration Quality", "quality", "", always, flag<&S::qualityVisible>,
+     call<&F::OnTogglePane>, "Show what the calibration delivers, patch by patch.\n Calibration Quality"},
+    {ID_BTN_SAVE_REPORT, "Save Report", "save-report", "", flag<&S::hasReport>, kUnchecked,
+     call<&QualitySteps::OnSaveReport>, "Save the figures of the last preview as a page.\n Save Report"},
     {ID_BTN_RESET_LAYOUT, "Reset Layout", "reset-layout", "", always, kUnchecked, call<&F::OnResetLayout>,
      "Put all panes back to where they first were.\n Reset Layout"},
     {ID_BTN_CHROME, "Appearance", "appearance", "", always, kUnchecked, kNothing,

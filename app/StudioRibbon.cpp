@@ -104,6 +104,12 @@ constexpr Item kPanes[] = {
     button(Kind::CheckBox, ID_CBTN_CALIB_IMG_VIEW, "A"),
 };
 
+constexpr Item kCalibrationQuality[] = {
+    button(Kind::Large, ID_BTN_FIND_CHART, "FC"),
+    button(Kind::Large, ID_BTN_QUALITY_PANE, "CQ"),
+    button(Kind::Large, ID_BTN_SAVE_REPORT, "SR"),
+};
+
 constexpr int kChromeMenu[] = {ID_BTN_CHROME_SYSTEM, ID_BTN_CHROME_LIGHT, ID_BTN_CHROME_DARK, ID_BTN_CHROME_NEUTRAL};
 constexpr Item kWindow[] = {
     button(Kind::Large, ID_BTN_RESET_LAYOUT, "RL"),
@@ -121,7 +127,10 @@ constexpr ribbon::Panel kViewPanels[] = {
     {"Log Window", ":/icons/clear-log.svg", "ZL", kLog},
     {"Dockable Panes", ":/icons/panes.svg", "ZP", kPanes},
 };
-constexpr ribbon::Panel kQualityPanels[] = {{"Window", ":/icons/reset-layout.svg", "ZW", kWindow}};
+constexpr ribbon::Panel kQualityPanels[] = {
+    {"Calibration Quality", ":/icons/quality.svg", "ZQ", kCalibrationQuality},
+    {"Window", ":/icons/reset-layout.svg", "ZW", kWindow},
+};
 
 // Where room is short, what is used least while calibrating goes first.
 enum HomePanel : std::size_t { Acquisition, Coefficients, Execution, Parameters, Viewer };
@@ -132,7 +141,7 @@ constexpr RibbonShrinkStep kHomeSteps[] = {
 };
 constexpr RibbonShrinkStep kViewSteps[] = {{1, RibbonForm::Button}, {0, RibbonForm::Button}};
 
-constexpr RibbonShrinkStep kQualitySteps[] = {{0, RibbonForm::Button}};
+constexpr RibbonShrinkStep kQualitySteps[] = {{1, RibbonForm::Button}, {0, RibbonForm::Button}};
 
 constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels, kHomeSteps},
                                  {"View", "V", kViewPanels, kViewSteps},

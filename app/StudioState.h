@@ -24,5 +24,7 @@ struct StudioState {
     bool spectrumVisible = false;
     bool refPaneVisible = false;
     bool calibPaneVisible = false;
-    int chrome = 0;  ///< how the window is dressed, a theme::Chrome
+    bool qualityVisible = false;
+    bool hasReport = false;  ///< a preview was judged
+    int chrome = 0;          ///< how the window is dressed, a theme::Chrome
 };

@@ -12,6 +12,7 @@
 #include "app/HelpFile.h"
 #include "app/StudioRibbon.h"
 #include "app/panes/CLoggerWnd.h"
+#include "app/panes/CQualityWnd.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Profile.h"
@@ -110,12 +111,15 @@ StudioState CMainFrame::GetState() const {
     state.spectrumVisible = !m_spectrumWnd->isHidden();
     state.refPaneVisible = !m_refPane->isHidden();
     state.calibPaneVisible = !m_calibPane->isHidden();
+    state.qualityVisible = !m_qualityWnd->isHidden();
+    state.hasReport = m_workflow->Get<QualitySteps>().GetReport().has_value();
     state.chrome = static_cast<int>(theme::GetChrome());
     return state;
 }
 
 void CMainFrame::UpdateCommands() {
     if (!m_workflow) return;  // still being built
+    m_workflow->Get<QualitySteps>().CheckInputs();
     const StudioState state = GetState();
     for (const CommandRow& row : CommandTable()) {
         QAction* const action = m_actions.at(row.id);

@@ -8,6 +8,7 @@
 #include "app/CommandIds.h"
 #include "app/StringTable.h"
 #include "app/panes/CLoggerWnd.h"
+#include "app/panes/CQualityWnd.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/RibbonBar.h"
@@ -19,6 +20,7 @@ namespace {
 
 constexpr int kListPaneWidth = 240;
 constexpr int kImagePaneWidth = 800;
+constexpr int kQualityPaneWidth = 260;
 constexpr int kLoggerHeight = 180;
 constexpr int kRawViewerWidth = 320;
 constexpr int kRoomForAll =
@@ -77,6 +79,9 @@ bool CMainFrame::CreatePanes() {
     connect(m_spectrumWnd.get(), &CSpectrumValuesWnd::message, this, &CMainFrame::LogMessage);
     connect(m_spectrumWnd.get(), &CSpectrumValuesWnd::matrixSizeChosen, this,
             [this] { m_workflow->Get<CalibrationSteps>().OnMatrixSizeChosen(); });
+    m_qualityWnd = std::make_unique<CQualityWnd>(this);
+    setUp(*m_qualityWnd, ID_BTN_QUALITY_PANE, "Calibration Quality", Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea,
+          ":/icons/list-pane.svg");
     m_rawViewer->SetChartSize(m_spectrumWnd->GetChartSize());
     m_refViewer->SetChartSize(m_spectrumWnd->GetChartSize());
     return true;
@@ -84,15 +89,18 @@ bool CMainFrame::CreatePanes() {
 
 void CMainFrame::DockPanes() {
     addDockWidget(Qt::LeftDockWidgetArea, m_rawColorWnd.get());
+    splitDockWidget(m_rawColorWnd.get(), m_qualityWnd.get(), Qt::Horizontal);  // before it has tabs, or it becomes one
     tabifyDockWidget(m_rawColorWnd.get(), m_spectrumWnd.get());
     addDockWidget(Qt::BottomDockWidgetArea, m_logger.get());
     addDockWidget(Qt::RightDockWidgetArea, m_calibPane.get());
     tabifyDockWidget(m_calibPane.get(), m_refPane.get());
+    m_qualityWnd->hide();  // at once, so that the lists beside it get their width alone
     resizeDocks({m_rawColorWnd.get(), m_calibPane.get()}, {kListPaneWidth, kImagePaneWidth}, Qt::Horizontal);
     resizeDocks({m_logger.get()}, {kLoggerHeight}, Qt::Vertical);
     for (QDockWidget* pane :
          {static_cast<QDockWidget*>(m_rawColorWnd.get()), static_cast<QDockWidget*>(m_spectrumWnd.get()),
-          static_cast<QDockWidget*>(m_calibPane.get()), static_cast<QDockWidget*>(m_refPane.get())}) {
+          static_cast<QDockWidget*>(m_qualityWnd.get()), static_cast<QDockWidget*>(m_calibPane.get()),
+          static_cast<QDockWidget*>(m_refPane.get())}) {
         pane->hide();
     }
     m_logger->show();
@@ -110,6 +118,8 @@ QDockWidget* CMainFrame::PaneOf(int id) const {
             return m_rawColorWnd.get();
         case ID_CBTN_SPECTRUM_VALUES:
             return m_spectrumWnd.get();
+        case ID_BTN_QUALITY_PANE:
+            return m_qualityWnd.get();
         case ID_CBTN_REF_IMG_VIEW:
             return m_refPane.get();
         case ID_CBTN_CALIB_IMG_VIEW:
@@ -126,7 +136,8 @@ void CMainFrame::KeepLeastWidths() {
     const bool hasRoom = width() >= kRoomForAll;
     m_rawViewer->setMinimumWidth(hasRoom ? kRawViewerWidth : 0);
     for (QDockWidget* pane :
-         {static_cast<QDockWidget*>(m_rawColorWnd.get()), static_cast<QDockWidget*>(m_spectrumWnd.get())}) {
+         {static_cast<QDockWidget*>(m_rawColorWnd.get()), static_cast<QDockWidget*>(m_spectrumWnd.get()),
+          static_cast<QDockWidget*>(m_qualityWnd.get())}) {
         pane->setMinimumWidth(hasRoom ? kListPaneWidth : 0);
     }
 }
@@ -145,8 +156,10 @@ void CMainFrame::GiveRoomBack(int grown) {
 
 // In front of its tabs, and with its size: what is drawn into the pane next is fitted to it.
 void CMainFrame::ShowPane(QDockWidget& pane) {
+    const bool isNew = &pane == m_qualityWnd.get() && pane.isHidden();
     pane.show();
     pane.raise();
+    if (isNew && pane.width() < kQualityPaneWidth) resizeDocks({&pane}, {kQualityPaneWidth}, Qt::Horizontal);
     if (isVisible()) {
         layout()->activate();
         pane.layout()->activate();

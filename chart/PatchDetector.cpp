@@ -181,6 +181,7 @@ PatchColors PatchDetector::Measure(CTivImage& image, const ChartRoi& roi, const 
             }
         }
     }
+    m_brightest = result.brightest;
     return result;
 }
 

@@ -102,6 +102,7 @@ public:
     int GetBlobCount() const { return m_blobCount; }  ///< blobs that the last detection accepted
     int GetFoundRows() const { return m_foundRows; }  ///< grid rows that a group of blobs filled
     int GetFoundColumns() const { return m_foundColumns; }
+    int GetBrightest() const { return m_brightest; }  ///< as PatchColors tells it, of the last measurement
 
 private:
     bool TakeGray(CTivImage& image, const ChartRoi& roi, CTivImage& gray) const;
@@ -118,4 +119,5 @@ private:
     int m_blobCount = 0;
     int m_foundRows = 0;
     int m_foundColumns = 0;
+    int m_brightest = 0;
 };

@@ -5,6 +5,7 @@
 #include "chart/patch_colors.h"
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
+#include "quality/measured_chart.h"
 
 namespace {
 
@@ -71,12 +72,8 @@ void FindChart(ChartReading& reading, const std::string& path, const std::option
     if (!found.found) throw ChartNotFound(path, found, describePicture(path, reading));
     if (!found.isOriented) Tell(path + ": " + found.text);
     MeasuredChart& measured = reading.measured;
-    measured.format = reading.image.GetFormat();
-    measured.patches = MeasurePatches(reading.image, found);
-    measured.foundRows = layout.rows;
-    measured.foundColumns = layout.columns;
-    if (!options.HasLayout()) measured.targets = GetChartTargets(FindIlluminant("D65")->index);
-    for (const FoundPatch& patch : found.patches) measured.places.push_back({patch.center.x, patch.center.y});
+    measured = MeasureFound(reading.image, found, layout);
+    if (options.HasLayout()) measured.targets.clear();
     reading.colors = ToPatchColors(measured.patches, measured.format);
     if (!reading.colors.measured) throw WorkFailure(path + ": cannot measure the colors");
     reading.found = std::move(found);

@@ -10,6 +10,7 @@
 #include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
+#include "quality/measured_chart.h"
 
 namespace {
 
@@ -35,23 +36,6 @@ void requireRoi(CTivImage& image, const std::string& path, const ChartRoi& roi) 
     throw WorkFailure("CTivImage::SetRoi => ROI rectangle out of range\n" + path + ": the ROI " + toText(roi) +
                       " leaves the image of " + std::to_string(image.GetWidth()) + " x " +
                       std::to_string(image.GetHeight()) + " pixels");
-}
-
-MeasuredChart measure(const ChartReading& reading, const ChartSize& chart) {
-    const PatchDetector& detector = reading.detector;
-    MeasuredChart measured;
-    measured.chart = chart;
-    measured.format = reading.image.GetFormat();
-    measured.patches = MeasurePatches(reading.image, detector, chart, reading.colors.brightest);
-    measured.foundRows = detector.GetFoundRows();
-    measured.foundColumns = detector.GetFoundColumns();
-    if (measured.patches.size() == 24) measured.targets = GetChartTargets(FindIlluminant("D65")->index);
-    for (int i = 0; i < static_cast<int>(measured.patches.size()); ++i) {
-        const int place = HasOrientation(chart) ? GetPlaceInPicture(chart, reading.colors.brightest, i) : i;
-        const PatchOverlay& area = detector.GetOverlay()[static_cast<std::size_t>(place)];
-        measured.places.push_back({area.x + area.width / 2.0, area.y + area.height / 2.0});
-    }
-    return measured;
 }
 
 /// A list of {"center", "corners", "mean", "deviation", "clipped"}. The sampling area is the inner half of a patch.
@@ -85,7 +69,7 @@ void readGrid(ChartReading& reading, const std::string& path, const ChartSize& c
         },
         path, "cannot measure the colors");
     reading.image.SetRoi({});
-    reading.measured = measure(reading, chart);
+    reading.measured = MeasureGrid(reading.image, reading.detector, chart, reading.colors.brightest);
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ Report reportPatches(const std::vector<JudgedPatch>& patches, const ChartDiffere
         ReportPatch patch;
         patch.number = static_cast<int>(i) + 1;
         if (isNamed(chart) && i < kPatchNames.size()) patch.name = kPatchNames[i];
-        if (i < outlines.size()) patch.corners = outlines[i];
+        if (i < outlines.size()) patch.outline = outlines[i];
         patch.color = patches[i];
         patch.difference = delivered.deltaE00.patches[i];
         patch.before = before.deltaE00.patches[i];
@@ -40,7 +40,7 @@ PatchOutlines OutlineGrid(const std::vector<std::array<double, 2>>& places, doub
     PatchOutlines outlines;
     const double w = width / 2, h = height / 2;
     for (const auto& [x, y] : places)
-        outlines.push_back({{{x - w, y - h}, {x + w, y - h}, {x + w, y + h}, {x - w, y + h}}});
+        outlines.push_back({{x - w, y - h}, {x + w, y - h}, {x + w, y + h}, {x - w, y + h}});
     return outlines;
 }
 
@@ -48,8 +48,8 @@ PatchOutlines OutlineFound(const FoundChart& found) {
     PatchOutlines outlines;
     for (const FoundPatch& patch : found.patches) {
         auto& outline = outlines.emplace_back();
-        for (std::size_t i = 0; i < outline.size(); ++i) {
-            outline[i] = {(patch.center.x + patch.corners[i].x) / 2, (patch.center.y + patch.corners[i].y) / 2};
+        for (const ChartPoint& corner : patch.corners) {
+            outline.push_back({(patch.center.x + corner.x) / 2, (patch.center.y + corner.y) / 2});
         }
     }
     return outlines;

@@ -5,14 +5,12 @@
 #include <vector>
 
 #include "chart/FoundChart.h"
+#include "chart/patch_outline.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/findings.h"
 #include "report/html_report.h"
 
 class CTivImage;
-
-/// The corners of each patch in the picture's pixels, in chart order.
-using PatchOutlines = std::vector<std::array<std::array<double, 2>, 4>>;
 
 /// Where the straight grid measures: rectangles around the patches' places.
 PatchOutlines OutlineGrid(const std::vector<std::array<double, 2>>& places, double width, double height);

@@ -66,11 +66,11 @@ std::string findings(const Report& report) {
     return page + "</ul>\n";
 }
 
-bool isOutlined(const ReportPatch& patch) { return patch.corners != ReportPatch{}.corners; }
+bool isOutlined(const ReportPatch& patch) { return !patch.outline.empty(); }
 
 std::string polygon(const ReportPatch& patch, const std::string& style) {
     std::string points;
-    for (const auto& corner : patch.corners) points += Fixed(corner[0], 1) + "," + Fixed(corner[1], 1) + " ";
+    for (const auto& corner : patch.outline) points += Fixed(corner[0], 1) + "," + Fixed(corner[1], 1) + " ";
     points.pop_back();
     return "<polygon class=\"" + style + "\" points=\"" + points + "\"/>";
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "chart/patch_outline.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/findings.h"
 
@@ -12,9 +13,9 @@ class CTivImage;
 
 /// A patch as the report shows it.
 struct ReportPatch {
-    int number = 0;                                  ///< from 1, in chart order
-    std::string name;                                ///< empty: without one
-    std::array<std::array<double, 2>, 4> corners{};  ///< in the picture's pixels; all 0: not outlined
+    int number = 0;        ///< from 1, in chart order
+    std::string name;      ///< empty: without one
+    PatchOutline outline;  ///< in the picture's pixels; empty: not outlined
     JudgedPatch color;
     double difference = 0;  ///< CIEDE2000 of delivered and target
     double before = 0;      ///< CIEDE2000 of measured and target

@@ -16,6 +16,7 @@ namespace {
 constexpr int kGap = 3;
 constexpr int kLeastCellWidth = 34;
 constexpr int kSwatchHeight = 22;
+constexpr int kLightGround = 110;  // of 255: above it black can be read better than white
 
 QColor shown(const LinearRgb& linear) {
     const auto coded = [](double v) {
@@ -75,6 +76,8 @@ void PatchCells::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const theme::Colors& colors = theme::Now();
     const CellGrid grid = Grid();
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.8);
     for (int i = 0; i < static_cast<int>(m_patches.size()); ++i) {
         const ReportPatch& patch = m_patches[static_cast<std::size_t>(i)];
         const QRect cell = grid.Cell(i);
@@ -86,11 +89,14 @@ void PatchCells::paintEvent(QPaintEvent*) {
             painter.fillRect(QRect(cell.left() + left, cell.top(), right - left, height), shown(*color));
             ++part;
         }
-        const QRect words = cell.adjusted(2, height, -2, 0);
-        painter.setPen(colors.muted);
-        painter.drawText(words, Qt::AlignLeft | Qt::AlignVCenter, QString::number(patch.number));
+        const QColor ground = shown(patch.color.measured);
+        painter.setFont(small);
+        painter.setPen(ground.lightness() > kLightGround ? Qt::black : Qt::white);
+        painter.drawText(QRect(cell.left() + 2, cell.top(), cell.width() / 2, height), Qt::AlignLeft | Qt::AlignTop,
+                         QString::number(patch.number));
+        painter.setFont(font());
         painter.setPen(colors.text);
-        painter.drawText(words, Qt::AlignRight | Qt::AlignVCenter, quality_texts::Difference(patch.difference));
+        painter.drawText(cell.adjusted(0, height, 0, 0), Qt::AlignCenter, quality_texts::Difference(patch.difference));
         const bool isPointed = i == GetPointed();
         painter.setPen(QPen(isPointed      ? colors.lit
                             : i == m_worst ? QColor(0xd0, 0x3a, 0x30)

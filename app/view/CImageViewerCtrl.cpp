@@ -303,10 +303,63 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
     Overlay overlay = MapToClient(imageOverlay_, view);
     overlay.SetFont(font_);
     overlay.Draw(painter, {0, 0}, 1.0f);
+    PaintHighlight(painter, view);
     if (roiEnabled_) {
         SyncTracker();
         PaintTracker(painter);
     }
+    PaintBadge(painter);
+}
+
+void CImageViewerCtrl::ShowOutlines(const PatchOutlines& outlines) {
+    constexpr std::int32_t kGreen = 0x00FF00;
+    const auto whole = [](double value) { return static_cast<int>(std::lround(value)); };
+    imageOverlay_.Clear();
+    for (const PatchOutline& outline : outlines) {
+        for (std::size_t i = 0; i < outline.size(); ++i) {
+            const auto& [x1, y1] = outline[i];
+            const auto& [x2, y2] = outline[(i + 1) % outline.size()];
+            imageOverlay_.AddLine(whole(x1), whole(y1), whole(x2), whole(y2), kGreen);
+        }
+    }
+    update();
+}
+
+void CImageViewerCtrl::Highlight(const PatchOutline& outline) {
+    highlight_ = outline;
+    update();
+}
+
+void CImageViewerCtrl::ShowBadge(const QString& words) {
+    if (badge_ == words) return;
+    badge_ = words;
+    update();
+}
+
+void CImageViewerCtrl::PaintHighlight(QPainter& painter, const ViewGeometry& view) const {
+    if (highlight_.empty() || !image_.IsAllocated()) return;
+    QPolygon polygon;
+    for (const auto& [x, y] : highlight_) {
+        ViewPoint point;
+        view.ImageToClient({static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y))}, &point);
+        polygon << QPoint(point.x, point.y);
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(Qt::black, 4));  // so that the outline shows on any picture
+    painter.drawPolygon(polygon);
+    painter.setPen(QPen(Qt::yellow, 2));
+    painter.drawPolygon(polygon);
+}
+
+void CImageViewerCtrl::PaintBadge(QPainter& painter) const {
+    if (badge_.isEmpty()) return;
+    constexpr int kMargin = 6;
+    const QSize words = painter.fontMetrics().size(Qt::TextSingleLine, badge_);
+    const QRect area(ClientSize().width() - words.width() - 3 * kMargin, kMargin, words.width() + 2 * kMargin,
+                     words.height() + kMargin);
+    painter.fillRect(area, QColor(0x8a, 0x1c, 0x12));
+    painter.setPen(Qt::white);
+    painter.drawText(area, Qt::AlignCenter, badge_);
 }
 
 /// A sunken edge, which shines while the viewer is the selected one. Filled and not drawn with a pen, which leaves

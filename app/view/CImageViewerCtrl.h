@@ -32,6 +32,10 @@ public:
     void ResetView() override;
     void ClearOverlays() override;
     void ShowNow() override { repaint(); }
+    void ShowOutlines(const PatchOutlines& outlines) override;  ///< in the place of the overlay's graphics
+    void Highlight(const PatchOutline& outline) override;
+    void ShowBadge(const QString& words) override;
+    const QString& GetBadge() const { return badge_; }
 
     /// Whom the viewer tells of pixels, ROI and zoom, and the window that holds it. Not owned, null allowed.
     void SetComm(CDemoImageViewerComm* comm) { comm_ = comm; }
@@ -96,6 +100,8 @@ private:
     void PaintEdge(QPainter& painter) const;
     void PaintBackground(QPainter& painter);
     void PaintTracker(QPainter& painter) const;
+    void PaintHighlight(QPainter& painter, const ViewGeometry& view) const;
+    void PaintBadge(QPainter& painter) const;
 
     mutable ViewGeometry geometry_;
     RectTracker tracker_;
@@ -108,4 +114,6 @@ private:
     Overlay imageOverlay_;
     QFont font_;  // the system's menu font, as it was at construction
     QPixmap background_;
+    PatchOutline highlight_;
+    QString badge_;
 };

@@ -56,6 +56,7 @@ bool PictureSteps::LoadImageFile(const QString& path) {
     PictureView* const viewer = GetSelectedViewer();
     if (!viewer) return false;
     ResetForNewImage();
+    ++m_work.pictures;
     viewer->SetImage(&buffer, true);
     m_work.news.SetStatus(
         string_id::kBufferInformation,
@@ -117,4 +118,7 @@ void PictureSteps::OnSaveImage() {
     GetProfile().WriteInt(kImageSection, kSaveType, choice->filterIndex);
 }
 
-void PictureSteps::OnFrameReady(int) { m_work.raw.SetImage(m_work.session->GetImage(-1), false); }
+void PictureSteps::OnFrameReady(int) {
+    ++m_work.pictures;
+    m_work.raw.SetImage(m_work.session->GetImage(-1), false);
+}

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QString>
+
 #include "chart/PatchDetector.h"
+#include "chart/patch_outline.h"
 #include "foundation/CTivImage.h"
 #include "foundation/CTivVector.h"
 
@@ -18,6 +21,13 @@ public:
     virtual void ClearOverlays() = 0;
     virtual void FitIfLarger() = 0;  ///< zooms out where the picture is larger than its window
     virtual void ShowNow() = 0;      ///< redraws before it returns
+
+    /// Draws the outlines of a chart's patches in the picture's pixels, until the overlays are cleared or others come.
+    virtual void ShowOutlines(const PatchOutlines&) {}
+    /// Makes one outline stand out; none has no points.
+    virtual void Highlight(const PatchOutline&) {}
+    /// A word in a corner of the picture; empty: none.
+    virtual void ShowBadge(const QString&) {}
 
     /// The selected picture is the target of Load Image and the source of colors picked by hand.
     virtual void SetSelected(int selected) = 0;

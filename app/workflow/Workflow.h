@@ -8,6 +8,7 @@
 #include "app/workflow/FileSteps.h"
 #include "app/workflow/ParameterSteps.h"
 #include "app/workflow/PictureSteps.h"
+#include "app/workflow/QualitySteps.h"
 #include "app/workflow/WorkflowContext.h"
 
 /// The work behind the commands, without a window: every step of loading, calibrating, setting parameters and talking
@@ -23,12 +24,13 @@ public:
           m_calibration(m_work, m_pictures),
           m_parameters(m_work, m_pictures, m_calibration),
           m_files(m_work, m_pictures, m_calibration, m_parameters),
-          m_devices(m_work, m_pictures, m_calibration) {}
+          m_devices(m_work, m_pictures, m_calibration),
+          m_quality(m_work, m_pictures, m_calibration) {}
 
     /// The steps of one kind: Get<PictureSteps>(), ...
     template <class Steps>
     Steps& Get() {
-        return std::get<Steps&>(std::tie(m_pictures, m_calibration, m_parameters, m_files, m_devices));
+        return std::get<Steps&>(std::tie(m_pictures, m_calibration, m_parameters, m_files, m_devices, m_quality));
     }
 
     const WorkflowParts& Parts() const { return m_work; }
@@ -44,4 +46,5 @@ private:
     ParameterSteps m_parameters;
     FileSteps m_files;
     DeviceSteps m_devices;
+    QualitySteps m_quality;
 };

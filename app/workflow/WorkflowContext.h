@@ -27,6 +27,7 @@ struct WorkflowParts {
 struct WorkflowState {
     int deviceKind = DeviceKindNone;
     bool manualColors = false;   ///< colors are picked by hand
+    int pictures = 0;            ///< how many pictures of a chart have come so far
     bool previewActive = false;  ///< the calibrated picture follows the parameters
     QString coefficientFile;     ///< the coefficients that the user loaded or saved last; empty after a new fit
 };

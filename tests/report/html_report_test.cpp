@@ -19,7 +19,7 @@ Report sampleReport(const CTivImage* picture) {
         ReportPatch patch;
         patch.number = i + 1;
         patch.name = i == 17 ? "Cyan" : "Other";
-        patch.corners = {{{1.0 * i, 2}, {1.0 * i + 4, 2}, {1.0 * i + 4, 6}, {1.0 * i, 6}}};
+        patch.outline = {{1.0 * i, 2}, {1.0 * i + 4, 2}, {1.0 * i + 4, 6}, {1.0 * i, 6}};
         patch.color.target = {0.2, 0.2, 0.2};
         patch.color.delivered = {0.21, 0.2, 0.2};
         patch.difference = i == 17 ? 9.04 : 1;

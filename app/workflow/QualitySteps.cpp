@@ -1,0 +1,240 @@
+#include "app/workflow/QualitySteps.h"
+
+#include <QDateTime>
+#include <cmath>
+#include <string_view>
+
+#include "app/CommandIds.h"
+#include "app/toolkit/Profile.h"
+#include "app/toolkit/Prompts.h"
+#include "app/toolkit/WaitCursor.h"
+#include "app/workflow/StudioFiles.h"
+#include "calibration/fit_transform.h"
+#include "calibration/illuminants.h"
+#include "chart/ChartFinder.h"
+#include "chart/patch_colors.h"
+#include "foundation/SafeFile.h"
+#include "foundation/version.h"
+#include "quality/measured_chart.h"
+#include "report/calibration_report.h"
+
+namespace {
+
+constexpr int kMomentMs = 150;
+constexpr int kRelative = 1;
+
+std::size_t checksum(const CTivVector& vector) {
+    if (!vector.IsAllocated()) return 0;
+    const auto bytes = CTivData::GetByteCount(vector.GetFormat(), static_cast<std::uint64_t>(vector.GetSize()));
+    return std::hash<std::string_view>()({static_cast<const char*>(vector.GetDataPointer()), bytes});
+}
+
+std::size_t checksum(const PictureView& view) {
+    std::size_t sum = 0;
+    if (!view.Detector()) return sum;
+    for (const PatchOverlay& area : view.Detector()->GetOverlay()) {
+        for (const int part : {area.x, area.y, area.width, area.height}) {
+            sum = sum * 31 + static_cast<std::size_t>(part);
+        }
+    }
+    return sum;
+}
+
+/// The greatest mean of a channel as a share of full scale.
+double brightest(const MeasuredChart& chart) {
+    double greatest = 0;
+    for (const PatchMeasurement& patch : chart.patches) {
+        for (const double mean : patch.mean) greatest = std::max(greatest, mean);
+    }
+    const int fullScale = GetChannelFullScale(chart.format);
+    return fullScale > 0 ? greatest / fullScale : 0;
+}
+
+bool areLike(const CTivVector& one, const CTivVector& other) {
+    return one.GetSize() == other.GetSize() && one.GetFormat() == other.GetFormat() && checksum(one) == checksum(other);
+}
+
+CTivVector colorsOf(const MeasuredChart& chart) { return ToPatchColors(chart.patches, chart.format).colors; }
+
+}  // namespace
+
+QualitySteps::QualitySteps(WorkflowContext& work, PictureSteps& pictures, CalibrationSteps& calibration)
+    : m_work(work), m_pictures(pictures), m_calibration(calibration) {
+    m_moment.setSingleShot(true);
+    m_moment.setInterval(kMomentMs);
+    connect(&m_moment, &QTimer::timeout, this, [this] { CatchUp(); });
+    connect(&work.news, &WorkflowNews::previewed, this, [this] {
+        m_wasPreviewed = true;
+        m_judgedInputs = Now();
+        m_moment.start();
+    });
+    connect(&work.news, &WorkflowNews::detected, this, [this] { m_moment.start(); });
+}
+
+void QualitySteps::CatchUp() {
+    m_moment.stop();
+    if (m_wasPreviewed) {
+        m_wasPreviewed = false;
+        Judge();
+    } else if (!m_report) {
+        TellPicture();
+    }
+    CheckInputs();
+}
+
+QualitySteps::Inputs QualitySteps::Now() const {
+    const CTivTonewrightDC& engine = m_work.engine;
+    Inputs now;
+    now.pictures = m_work.pictures;
+    now.mode = engine.GetCalibrationMode();
+    now.illuminant = now.mode == kRelative ? 0 : engine.GetIlluminant();
+    now.terms = engine.GetXformSize();
+    now.gamma = engine.GetGamma();
+    now.saturationMode = engine.GetSaturationMode();
+    constexpr int kManual = 1;
+    if (now.saturationMode == kManual) now.saturation = engine.GetSaturationRgb().AsRgb();
+    now.manualColors = m_work.manualColors;
+    const bool isRelative = now.mode == kRelative;
+    if (now.manualColors) {
+        now.colors = checksum(m_work.lists.GetRawColors());
+        if (isRelative) now.colors = now.colors * 31 + checksum(m_work.lists.GetReferenceColors());
+    } else {
+        now.colors = checksum(m_work.raw);
+        if (isRelative) now.colors = now.colors * 31 + checksum(m_work.reference);
+    }
+    if (!isRelative && now.illuminant == kUserIlluminant) now.values = checksum(m_work.values.GetSpectrumValues());
+    return now;
+}
+
+QString QualitySteps::WhatDiffers(const Inputs& before, const Inputs& now) {
+    if (before.pictures != now.pictures) return "another picture came";
+    if (before.mode != now.mode) return "the calibration mode was changed";
+    if (before.illuminant != now.illuminant) return "the illuminant was changed";
+    if (before.terms != now.terms) return "the number of terms was changed";
+    if (before.gamma != now.gamma) return "gamma was changed";
+    if (before.saturationMode != now.saturationMode || before.saturation != now.saturation) {
+        return "the saturation was changed";
+    }
+    if (before.manualColors != now.manualColors || before.colors != now.colors) return "the colors were changed";
+    if (before.values != now.values) return "the user's values were changed";
+    return {};
+}
+
+void QualitySteps::CheckInputs() {
+    if (!m_report || m_wasPreviewed) return;
+    const QString reason = WhatDiffers(m_judgedInputs, Now());
+    if (reason == m_outOfDate) return;
+    m_outOfDate = reason;
+    emit outOfDate(reason);
+}
+
+bool QualitySteps::ShowsFoundChart() const { return m_found.found && m_foundInPicture == m_work.pictures; }
+
+MeasuredChart QualitySteps::Measure() const {
+    const CTivImage& raw = m_work.raw.Image();
+    const ChartSize chart = *m_work.values.GetChartSize();
+    const PatchDetector* const detector = m_work.raw.Detector();
+    if (m_work.manualColors) {
+        return ShowsFoundChart() ? MeasureFound(raw, m_found, GetClassicLayout()) : MeasuredChart();
+    }
+    const auto patches = static_cast<std::size_t>(chart.Width) * static_cast<std::size_t>(chart.Height);
+    if (!raw.IsAllocated() || !detector || detector->GetOverlay().size() != patches) return {};
+    return MeasureGrid(raw, *detector, chart, detector->GetBrightest());
+}
+
+PatchOutlines QualitySteps::Outlines(const MeasuredChart& chart) const {
+    if (chart.patches.empty()) return {};
+    if (m_work.manualColors) return OutlineFound(m_found);
+    return OutlineGrid(chart.places, m_work.raw.Detector()->GetPatchWidth(), m_work.raw.Detector()->GetPatchHeight());
+}
+
+void QualitySteps::Judge() {
+    const CTivTonewrightDC& engine = m_work.engine;
+    if (!engine.GetTransform() || !engine.GetRawColors()) return;
+    MeasuredChart chart = Measure();
+    // Other colors than the engine's say nothing of its calibration.
+    if (!areLike(colorsOf(chart), *engine.GetRawColors())) chart = {};
+    const CalibrationQuality quality = JudgeCalibration(engine, *engine.GetTransform(), chart.patches);
+    if (quality.patches.empty()) return;
+    std::vector<Finding> findings;
+    if (!chart.patches.empty()) {
+        if (engine.GetCalibrationMode() != kRelative) chart.targets = ToXyz(GetTargets(engine));
+        findings = FindInPicture(chart);
+    }
+    for (Finding& finding : FindInCalibration(quality, *engine.GetTransform())) findings.push_back(std::move(finding));
+    m_report =
+        ReportCalibration(quality, findings, engine.GetXformSize(), *m_work.values.GetChartSize(), Outlines(chart));
+    m_report->settings = ReportSettings(engine, false);
+    m_outOfDate.clear();
+    emit judged(*m_report);
+}
+
+void QualitySteps::TellPicture() {
+    const MeasuredChart chart = Measure();
+    if (chart.patches.empty()) return;
+    const auto size = static_cast<int>(chart.patches.size());
+    const int found = std::min(size, chart.foundRows * chart.foundColumns);
+    emit pictureTold(QString("%1 of %2 patches found; the brightest reaches %3 % of full scale")
+                         .arg(found)
+                         .arg(size)
+                         .arg(std::lround(100 * brightest(chart))),
+                     FindInPicture(chart));
+}
+
+// The chart is looked for in the whole picture: a rectangle drawn for the straight grid is none for this.
+void QualitySteps::OnFindChart() {
+    PictureView* const view = m_pictures.GetSelectedViewer();
+    if (!view || view == &m_work.calibrated || !view->Image().IsAllocated()) return;
+    const bool isRaw = view == &m_work.raw;
+    FoundChart found;
+    {
+        const WaitCursor wait;
+        found = ChartFinder().Find(view->Image());
+    }
+    if (!found.found) {
+        m_work.news.Log("Find Chart: " + QString::fromStdString(found.text), LogWarning);
+        return;
+    }
+    const MeasuredChart chart = MeasureFound(view->Image(), found, GetClassicLayout());
+    const CTivVector colors = colorsOf(chart);
+    m_work.values.SetMatrixSize(chart.chart.Width, chart.chart.Height);
+    m_calibration.OnColorsManual();
+    if (isRaw) {
+        m_work.lists.FillRawColors(colors);
+        m_found = found;
+        m_foundInPicture = m_work.pictures;
+    } else {
+        m_work.lists.FillReferenceColors(colors);
+    }
+    view->ShowOutlines(OutlineFound(found));
+    m_work.news.Log(QString("Find Chart: 24 patches found, turned by %1 degrees%2.")
+                        .arg(std::lround(found.rotation))
+                        .arg(found.mirrored ? ", mirrored" : ""),
+                    LogInformation);
+}
+
+void QualitySteps::OnSaveReport() {
+    CatchUp();
+    if (!m_report) return;
+    const auto choice =
+        GetPrompts().SaveFile({GetProfile().ReadString("ReportFile", studio_files::kSaveName, "report.html"),
+                               "Reports (*.html)|*.html||", 1, "html"});
+    if (!choice) return;
+    Report report = *m_report;
+    report.title = "Calibration report";
+    if (!m_outOfDate.isEmpty()) {
+        report.subtitle = ("Out of date when it was saved: " + m_outOfDate + ".").toStdString();
+    }
+    const CTivImage picture = ReportPicture(m_work.raw.Image());
+    if (m_judgedInputs.pictures == m_work.pictures) report.picture = &picture;
+    report.settings.push_back({"Date", QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm").toStdString()});
+    report.settings.push_back({"Made by", std::string("Tonewright Studio ") + GetTonewrightVersion()});
+    SafeOutputFile file(choice->path.toStdString());
+    if (file.IsOpen()) file.Stream() << HtmlReport(report);
+    if (!file.IsOpen() || !file.Commit()) {
+        m_work.news.Log("Save Report: cannot write " + choice->path, LogError);
+        return;
+    }
+    GetProfile().WriteString("ReportFile", studio_files::kSaveName, choice->path);
+    m_work.news.Log("Report saved to " + choice->path, LogInformation);
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <optional>
+#include <vector>
+
+#include "app/workflow/CalibrationSteps.h"
+#include "app/workflow/PictureSteps.h"
+#include "app/workflow/WorkflowContext.h"
+#include "chart/FoundChart.h"
+#include "report/html_report.h"
+
+/// What the calibration that is previewed is worth, and what the raw picture's chart tells by itself. Judged a moment
+/// after the work that it follows, so that dragging a slider waits for nothing.
+class QualitySteps : public QObject {
+    Q_OBJECT
+public:
+    QualitySteps(WorkflowContext& work, PictureSteps& pictures, CalibrationSteps& calibration);
+
+    /// The figures of the last preview, with a reason where they are out of date. None before the first one.
+    const std::optional<Report>& GetReport() const { return m_report; }
+    const QString& WhyOutOfDate() const { return m_outOfDate; }
+
+    /// Does now what waits for its moment.
+    void CatchUp();
+    /// Holds what the last preview was made from against what is in force now. Called whenever a command has run.
+    void CheckInputs();
+
+    void OnFindChart();
+    void OnSaveReport();
+
+signals:
+    void judged(const Report& report);
+    /// @param summary how much of the chart was found, and how bright it is
+    void pictureTold(const QString& summary, const std::vector<Finding>& findings);
+    void outOfDate(const QString& reason);  ///< empty: the figures are those of what is in force
+
+private:
+    /// What a preview is made from.
+    struct Inputs {
+        int pictures = 0, mode = 0, illuminant = 0, terms = 0, saturationMode = 0;
+        float gamma = 0;
+        std::uint32_t saturation = 0;
+        bool manualColors = false;
+        std::size_t colors = 0, values = 0;  ///< checksums
+    };
+
+    Inputs Now() const;
+    static QString WhatDiffers(const Inputs& before, const Inputs& now);
+    void Judge();
+    void TellPicture();
+    MeasuredChart Measure() const;
+    PatchOutlines Outlines(const MeasuredChart& chart) const;
+    bool ShowsFoundChart() const;
+
+    WorkflowContext& m_work;
+    PictureSteps& m_pictures;
+    CalibrationSteps& m_calibration;
+    QTimer m_moment;
+    bool m_wasPreviewed = false;  ///< since the last judgement
+    std::optional<Report> m_report;
+    QString m_outOfDate;
+    Inputs m_judgedInputs;
+    FoundChart m_found;        ///< what filled the list of raw colors
+    int m_foundInPicture = 0;  ///< the number of that picture
+};

@@ -1,0 +1,90 @@
+#include <QFile>
+
+#include "app/workflow/QualitySteps.h"
+#include "tests/app/workflow_bench.h"
+#include "tests/support/places.h"
+
+namespace {
+
+class QualityStepsTest : public WorkflowBench {
+protected:
+    QualitySteps& Quality() { return workflow->Get<QualitySteps>(); }
+    void Preview() {
+        Calibration().OnCalibratePreview();
+        Quality().CatchUp();
+    }
+};
+
+}  // namespace
+
+// A preview, everything that a user may change after it, and previews again.
+TEST_F(QualityStepsTest, FiguresFollowPreviewsAndSayWhenTheyAreOld) {
+    QString told;
+    QObject::connect(&Quality(), &QualitySteps::pictureTold, [&](const QString& summary) { told = summary; });
+    EXPECT_FALSE(Quality().GetReport());
+    LoadChart();
+    Quality().CatchUp();
+    EXPECT_TRUE(told.startsWith("24 of 24 patches found")) << told.toStdString();
+    EXPECT_FALSE(Quality().GetReport());
+
+    Preview();
+    ASSERT_TRUE(Quality().GetReport());
+    EXPECT_EQ(Quality().GetReport()->patches.size(), 24u);
+    EXPECT_EQ(Quality().GetReport()->patches[0].outline.size(), 4u);
+    const CalibrationQuality judged = JudgeCalibration(GetEngine(), *GetEngine().GetTransform(), {});
+    EXPECT_DOUBLE_EQ(Quality().GetReport()->mean, judged.delivered.deltaE00.mean);
+    Quality().CheckInputs();
+    EXPECT_TRUE(Quality().WhyOutOfDate().isEmpty());
+
+    GetEngine().SetIlluminant(3);
+    Quality().CheckInputs();
+    EXPECT_EQ(Quality().WhyOutOfDate(), "the illuminant was changed");
+    GetEngine().SetIlluminant(0);  // and back: what is shown is true again
+    Quality().CheckInputs();
+    EXPECT_TRUE(Quality().WhyOutOfDate().isEmpty());
+
+    LoadChart(30);
+    Quality().CheckInputs();
+    EXPECT_EQ(Quality().WhyOutOfDate(), "another picture came");
+    Preview();
+    EXPECT_TRUE(Quality().WhyOutOfDate().isEmpty());
+    Calibration().OnColorsManual();
+    Quality().CheckInputs();
+    EXPECT_EQ(Quality().WhyOutOfDate(), "the colors were changed");
+}
+
+TEST_F(QualityStepsTest, ReportIsSavedAndAFailureIsTold) {
+    Quality().OnSaveReport();  // nothing to save yet: asks nothing
+    LoadChart();
+    Calibration().OnCalibratePreview();  // judged only when the report is asked for
+    prompts.path = folder.filePath("none/report.html");
+    Quality().OnSaveReport();
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ(log.back().type, LogError);
+    prompts.path = folder.filePath("report.html");
+    Quality().OnSaveReport();
+    QFile file(prompts.path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray page = file.readAll();
+    EXPECT_TRUE(page.contains("data:image/png"));
+    EXPECT_TRUE(page.contains("18 Cyan"));
+}
+
+TEST_F(QualityStepsTest, FindingAChartFillsTheListOrSaysWhyNot) {
+    prompts.path = QString::fromStdString(sampleFile("Tonewright/Images/chart.bmp"));
+    Pictures().OnLoadRawImage();
+    Quality().OnFindChart();
+    ASSERT_FALSE(log.empty());
+    const bool isFound = log.back().type == LogInformation;
+    EXPECT_TRUE(isFound) << log.back().text;
+    EXPECT_TRUE(State().manualColors);
+    EXPECT_EQ(lists.GetRawColors().GetSize(), 24);
+    Preview();
+    ASSERT_TRUE(Quality().GetReport());
+    EXPECT_FALSE(Quality().GetReport()->patches[0].outline.empty());
+
+    raw.image.Clear();  // a black picture
+    Quality().OnFindChart();
+    EXPECT_EQ(log.back().type, LogWarning);
+    EXPECT_EQ(lists.GetRawColors().GetSize(), 24) << "what was picked stays";
+}
