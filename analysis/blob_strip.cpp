@@ -81,7 +81,8 @@ void BlobStrip::Join(const RowRuns& runs, std::int32_t row, const SweepRules& ru
         {{&BlobStrip::JoinRow<true, false, false>, &BlobStrip::JoinRow<true, false, true>},
          {&BlobStrip::JoinRow<true, true, false>, &BlobStrip::JoinRow<true, true, true>}},
     };
-    (this->*kForms[rules.eight][rules.calibrated][record_ != nullptr])(runs, row, rules);
+    const Form join = kForms[rules.eight][rules.calibrated][record_ != nullptr];
+    (this->*join)(runs, row, rules);
     CloseEnded(row, rules);
     if (folded_) SettleFolded();
     std::swap(previous_, current_);
