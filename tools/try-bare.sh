@@ -14,8 +14,8 @@ if [ -z "$tree" ]; then
 fi
 mirror=$(apt-get indextargets --format '$(SITE) $(CODENAME) $(REPO_URI)' | sed -n 's/.* bookworm //p' | head -1)
 if [ ! -e "$tree/etc/debian_version" ]; then
-  echo "A bare tree in $tree, from ${mirror:=http://deb.debian.org/debian}"
-  debootstrap --variant=minbase bookworm "$tree" "$mirror" > "$tree.log" 2>&1 || { tail "$tree.log"; exit 1; }
+  echo "A bare tree in $tree, from ${mirror:-its usual mirror}"
+  debootstrap --variant=minbase bookworm "$tree" ${mirror:+"$mirror"} > "$tree.log" 2>&1 || { tail "$tree.log"; exit 1; }
   rm "$tree.log"
 fi
 cp /etc/resolv.conf "$tree/etc/"

@@ -3,12 +3,12 @@
 # try-packages.sh [FOLDER for the tree, default a temporary one]. Needs root, debootstrap and Debian's mirror.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-mirror=${DEBIAN_MIRROR:-http://deb.debian.org/debian}
+mirror=$(apt-get indextargets --format '$(SITE) $(CODENAME) $(REPO_URI)' | sed -n 's/.* bookworm //p' | head -1)
 tree=${1:-$(mktemp -d)}
 [ -n "${1:-}" ] || trap 'rm -rf --one-file-system "$tree"' EXIT
 within() { chroot "$tree" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
 
-[ -e "$tree/bin/sh" ] || debootstrap --variant=minbase --include=man-db,bash-completion bookworm "$tree" "$mirror" >"$tree.log" 2>&1 ||
+[ -e "$tree/bin/sh" ] || debootstrap --variant=minbase --include=man-db,bash-completion bookworm "$tree" ${mirror:+"$mirror"} >"$tree.log" 2>&1 ||
   { tail "$tree.log"; exit 1; }
 rm -f "$tree/etc/dpkg/dpkg.cfg.d/docker"  # manual pages are to be installed
 within dpkg --get-selections | sort > "$tree/before"
@@ -22,7 +22,7 @@ echo "installed: $(within dpkg-query -W -f='${Package} ${Version}, ' '*tonewrigh
 
 within tonewright --version
 samples=/usr/share/tonewright/samples
-within tonewright calibrate $samples/Tonewright/Images/chart.bmp --roi 154,100,738,506 --illuminant D65 \
+within tonewright calibrate $samples/Tonewright/Images/chart.bmp --illuminant D65 \
   --coefficients /tmp/chart.ccor --parameters /tmp/chart.twkp >"$tree/tmp/chart.json"
 within tonewright info /tmp/chart.ccor /tmp/chart.twkp >/dev/null
 within tonewright apply $samples/Tonewright/Images/chart.bmp --parameters /tmp/chart.twkp --output /tmp/corrected.bmp >/dev/null
