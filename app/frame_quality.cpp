@@ -15,10 +15,12 @@ void CMainFrame::FollowQuality() {
     connect(quality, &QualitySteps::outOfDate, this, [this](const QString& reason) {
         m_qualityWnd->SetOutOfDate(reason);
         m_calibViewer->ShowBadge(reason.isEmpty() ? QString() : QString("out of date"));
+        if (!reason.isEmpty()) m_rawViewer->Highlight({});  // the patches may lie elsewhere by now
     });
     connect(m_qualityWnd.get(), &CQualityWnd::patchPointed, this, [this, quality](int index) {
         const auto& report = quality->GetReport();
-        const bool isPatch = report && index >= 0 && index < static_cast<int>(report->patches.size());
+        const bool isPatch = report && quality->WhyOutOfDate().isEmpty() && index >= 0 &&
+                             index < static_cast<int>(report->patches.size());
         m_rawViewer->Highlight(isPatch ? report->patches[static_cast<std::size_t>(index)].outline : PatchOutline());
     });
 }

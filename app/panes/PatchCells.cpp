@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kGap = 3;
 constexpr int kLeastCellWidth = 34;
+constexpr int kLeastWidth = 210;
 constexpr int kSwatchHeight = 22;
 constexpr int kLightGround = 110;  // of 255: above it black can be read better than white
 
@@ -69,6 +70,8 @@ QSize PatchCells::sizeHint() const {
     const int height = kSwatchHeight + fontMetrics().height() + 2 + kGap;
     return {columns * (kLeastCellWidth + kGap) - kGap, rows * height - kGap};
 }
+
+QSize PatchCells::minimumSizeHint() const { return {std::min(sizeHint().width(), kLeastWidth), sizeHint().height()}; }
 
 CellGrid PatchCells::Grid() const { return {rect(), m_columns, static_cast<int>(m_patches.size())}; }
 

@@ -32,7 +32,7 @@ public:
     int GetPointed() const { return m_kept >= 0 ? m_kept : m_hovered; }  ///< index; -1 for none
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override;  ///< cells of a wide chart become narrower than they would like to be
 
 signals:
     void pointed(int index);  ///< another cell, or -1
