@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 
 #include "app/StudioState.h"
 #include "app/toolkit/Clock.h"
@@ -107,6 +108,8 @@ private:
     void KeepLeastWidths();
     void GiveRoomBack(int grown);
     void SetStatus(int id, const QString& text);
+    void ShowChoices();
+    void ShowChoice(int id, std::span<const int> menuIds);
     void TakeTurn(std::function<void()> step);
 
     // Declared in this order so that the members go in the reverse one: the workflow first, the viewers before their

@@ -29,14 +29,14 @@ constexpr int kTipWidth = 200;  // pixels, at most
 constexpr int kRecentFiles = 5;
 constexpr float kZoomStep = 0.1f;
 
-QString toolTipHtml(const CommandTip& tip, const QFontMetrics& metrics) {
+/// @param choice what is in force of a menu's choices; empty where there is none
+QString toolTipHtml(const CommandTip& tip, const QString& choice, const QFontMetrics& metrics) {
     if (tip.title.isEmpty()) return tip.description;
-    const QString title = "<b>" + tip.title.toHtmlEscaped() + "</b>";
     const int width = qMin(kTipWidth, metrics.horizontalAdvance(tip.description) + 2);
-    return QString("<div style='white-space:nowrap'>%1</div><table width='%2'><tr><td>%3</td></tr></table>")
-        .arg(title)
-        .arg(width)
-        .arg(tip.description.toHtmlEscaped());
+    QString html = "<div style='white-space:nowrap'><b>" + tip.title.toHtmlEscaped() + "</b></div>";
+    html += QString("<table width='%1'><tr><td>%2</td></tr>").arg(width).arg(tip.description.toHtmlEscaped());
+    if (!choice.isEmpty()) html += "<tr><td>Now: <b>" + choice.toHtmlEscaped() + "</b></td></tr>";
+    return html + "</table>";
 }
 
 QStringList recentDocuments() {
@@ -64,7 +64,7 @@ void CMainFrame::CreateActions() {
         if (*row.picture) action->setIcon(theme::Icon(QString(":/icons/%1.svg").arg(row.picture)));
         const CommandTip tip = SplitTip(row.tip);
         if (*row.tip) {
-            action->setToolTip(toolTipHtml(tip, fontMetrics()));
+            action->setToolTip(toolTipHtml(tip, {}, fontMetrics()));
             action->setWhatsThis(action->toolTip());
         }
         if (*row.key) {
@@ -126,7 +126,33 @@ void CMainFrame::UpdateCommands() {
         action->setEnabled(row.enabled(state));
         if (row.checked) action->setChecked(row.checked(state));
     }
+    ShowChoices();
     m_rawColorWnd->UpdateCommandState();
+}
+
+// A button with a menu of choices tells in its tip which one is in force.
+void CMainFrame::ShowChoices() {
+    for (const ribbon::Tab& tab : StudioRibbon().tabs) {
+        for (const ribbon::Panel& panel : tab.panels) {
+            for (const ribbon::Item& item : panel.items) {
+                if (!item.menuIds.empty()) ShowChoice(item.id, item.menuIds);
+            }
+        }
+    }
+}
+
+void CMainFrame::ShowChoice(int id, std::span<const int> menuIds) {
+    constexpr const char* kChoice = "choice";
+    QString choice;
+    for (const int entry : menuIds) {
+        const QAction* const action = GetAction(entry);
+        if (action && action->isChecked()) choice = action->text();
+    }
+    QAction* const button = m_actions.at(id);
+    if (button->property(kChoice).toString() == choice) return;
+    button->setProperty(kChoice, choice);
+    button->setToolTip(toolTipHtml(SplitTip(FindCommand(id)->tip), choice, fontMetrics()));
+    button->setWhatsThis(button->toolTip());
 }
 
 // What was typed and not committed counts for the command that is pressed next, but not for leaving.

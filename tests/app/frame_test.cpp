@@ -4,6 +4,7 @@
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextDocument>
 #include <QTimer>
 #include <QUrl>
 #include <stdexcept>
@@ -99,6 +100,39 @@ TEST_F(Frame, ACheckedChoiceStaysCheckedWhenItIsPressedAgain) {
     frame->GetAction(ID_BTN_SATURATION_MANUAL)->trigger();
     EXPECT_TRUE(frame->GetAction(ID_BTN_SATURATION_MANUAL)->isChecked());
     EXPECT_FALSE(frame->GetAction(ID_BTN_SATURATION_AUTO)->isChecked());
+}
+
+// Behind the words that each tip has anyway; a menu without choices adds none.
+TEST_F(Frame, TipsEndWithTheChoiceInForce) {
+    const auto tip = [this](int id) {
+        frame->UpdateCommands();
+        EXPECT_EQ(frame->GetAction(id)->whatsThis(), frame->GetAction(id)->toolTip());
+        QTextDocument text;
+        text.setHtml(frame->GetAction(id)->toolTip());
+        return text.toPlainText().simplified().toStdString();
+    };
+    prompts.yes = true;
+    EXPECT_EQ(tip(ID_BTN_ACQ_LOAD_IMAGE), "Load Image Load an image from a file.");
+    struct Case {
+        int choice;
+        const char* illuminant;
+        const char* saturation;
+        const char* colors;
+    };
+    const std::string illuminant = "Illuminant Type Choose a predefined illuminant type for the calibration. Now: ";
+    const std::string saturation = "Saturation Mode Choose a way to select saturation coefficients. Now: ";
+    const std::string colors = "Color Selection Choose a way to select ROI colors. Now: ";
+    for (const Case& c : {Case{0, "Tungsten or Halogen: A 2856K", "Automatic", "Automatic"},
+                          Case{ID_BTN_ILLUMINANT_F11, "Fluorescent: F11 4000k (narrowband)", "Automatic", "Automatic"},
+                          Case{ID_BTN_SATURATION_NONE, "Fluorescent: F11 4000k (narrowband)", "None", "Automatic"},
+                          Case{ID_BTN_COLOR_MANUAL, "Fluorescent: F11 4000k (narrowband)", "None", "Manual"},
+                          Case{ID_BTN_METHOD_RELATIVE, "Fluorescent: F11 4000k (narrowband)", "None", "Manual"},
+                          Case{ID_BTN_PARAM_RESET, "Daylight: D65 6504K (Noon)", "Automatic", "Automatic"}}) {
+        if (c.choice) Run(c.choice);
+        EXPECT_EQ(tip(ID_BTN_ILLUMINANT_TYPE), illuminant + c.illuminant) << c.choice;
+        EXPECT_EQ(tip(ID_BTN_SATURATION_MODE), saturation + c.saturation) << c.choice;
+        EXPECT_EQ(tip(ID_BTN_COLOR_SELECT), colors + c.colors) << c.choice;
+    }
 }
 
 TEST_F(Frame, OfSeveralDroppedFilesTheFirstCounts) {
