@@ -28,6 +28,7 @@ bool canUpload(State s) {
     return s.deviceKind != DeviceKindNone && s.deviceKind != DeviceKindOther &&
            (s.deviceKind == DeviceKindFrameGrabber || s.hasCoefficientFile);
 }
+bool isOtherCamera(State s) { return s.deviceKind == DeviceKindOther; }
 bool canEditColors(State s) {
     return s.rawColorListEnabled && (s.rawSelected || (s.calibrationMode == 1 && s.refSelected));
 }
@@ -195,6 +196,12 @@ constexpr CommandRow kFixedCommands[] = {
      call<&F::OnTogglePane>, "Show what the calibration delivers, patch by patch.\n Calibration Quality"},
     {ID_BTN_SAVE_REPORT, "Save Report", "save-report", "", flag<&S::hasReport>, kUnchecked,
      call<&QualitySteps::OnSaveReport>, "Save the figures of the last preview as a page.\n Save Report"},
+    {ID_BTN_SEND_COEFFICIENTS, "Send Coefficients", "send-coefficients", "", isOtherCamera, kUnchecked,
+     call<&Devices::OnSendCoefficients>,
+     "Send the loaded or saved coefficients to the camera, or those of a new calibration where there are none.\n Send "
+     "Coefficients"},
+    {ID_BTN_READ_COEFFICIENTS, "Read Coefficients", "read-coefficients", "", isOtherCamera, kUnchecked,
+     call<&Devices::OnReadCoefficients>, "Save the coefficients that the camera has now to disk.\n Read Coefficients"},
     {ID_BTN_RESET_LAYOUT, "Reset Layout", "reset-layout", "", always, kUnchecked, call<&F::OnResetLayout>,
      "Put all panes back to where they first were.\n Reset Layout"},
     {ID_BTN_CHROME, "Appearance", "appearance", "", always, kUnchecked, kNothing,

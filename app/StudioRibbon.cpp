@@ -110,6 +110,11 @@ constexpr Item kCalibrationQuality[] = {
     button(Kind::Large, ID_BTN_SAVE_REPORT, "SR"),
 };
 
+constexpr Item kCamera[] = {
+    button(Kind::Large, ID_BTN_SEND_COEFFICIENTS, "SF"),
+    button(Kind::Large, ID_BTN_READ_COEFFICIENTS, "RF"),
+};
+
 constexpr int kChromeMenu[] = {ID_BTN_CHROME_SYSTEM, ID_BTN_CHROME_LIGHT, ID_BTN_CHROME_DARK, ID_BTN_CHROME_NEUTRAL};
 constexpr Item kWindow[] = {
     button(Kind::Large, ID_BTN_RESET_LAYOUT, "RL"),
@@ -129,6 +134,7 @@ constexpr ribbon::Panel kViewPanels[] = {
 };
 constexpr ribbon::Panel kQualityPanels[] = {
     {"Calibration Quality", ":/icons/quality.svg", "ZQ", kCalibrationQuality},
+    {"Camera", ":/icons/send-coefficients.svg", "ZC", kCamera},
     {"Window", ":/icons/reset-layout.svg", "ZW", kWindow},
 };
 
@@ -141,7 +147,8 @@ constexpr RibbonShrinkStep kHomeSteps[] = {
 };
 constexpr RibbonShrinkStep kViewSteps[] = {{1, RibbonForm::Button}, {0, RibbonForm::Button}};
 
-constexpr RibbonShrinkStep kQualitySteps[] = {{1, RibbonForm::Button}, {0, RibbonForm::Button}};
+constexpr RibbonShrinkStep kQualitySteps[] = {
+    {2, RibbonForm::Button}, {1, RibbonForm::Button}, {0, RibbonForm::Button}};
 
 constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels, kHomeSteps},
                                  {"View", "V", kViewPanels, kViewSteps},

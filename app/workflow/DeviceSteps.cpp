@@ -1,5 +1,6 @@
 #include "app/workflow/DeviceSteps.h"
 
+#include "acquisition/CoefficientTransfer.h"
 #include "app/CommandIds.h"
 #include "app/toolkit/Profile.h"
 #include "app/toolkit/Prompts.h"
@@ -42,9 +43,49 @@ void DeviceSteps::OnSnap() {
     if (!m_work.session->Snap()) m_work.news.LogLastError(LogInformation);
 }
 
+void DeviceSteps::OnUploadCoefficients() {
+    const auto path = BeginTransfer();
+    if (!path) return;
+    if (m_work.session->TransferFile(path->c_str(), true)) {
+        m_work.news.Log("Finished successfully !", LogInformation);
+    } else {
+        m_work.news.LogLastError(LogError);
+    }
+}
+
+// What keeps a camera's features from taking the coefficients, the camera itself has told before.
+void DeviceSteps::OnSendCoefficients() {
+    const auto path = BeginTransfer();
+    if (!path) return;
+    if (!m_work.session->GetCamera()) {
+        m_work.news.Log(refusal(QString("the camera could not be opened")), LogError);
+        return;
+    }
+    if (FindCoefficientWay(*m_work.session) == CoefficientWay::None) {
+        m_work.news.Log(
+            refusal(QString("the camera has no color transformation features and no file for coefficients")), LogError);
+        return;
+    }
+    const auto sent = SendCoefficients(*m_work.session, *path, CoefficientWay::None, "");
+    if (!sent) {
+        m_work.news.LogLastError(LogError);
+        return;
+    }
+    if (!sent->verified) {
+        m_work.news.Log("What the camera gives back differs from what was sent, or cannot be read.", LogWarning);
+        return;
+    }
+    m_work.news.Log(sent->way == CoefficientWay::Features
+                        ? "The camera's color transformation features hold the coefficients and are in force."
+                        : "The camera's file holds the coefficients.",
+                    LogInformation);
+    m_work.news.Log("Finished successfully !", LogInformation);
+}
+
 // Runs on the main thread to its end: the warning is the only sign while the window stands still, so it has to be on
 // the screen before.
-void DeviceSteps::OnUploadCoefficients() {
+// @return the file to send; nothing, and logged, where nothing may be sent
+std::optional<std::string> DeviceSteps::BeginTransfer() {
     if (m_work.deviceKind != DeviceKindNone) m_work.session->Reconnect();
     m_work.news.Log(
         "Depending on the file size and communication speed, the transfer could take a while, but must not be "
@@ -52,18 +93,16 @@ void DeviceSteps::OnUploadCoefficients() {
         LogWarning);
     emit m_work.news.standsStill();
     std::string path = m_work.coefficientFile.toStdString();
-    if (const QString reason = PrepareUpload(path); !reason.isEmpty()) {
-        m_work.news.Log(reason, LogError);
-    } else if (m_work.session->TransferFile(path.c_str(), true)) {
-        m_work.news.Log("Finished successfully !", LogInformation);
-    } else {
-        m_work.news.LogLastError(LogError);
-    }
+    const QString reason = PrepareUpload(path);
+    if (reason.isEmpty()) return path;
+    m_work.news.Log(reason, LogError);
+    return std::nullopt;
 }
 
 // Nothing that can't be a calibration reaches a device: it would keep it. @return why nothing may be sent
 QString DeviceSteps::PrepareUpload(std::string& path) {
-    if (m_work.deviceKind != DeviceKindFrameGrabber || !path.empty()) {
+    const bool mayCalibrate = m_work.deviceKind == DeviceKindFrameGrabber || m_work.deviceKind == DeviceKindOther;
+    if (!mayCalibrate || !path.empty()) {
         const std::string reason = WhyUnusableCoefficients(path);
         return reason.empty() ? QString() : refusal(reason);
     }
@@ -78,15 +117,21 @@ QString DeviceSteps::PrepareUpload(std::string& path) {
     return {};
 }
 
+void DeviceSteps::OnBackupCoefficients() { SaveDeviceCoefficients("Backup_Default.ccor", "Backup succeeded."); }
+
+void DeviceSteps::OnReadCoefficients() {
+    SaveDeviceCoefficients("*.ccor", "The coefficients of the camera were saved.");
+}
+
 // The profile is read and not written, and the coefficients in force stay.
-void DeviceSteps::OnBackupCoefficients() {
-    const auto choice = GetPrompts().SaveFile(
-        {GetProfile().ReadString(kCoefficientSection, kName,
-                                 DefaultPath(m_work.baseDir, kColorCorrection, "Backup_Default.ccor")),
-         kCoefficientFilters, 1, "ccor"});
+void DeviceSteps::SaveDeviceCoefficients(const char* defaultName, const QString& success) {
+    const auto choice =
+        GetPrompts().SaveFile({GetProfile().ReadString(kCoefficientSection, kName,
+                                                       DefaultPath(m_work.baseDir, kColorCorrection, defaultName)),
+                               kCoefficientFilters, 1, "ccor"});
     if (!choice) return;
     if (m_work.session->TransferFile(choice->path.toStdString().c_str(), false)) {
-        m_work.news.Log("Backup succeeded.", LogInformation);
+        m_work.news.Log(success, LogInformation);
     } else {
         m_work.news.LogLastError(LogError);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 #include <string>
 
 #include "app/workflow/CalibrationSteps.h"
@@ -17,9 +18,13 @@ public:
     void OnSnap();
     void OnUploadCoefficients();
     void OnBackupCoefficients();
+    void OnSendCoefficients();
+    void OnReadCoefficients();
 
 private:
+    std::optional<std::string> BeginTransfer();
     QString PrepareUpload(std::string& path);
+    void SaveDeviceCoefficients(const char* defaultName, const QString& success);
 
     WorkflowContext& m_work;
     PictureSteps& m_pictures;

@@ -1,7 +1,10 @@
 #include <QDir>
 
+#include "acquisition/zvn/ZvnManager.h"
 #include "app/CommandTable.h"
 #include "app/toolkit/Profile.h"
+#include "tests/acquisition/camera_description.h"
+#include "tests/acquisition/fake_camera.h"
 #include "tests/app/workflow_bench.h"
 
 namespace {
@@ -15,6 +18,9 @@ constexpr const char* kTransferWarning =
 const std::string kGrabber = "[Grabber]\nkind = frame grabber\nwidth = 8\nheight = 4\nformat = RGB 32\n";
 const std::string kCamera =
     "[A Camera_Link]\nkind = Camera Link camera\nwidth = 8\nheight = 4\nformat = RGB 32\nfiles = memory\n";
+
+const std::string kOther = "[Other]\nkind = other\nwidth = 8\nheight = 4\nformat = RGB 32\n";
+constexpr const char* kSaved = "The coefficients of the camera were saved.";
 
 using WorkflowDevices = WorkflowBench;
 
@@ -119,6 +125,112 @@ TEST_F(WorkflowDevices, NothingThatCannotBeACalibrationReachesADevice) {
     expectRefusal(
         "Nothing was sent: the red row of the transform has no weight: red would be the same for every color.",
         "offsets alone");
+    QDir::setCurrent(QDir::rootPath());
+}
+
+TEST_F(WorkflowDevices, SendAndReadReachTheFileOfACamera) {
+    QDir(folder.path()).mkdir("memory");
+    QDir::setCurrent(folder.path());
+    const auto send = [&](const std::string& text, int type) {
+        log.clear();
+        Devices().OnSendCoefficients();
+        ASSERT_GE(log.size(), 2u) << text;
+        EXPECT_EQ(log.front(), (LogRow{kTransferWarning, LogWarning}));
+        EXPECT_EQ(log.back(), (LogRow{text, type}));
+    };
+    const auto canSend = [&] { return FindCommand(ID_BTN_SEND_COEFFICIENTS)->enabled(workflow->GetStudioState()); };
+    EXPECT_FALSE(canSend()) << "no camera";
+    Connect(kCamera);
+    EXPECT_FALSE(canSend()) << "such a camera has Upload and Backup";
+    Connect(kOther + "files = memory\n");
+    EXPECT_TRUE(canSend());
+    EXPECT_TRUE(FindCommand(ID_BTN_READ_COEFFICIENTS)->enabled(workflow->GetStudioState()));
+
+    Write("memory/ColorCorrectionMatrix", "the factory's");
+    send(kNoRawColors, LogError);
+    LoadChart(40, 3);
+    send("Nothing was sent: in the raw image 3 of 4 rows and 6 of 6 columns of the chart were found.", LogError);
+    EXPECT_EQ(Read("memory/ColorCorrectionMatrix"), "the factory's");
+    LoadChart();
+    send("Finished successfully !", LogInformation);
+    EXPECT_EQ(Read("memory/ColorCorrectionMatrix"), Read("__upload__.ccor"));
+    EXPECT_TRUE(State().coefficientFile.isEmpty());
+
+    // The file that the user saved is what goes out, whatever is fitted later; reading leaves it in force.
+    EditGamma("1.5");
+    prompts.path = Path("chosen.ccor");
+    Files().OnSaveCoefficients();
+    send("Finished successfully !", LogInformation);
+    prompts.path = Path("read.ccor");
+    Devices().OnReadCoefficients();
+    EXPECT_EQ(log.back(), (LogRow{kSaved, LogInformation}));
+    EXPECT_EQ(Read("read.ccor"), Read("chosen.ccor"));
+    EXPECT_EQ(State().coefficientFile, Path("chosen.ccor"));
+    EXPECT_EQ(GetProfile().ReadString("ColorCorrectionFile", "Name", ""), Path("chosen.ccor"));
+
+    const struct {
+        const char* more;
+        const char* text;
+    } failing[] = {
+        {"files = memory\nfaults = write\n", "Cannot write file to device."},
+        {"", "Nothing was sent: the camera has no color transformation features and no file for coefficients."},
+        {"files = memory\nfaults = create\n", "Nothing was sent: the camera could not be opened."},
+    };
+    const std::string held = Read("memory/ColorCorrectionMatrix");
+    for (const auto& row : failing) {
+        Simulate(kOther + row.more);  // the camera is opened anew
+        send(row.text, LogError);
+        EXPECT_EQ(Read("memory/ColorCorrectionMatrix"), held) << row.text;
+    }
+    Devices().OnReadCoefficients();
+    EXPECT_EQ(log.back(), (LogRow{"Cannot read file from device.", LogError}));
+    EXPECT_EQ(Read("read.ccor"), Read("chosen.ccor")) << "the earlier file stays";
+    QDir::setCurrent(QDir::rootPath());
+}
+
+TEST_F(WorkflowDevices, SendAndReadReachTheFeaturesOfACamera) {
+#ifndef TONEWRIGHT_HAVE_ARAVIS
+    GTEST_SKIP() << "built without the library for GenICam cameras";
+#endif
+    if (FakeCamera::FindTool().empty()) GTEST_SKIP() << "aravis-tools is not installed";
+    QDir::setCurrent(folder.path());
+    Write("camera.xml", CameraDescription().ColorTransformation().Xml());
+    FakeCamera camera(Path("camera.xml").toStdString());
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    SimulateAndChoose("[" + camera.Name() + "]\n");
+    unsetenv("ZVN_SIMULATION");
+    Devices().OnConfigure();
+    ASSERT_EQ(State().deviceKind, DeviceKindOther) << LastError();
+    LoadChart();
+    log.clear();
+    Devices().OnSendCoefficients();
+    EXPECT_EQ(
+        log,
+        (Rows{{kTransferWarning, LogWarning},
+              {"The camera's color transformation features hold the coefficients and are in force.", LogInformation},
+              {"Finished successfully !", LogInformation}}));
+    prompts.path = Path("read.ccor");
+    Devices().OnReadCoefficients();
+    EXPECT_EQ(log.back(), (LogRow{kSaved, LogInformation}));
+    const std::string held = Read("__upload__.ccor");
+    EXPECT_EQ(held.size(), 132u);
+    EXPECT_EQ(Read("read.ccor"), held);
+
+    GetEngine().SetXformSize(10);
+    prompts.path = Path("ten.ccor");
+    Files().OnSaveCoefficients();
+    Devices().OnSendCoefficients();
+    EXPECT_EQ(log.back(), (LogRow{"Cannot write file to device.", LogError}));
+    prompts.path = Path("again.ccor");
+    Devices().OnReadCoefficients();
+    EXPECT_EQ(Read("again.ccor"), held) << "the refused one left no trace";
+
+    camera.Unplug();
+    Devices().OnReadCoefficients();
+    EXPECT_EQ(log.back(), (LogRow{"Cannot read file from device.", LogError}));
+    EXPECT_EQ(Read("again.ccor"), held);
+    Devices().OnSendCoefficients();
+    EXPECT_EQ(log.back(), (LogRow{"Nothing was sent: the camera could not be opened.", LogError}));
     QDir::setCurrent(QDir::rootPath());
 }
 
