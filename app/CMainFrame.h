@@ -108,6 +108,7 @@ private:
     void KeepLeastWidths();
     void GiveRoomBack(int grown);
     void SetStatus(int id, const QString& text);
+    void ShowNextPatch(const StudioState& state);
     void ShowChoices();
     void ShowChoice(int id, std::span<const int> menuIds);
     void TakeTurn(std::function<void()> step);

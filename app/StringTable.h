@@ -20,5 +20,6 @@ inline constexpr int kExecutionTime = 111;
 inline constexpr int kPixelData = 112;
 inline constexpr int kZoomFactor = 316;
 inline constexpr int kBufferInformation = 317;
+inline constexpr int kNextPatch = 40800;  // a part of the status bar; it has no text of its own
 inline constexpr int kApplicationName = 57344;
 }  // namespace string_id

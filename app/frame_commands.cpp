@@ -127,6 +127,7 @@ void CMainFrame::UpdateCommands() {
         if (row.checked) action->setChecked(row.checked(state));
     }
     ShowChoices();
+    ShowNextPatch(state);
     m_rawColorWnd->UpdateCommandState();
 }
 

@@ -5,6 +5,8 @@
 
 #include "app/CMainFrame.h"
 #include "app/StringTable.h"
+#include "app/panes/CRawColorWnd.h"
+#include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/StatusRow.h"
 #include "app/workflow/StatusTexts.h"
 #include "app/workflow/Workflow.h"
@@ -21,6 +23,7 @@ struct PaneRow {
 constexpr PaneRow kPanes[] = {
     {string_id::kBufferInformation, false, 1, ""},
     {string_id::kExecutionTime, false, 0, ""},
+    {string_id::kNextPatch, false, -1, ""},
     {string_id::kPixelData, true, 3, "Pos 0000,0000 | Val 0000,0000,0000"},
     {string_id::kRoi, true, 2, "ROI s:(0000,0000), w:0000, h:0000"},
     {string_id::kZoomFactor, true, 4, "Zoom 0100.00x"},
@@ -41,10 +44,22 @@ void CMainFrame::CreateStatusBar() {
         m_statusPanes[row.id] = pane;
     }
     SetStatus(string_id::kBufferInformation, status_texts::BufferAtStart());
+    m_statusPanes.at(string_id::kNextPatch)->hide();
     m_statusPanes.at(string_id::kRoi)->hide();  // until colors are first selected by hand
 }
 
 void CMainFrame::SetStatus(int id, const QString& text) { m_statusPanes.at(id)->setText(text); }
+
+// While colors are picked by hand, for the side to which the next one goes. Entries count and not rows: they are what
+// reaches the calibration.
+void CMainFrame::ShowNextPatch(const StudioState& state) {
+    const RawColorLists& lists = m_rawColorWnd->Lists();
+    const bool mayPick = state.manualColors && (state.rawSelected || state.refSelected);
+    const RawColorSide& side = state.rawSelected ? lists.raw : lists.reference;
+    QLabel* const pane = m_statusPanes.at(string_id::kNextPatch);
+    if (mayPick) pane->setText(status_texts::NextPatch(side.Entries().size(), *m_spectrumWnd->GetChartSize()));
+    pane->setVisible(mayPick);
+}
 
 void CMainFrame::OnPixel(long x, long y, CTivData value) {
     SetStatus(string_id::kPixelData, status_texts::Pixel(x, y, value));

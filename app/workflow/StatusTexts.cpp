@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "app/StringTable.h"
+#include "chart/patch_names.h"
 
 namespace status_texts {
 
@@ -60,5 +61,14 @@ QString Roi(const ViewRect& roi) {
 }
 
 QString Zoom(float zoom) { return QString::asprintf("Zoom %07.2fx", static_cast<double>(zoom * 100.0f)); }
+
+QString NextPatch(std::size_t picked, const ChartSize& chart) {
+    constexpr int kNamedRows = 4, kNamedColumns = 6;
+    const auto patches = static_cast<std::size_t>(chart.Width) * static_cast<std::size_t>(chart.Height);
+    if (picked >= patches) return QString("picked: %1 of %2").arg(picked).arg(patches);
+    QString next = QString::number(picked + 1);
+    if (chart.Width == kNamedColumns && chart.Height == kNamedRows) next += QString(" ") + kPatchNames[picked];
+    return QString("next: %1 (%2 of %3)").arg(next).arg(picked).arg(patches);
+}
 
 }  // namespace status_texts

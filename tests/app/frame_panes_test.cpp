@@ -9,6 +9,7 @@
 #include <QTest>
 #include <cmath>
 
+#include "app/StringTable.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Profile.h"
@@ -70,7 +71,7 @@ TEST_F(FramePanes, StatusTextsShareWhatRoomThereIs) {
         frame->resize(width, 600);
         QCoreApplication::processEvents();
         int end = 0;
-        for (const int id : {317, 111, 112, 107, 316}) {
+        for (const int id : {317, 111, string_id::kNextPatch, 112, 107, 316}) {
             const QRect place = frame->StatusPane(id)->geometry();
             EXPECT_GE(place.left(), end) << id << " at " << width;
             end = place.left() + place.width();

@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include "acquisition/zvn/CAbortDlg.h"
+#include "app/StringTable.h"
 #include "app/toolkit/RibbonField.h"
 #include "tests/app/studio.h"
 
@@ -94,6 +95,34 @@ TEST_F(FrameWorkflow, ColorsPickedByHandFollowTheSelectedViewer) {
     EXPECT_EQ(frame->RawColorPane().Lists().raw.Rows().size(), 1u);
     Run(ID_BTN_COLOR_AUTO);
     EXPECT_FALSE(frame->StatusPane(107)->isHidden()) << "shown once, shown for good";
+}
+
+// The guide counts the selected viewer's list and goes with the mode.
+TEST_F(FrameWorkflow, TheStatusBarNamesThePatchThatIsNext) {
+    LoadChart();
+    const auto next = [this] {
+        frame->UpdateCommands();
+        const QLabel& pane = *frame->StatusPane(string_id::kNextPatch);
+        return pane.isHidden() ? "" : pane.text().toStdString();
+    };
+    EXPECT_EQ(next(), "");
+    Run(ID_BTN_COLOR_MANUAL);
+    EXPECT_EQ(next(), "next: 1 Dark Skin (0 of 24)");
+    for (int i = 0; i < 3; ++i) Run(ID_COLOR_ADD_BY_HAND);
+    EXPECT_EQ(next(), "next: 4 Foliage (3 of 24)");
+    Run(ID_SELECT_REF_VIEWER);
+    EXPECT_EQ(next(), "next: 1 Dark Skin (0 of 24)");
+    Run(ID_SELECT_CALIB_VIEWER);
+    EXPECT_EQ(next(), "");
+    Run(ID_SELECT_RAW_VIEWER);
+    Run(ID_COLOR_REMOVE_LAST);
+    EXPECT_EQ(next(), "next: 3 Blue Sky (2 of 24)");
+    frame->SpectrumPane().SetMatrixSize(3, 1);
+    EXPECT_EQ(next(), "next: 3 (2 of 3)");
+    for (int i = 0; i < 2; ++i) Run(ID_COLOR_ADD_BY_HAND);
+    EXPECT_EQ(next(), "picked: 4 of 3");
+    Run(ID_BTN_COLOR_AUTO);
+    EXPECT_EQ(next(), "");
 }
 
 TEST_F(FrameWorkflow, SnappedFrameComesToTheRawViewer) {
