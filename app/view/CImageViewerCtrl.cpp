@@ -19,7 +19,8 @@ constexpr int kEdgeWidth = 2;
 constexpr QSize kFirstSize(800, 600);  // also what a viewer in a pane that was never shown fits images to
 constexpr int kOverlayFontPoints = 10;
 constexpr float kZoomByKey = 1.25f;
-constexpr int kFarByKey = 10;  // image pixels
+constexpr int kFarByKey = 10;     // image pixels
+constexpr int kCornerMargin = 6;  // around words in a corner of the picture
 constexpr int kTrackerStyle = RectTracker::DottedLine | RectTracker::ResizeInside;
 
 /// The pattern behind the image: cells of 4 by 4 pixels, drawn row by row. A cell is light when both toggles are false.
@@ -300,6 +301,7 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
     if (image_.IsAllocated()) {
         CDemoUtil::DisplayImage(&image_, &painter, &view.GetSource(), &view.GetDestination(), -1);
     }
+    PaintCaption(painter);  // under outlines and handles, which have to be reached
     Overlay overlay = MapToClient(imageOverlay_, view);
     overlay.SetFont(font_);
     overlay.Draw(painter, {0, 0}, 1.0f);
@@ -336,6 +338,18 @@ void CImageViewerCtrl::ShowBadge(const QString& words) {
     update();
 }
 
+void CImageViewerCtrl::SetFileName(const QString& name) {
+    if (fileName_ == name) return;
+    fileName_ = name;
+    update();
+}
+
+QString CImageViewerCtrl::GetCaption() const {
+    if (!image_.IsAllocated() || objectName().isEmpty()) return {};
+    const QString size = QString("%1 x %2").arg(image_.GetWidth()).arg(image_.GetHeight());
+    return fileName_.isEmpty() ? objectName() + ": " + size : objectName() + ": " + fileName_ + ", " + size;
+}
+
 void CImageViewerCtrl::PaintHighlight(QPainter& painter, const ViewGeometry& view) const {
     if (highlight_.empty() || !image_.IsAllocated()) return;
     QPolygon polygon;
@@ -353,13 +367,26 @@ void CImageViewerCtrl::PaintHighlight(QPainter& painter, const ViewGeometry& vie
 
 void CImageViewerCtrl::PaintBadge(QPainter& painter) const {
     if (badge_.isEmpty()) return;
-    constexpr int kMargin = 6;
     const QSize words = painter.fontMetrics().size(Qt::TextSingleLine, badge_);
-    const QRect area(ClientSize().width() - words.width() - 3 * kMargin, kMargin, words.width() + 2 * kMargin,
-                     words.height() + kMargin);
+    const QRect area(ClientSize().width() - words.width() - 3 * kCornerMargin, kCornerMargin,
+                     words.width() + 2 * kCornerMargin, words.height() + kCornerMargin);
     painter.fillRect(area, QColor(0x8a, 0x1c, 0x12));
     painter.setPen(Qt::white);
     painter.drawText(area, Qt::AlignCenter, badge_);
+}
+
+// In the corner opposite to the badge's, and never under it: a long file name is cut in its middle.
+void CImageViewerCtrl::PaintCaption(QPainter& painter) const {
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int badge = badge_.isEmpty() ? 0 : metrics.horizontalAdvance(badge_) + 3 * kCornerMargin;
+    const int room = ClientSize().width() - badge - 4 * kCornerMargin;
+    const QString caption = metrics.elidedText(GetCaption(), Qt::ElideMiddle, room);
+    if (room <= 0 || caption.isEmpty()) return;
+    const QSize words = metrics.size(Qt::TextSingleLine, caption);
+    const QRect area(kCornerMargin, kCornerMargin, words.width() + 2 * kCornerMargin, words.height() + kCornerMargin);
+    painter.fillRect(area, QColor(0, 0, 0, 160));
+    painter.setPen(Qt::white);
+    painter.drawText(area, Qt::AlignCenter, caption);
 }
 
 /// A sunken edge, which shines while the viewer is the selected one. Filled and not drawn with a pen, which leaves

@@ -36,6 +36,10 @@ public:
     void Highlight(const PatchOutline& outline) override;
     void ShowBadge(const QString& words) override;
     const QString& GetBadge() const { return badge_; }
+    void SetFileName(const QString& name) override;
+    /// What a corner of the picture tells of it: the viewer's name, the file's name, width and height in pixels.
+    /// @return empty without a picture and for a viewer without a name
+    QString GetCaption() const;
 
     /// Whom the viewer tells of pixels, ROI and zoom, and the window that holds it. Not owned, null allowed.
     void SetComm(CDemoImageViewerComm* comm) { comm_ = comm; }
@@ -102,6 +106,7 @@ private:
     void PaintTracker(QPainter& painter) const;
     void PaintHighlight(QPainter& painter, const ViewGeometry& view) const;
     void PaintBadge(QPainter& painter) const;
+    void PaintCaption(QPainter& painter) const;
 
     mutable ViewGeometry geometry_;
     RectTracker tracker_;
@@ -116,4 +121,5 @@ private:
     QPixmap background_;
     PatchOutline highlight_;
     QString badge_;
+    QString fileName_;
 };

@@ -94,6 +94,7 @@ void CalibrationSteps::OnCalibratePreview() {
     preview.ResetView();
     preview.ClearOverlays();
     preview.Image().Clear();
+    preview.SetFileName({});
     m_work.news.ShowPane(ID_CBTN_CALIB_IMG_VIEW);
     if (!CalibrateAndExecute()) {
         m_work.news.LogLastError(LogError);

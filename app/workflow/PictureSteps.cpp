@@ -38,6 +38,7 @@ void PictureSteps::ResetForNewImage() {
         viewer->ClearOverlays();
         viewer->Image().SetRoi({});  // a measurement leaves it on a patch
         viewer->Image().Clear();
+        viewer->SetFileName({});
     }
     m_work.previewActive = false;
     m_work.news.SetStatus(string_id::kBufferInformation, status_texts::BufferAfterReset());
@@ -57,6 +58,7 @@ bool PictureSteps::LoadImageFile(const QString& path) {
     if (!viewer) return false;
     ResetForNewImage();
     ++m_work.pictures;
+    viewer->SetFileName(QString::fromStdString(std::filesystem::path(path.toStdString()).filename().string()));
     viewer->SetImage(&buffer, true);
     m_work.news.SetStatus(
         string_id::kBufferInformation,
@@ -120,5 +122,6 @@ void PictureSteps::OnSaveImage() {
 
 void PictureSteps::OnFrameReady(int) {
     ++m_work.pictures;
+    m_work.raw.SetFileName({});
     m_work.raw.SetImage(m_work.session->GetImage(-1), false);
 }

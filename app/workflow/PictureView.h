@@ -29,6 +29,9 @@ public:
     /// A word in a corner of the picture; empty: none.
     virtual void ShowBadge(const QString&) {}
 
+    /// The name of the file that the picture came from, without its folders; empty: from none.
+    virtual void SetFileName(const QString&) {}
+
     /// The selected picture is the target of Load Image and the source of colors picked by hand.
     virtual void SetSelected(int selected) = 0;
     virtual int IsSelected() const = 0;

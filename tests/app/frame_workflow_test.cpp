@@ -125,6 +125,34 @@ TEST_F(FrameWorkflow, TheStatusBarNamesThePatchThatIsNext) {
     EXPECT_EQ(next(), "");
 }
 
+// A picture, its preview, another picture dropped on the preview, a preview over that, a picture from the device.
+TEST_F(FrameWorkflow, CaptionsTellWhatEachViewerShows) {
+    const auto expect = [this](const char* raw, const char* calibrated) {
+        EXPECT_EQ(frame->RawViewer().GetCaption(), raw);
+        EXPECT_EQ(frame->ReferenceViewer().GetCaption(), "");
+        EXPECT_EQ(frame->CalibratedViewer().GetCaption(), calibrated);
+    };
+    expect("", "");
+    LoadChart();
+    expect("Raw Image: chart.bmp, 400 x 280", "");
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    expect("Raw Image: chart.bmp, 400 x 280", "Calibrated Image: 400 x 280");
+    Run(ID_SELECT_CALIB_VIEWER);
+    const QString small = WriteChart("small.bmp", 20);
+    frame->OpenDroppedFile(small);
+    expect("Raw Image: chart.bmp, 400 x 280", "Calibrated Image: small.bmp, 200 x 140");
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    expect("Raw Image: chart.bmp, 400 x 280", "Calibrated Image: 400 x 280");
+    frame->OnFrameReady(0);  // the session's buffer still holds the small one
+    expect("Raw Image: 200 x 140", "Calibrated Image: 400 x 280");
+    Run(ID_SELECT_RAW_VIEWER);
+    frame->OpenDroppedFile(small);
+    Run(ID_SELECT_CALIB_VIEWER);
+    frame->OpenDroppedFile(small);
+    LoadChart();
+    expect("Raw Image: chart.bmp, 400 x 280", "Calibrated Image: 200 x 140");
+}
+
 TEST_F(FrameWorkflow, SnappedFrameComesToTheRawViewer) {
     Connect("[Grabber]\nkind = frame grabber\nwidth = 32\nheight = 16\nformat = RGB 32\n");
     EXPECT_EQ(Log(), (Rows{{"Load/Save a camera file prior to calibrating", LogWarning}}));
