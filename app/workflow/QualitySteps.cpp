@@ -89,6 +89,7 @@ QualitySteps::Inputs QualitySteps::Now() const {
     now.mode = engine.GetCalibrationMode();
     now.illuminant = now.mode == kRelative ? 0 : engine.GetIlluminant();
     now.terms = engine.GetXformSize();
+    if (engine.GetTransform()) now.transform = checksum(*engine.GetTransform());
     now.gamma = engine.GetGamma();
     now.saturationMode = engine.GetSaturationMode();
     constexpr int kManual = 1;
@@ -117,6 +118,7 @@ QString QualitySteps::WhatDiffers(const Inputs& before, const Inputs& now) {
     }
     if (before.manualColors != now.manualColors || before.colors != now.colors) return "the colors were changed";
     if (before.values != now.values) return "the user's values were changed";
+    if (before.transform != now.transform) return "other coefficients were loaded";
     return {};
 }
 
@@ -151,6 +153,8 @@ PatchOutlines QualitySteps::Outlines(const MeasuredChart& chart) const {
 void QualitySteps::Judge() {
     const CTivTonewrightDC& engine = m_work.engine;
     if (!engine.GetTransform() || !engine.GetRawColors()) return;
+    // Coefficients that were loaded since are not what was previewed.
+    if (checksum(*engine.GetTransform()) != m_judgedInputs.transform) return;
     MeasuredChart chart = Measure();
     // Other colors than the engine's say nothing of its calibration.
     if (!areLike(colorsOf(chart), *engine.GetRawColors())) chart = {};

@@ -44,7 +44,7 @@ private:
         float gamma = 0;
         std::uint32_t saturation = 0;
         bool manualColors = false;
-        std::size_t colors = 0, values = 0;  ///< checksums
+        std::size_t colors = 0, values = 0, transform = 0;  ///< checksums
     };
 
     Inputs Now() const;

@@ -53,6 +53,26 @@ TEST_F(QualityStepsTest, FiguresFollowPreviewsAndSayWhenTheyAreOld) {
     EXPECT_EQ(Quality().WhyOutOfDate(), "the colors were changed");
 }
 
+// Loading a coefficient file replaces the transform under a preview, before or after it was judged.
+TEST_F(QualityStepsTest, LoadedCoefficientsAreNotTakenForThePreviewed) {
+    LoadChart();
+    Preview();
+    const std::string file = folder.filePath("a.ccor").toStdString();
+    ASSERT_TRUE(GetEngine().SaveXForm(file, false));
+    GetEngine().SetIlluminant(3);
+    Preview();
+    const double mean = Quality().GetReport()->mean;
+    ASSERT_TRUE(GetEngine().LoadXForm(file));
+    Quality().CheckInputs();
+    EXPECT_EQ(Quality().WhyOutOfDate(), "other coefficients were loaded");
+
+    Calibration().OnCalibratePreview();
+    ASSERT_TRUE(GetEngine().LoadXForm(file));
+    Quality().CatchUp();
+    EXPECT_EQ(Quality().GetReport()->mean, mean);
+    EXPECT_EQ(Quality().WhyOutOfDate(), "other coefficients were loaded");
+}
+
 TEST_F(QualityStepsTest, ReportIsSavedAndAFailureIsTold) {
     Quality().OnSaveReport();  // nothing to save yet: asks nothing
     LoadChart();
