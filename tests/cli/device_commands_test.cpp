@@ -69,6 +69,34 @@ TEST_F(DeviceCommands, GrabNumbersSeveralFramesInTheirOrder) {
     }
 }
 
+#ifndef __SANITIZE_ADDRESS__  // whose own memory has no room under the limits
+TEST_F(DeviceCommands, GrabShortOfMemoryWritesWholeFramesOrNone) {
+    Simulate("[Big]\nkind = frame grabber\nwidth = 6000\nheight = 4000\nformat = RGB 32\n");
+    int failed = 0;
+    int done = 0;
+    for (int megabytes = 100; megabytes <= 1000 && done < 2; megabytes += 20) {
+        SCOPED_TRACE(megabytes);
+        const ToolRun run =
+            RunTool({"grab", Path("f.zvk")}, {}, "ulimit -v " + std::to_string(megabytes * 1024) + "; ulimit -c 0;");
+        EXPECT_LE(run.status, 128) << "ended by a signal: " << run.err;
+        if (run.status == 0) {
+            ++done;
+            CTivImage frame;
+            ASSERT_TRUE(frame.Load(Path("f.zvk"), true));
+            EXPECT_EQ(frame.GetWidth(), 6000);
+            EXPECT_NE(frame.GetData(5999, 3999).AsRgb(), 0u);
+            std::filesystem::remove(Path("f.zvk"));
+        } else {
+            ++failed;
+            EXPECT_FALSE(run.err.empty());
+        }
+        EXPECT_THAT(Files(), testing::ElementsAre("simulation.ini"));
+    }
+    EXPECT_GT(failed, 2);
+    EXPECT_EQ(done, 2);
+}
+#endif
+
 TEST_F(DeviceCommands, GrabThatFailsTellsWhyAndLeavesNoFile) {
     const struct {
         std::string ini;
