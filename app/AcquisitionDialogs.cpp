@@ -53,50 +53,50 @@ std::vector<Resource> listResources() {
 class ConfigDialog : public QDialog {
 public:
     ConfigDialog(QWidget* parent, const CAcqConfigDlg::Choice* inForce)
-        : QDialog(parent), resources_(listResources()), device_(new QComboBox(this)), file_(new QLineEdit(this)) {
+        : QDialog(parent), m_resources(listResources()), m_device(new QComboBox(this)), m_file(new QLineEdit(this)) {
         setWindowTitle("Acquisition Configuration");
-        for (const Resource& resource : resources_) device_->addItem(resource.text);
+        for (const Resource& resource : m_resources) m_device->addItem(resource.text);
         if (inForce) Preselect(*inForce);
-        file_->setPlaceholderText("None: the device stays as it is");
-        file_->setMinimumWidth(320);
+        m_file->setPlaceholderText("None: the device stays as it is");
+        m_file->setMinimumWidth(320);
         auto* browse = new QPushButton("Browse...", this);
         browse->setAutoDefault(false);
         connect(browse, &QPushButton::clicked, this, [this] {
-            const auto choice = GetPrompts().OpenFile({file_->text(), "All Files (*)|*||", 1, {}});
-            if (choice) file_->setText(choice->path);
+            const auto choice = GetPrompts().OpenFile({m_file->text(), "All Files (*)|*||", 1, {}});
+            if (choice) m_file->setText(choice->path);
         });
         auto* fileRow = new QHBoxLayout;
-        fileRow->addWidget(file_);
+        fileRow->addWidget(m_file);
         fileRow->addWidget(browse);
         auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-        buttons->button(QDialogButtonBox::Ok)->setEnabled(!resources_.empty());
+        buttons->button(QDialogButtonBox::Ok)->setEnabled(!m_resources.empty());
         connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
         connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
         auto* form = new QFormLayout(this);
-        form->addRow("Device:", device_);
+        form->addRow("Device:", m_device);
         form->addRow("Configuration file:", fileRow);
         form->addRow(buttons);
     }
 
     CAcqConfigDlg::Choice Choice() const {
-        return {resources_[static_cast<std::size_t>(device_->currentIndex())].location, file_->text().toStdString()};
+        return {m_resources[static_cast<std::size_t>(m_device->currentIndex())].location, m_file->text().toStdString()};
     }
 
 private:
     // A device that is no longer there leaves the first one chosen, and its file behind.
     void Preselect(const CAcqConfigDlg::Choice& choice) {
-        const auto found = std::ranges::find_if(resources_, [&](const Resource& resource) {
+        const auto found = std::ranges::find_if(m_resources, [&](const Resource& resource) {
             return resource.location.GetServerName() == choice.location.GetServerName() &&
                    resource.location.GetResourceIndex() == choice.location.GetResourceIndex();
         });
-        if (found == resources_.end()) return;
-        device_->setCurrentIndex(static_cast<int>(found - resources_.begin()));
-        file_->setText(QString::fromStdString(choice.configFile));
+        if (found == m_resources.end()) return;
+        m_device->setCurrentIndex(static_cast<int>(found - m_resources.begin()));
+        m_file->setText(QString::fromStdString(choice.configFile));
     }
 
-    std::vector<Resource> resources_;
-    QComboBox* device_;
-    QLineEdit* file_;
+    std::vector<Resource> m_resources;
+    QComboBox* m_device;
+    QLineEdit* m_file;
 };
 
 // The command waits with the wait cursor on; over a dialog the arrow belongs.

@@ -12,13 +12,13 @@ namespace {
 class DialogUnits {
 public:
     explicit DialogUnits(const QFontMetrics& metrics)
-        : width_(metrics.horizontalAdvance("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 52.0),
-          height_(metrics.height()) {}
-    QPoint At(int x, int y) const { return {qRound(x * width_ / 4), qRound(y * height_ / 8)}; }
+        : m_width(metrics.horizontalAdvance("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 52.0),
+          m_height(metrics.height()) {}
+    QPoint At(int x, int y) const { return {qRound(x * m_width / 4), qRound(y * m_height / 8)}; }
 
 private:
-    double width_;
-    double height_;
+    double m_width;
+    double m_height;
 };
 
 constexpr int kIconPixels = 32;

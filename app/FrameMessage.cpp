@@ -19,13 +19,13 @@ namespace {
 class Gate {
 public:
     void Open() {
-        open_ = true;
-        open_.notify_all();
+        m_open = true;
+        m_open.notify_all();
     }
-    void Wait() const { open_.wait(false); }
+    void Wait() const { m_open.wait(false); }
 
 private:
-    std::atomic<bool> open_ = false;
+    std::atomic<bool> m_open = false;
 };
 
 struct Road {
@@ -38,13 +38,13 @@ struct Road {
 // the sender itself, where the window was quicker.
 class Ticket {
 public:
-    explicit Ticket(std::shared_ptr<Gate> gate) : gate_(std::move(gate)) {}
+    explicit Ticket(std::shared_ptr<Gate> gate) : m_gate(std::move(gate)) {}
     Ticket(const Ticket&) = delete;
     Ticket& operator=(const Ticket&) = delete;
-    ~Ticket() { gate_->Open(); }
+    ~Ticket() { m_gate->Open(); }
 
 private:
-    std::shared_ptr<Gate> gate_;
+    std::shared_ptr<Gate> m_gate;
 };
 
 // A thread that is late may still hold it when the process ends.

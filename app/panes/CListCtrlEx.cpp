@@ -11,8 +11,8 @@
 #include "app/panes/CellTable.h"
 
 CListCtrlEx::CListCtrlEx(const QStringList& headers, bool numbered, QWidget* parent)
-    : QTableView(parent), cells_(new CellTable(headers, numbered, this)) {
-    setModel(cells_);
+    : QTableView(parent), m_cells(new CellTable(headers, numbered, this)) {
+    setModel(m_cells);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setTabKeyNavigation(false);
@@ -22,20 +22,20 @@ CListCtrlEx::CListCtrlEx(const QStringList& headers, bool numbered, QWidget* par
     horizontalHeader()->setMinimumSectionSize(0);
     setWordWrap(false);
     connect(this, &QTableView::doubleClicked, this, [this](const QModelIndex& cell) {
-        if (editable_ && cell.column() > 0) EditCell(cell.row(), cell.column());
+        if (m_editable && cell.column() > 0) EditCell(cell.row(), cell.column());
     });
 }
 
 void CListCtrlEx::SetEditable(bool editable) {
-    editable_ = editable;
+    m_editable = editable;
     if (!editable) EndEdit();
 }
 
-void CListCtrlEx::SetDimmed(bool dimmed) { cells_->SetDimmed(dimmed); }
+void CListCtrlEx::SetDimmed(bool dimmed) { m_cells->SetDimmed(dimmed); }
 
-int CListCtrlEx::RowCount() const { return cells_->rowCount(); }
+int CListCtrlEx::RowCount() const { return m_cells->rowCount(); }
 
-QString CListCtrlEx::CellText(int row, int column) const { return cells_->Text(row, column); }
+QString CListCtrlEx::CellText(int row, int column) const { return m_cells->Text(row, column); }
 
 float CListCtrlEx::CellNumber(int row, int column) const {
     // Whatever the desktop's language: the number ends where text begins, as in "0.5 cd" or "0,5".
@@ -46,7 +46,7 @@ float CListCtrlEx::CellNumber(int row, int column) const {
     return error == std::errc{} && std::isfinite(value) ? value : 0.0f;
 }
 
-void CListCtrlEx::SetCellText(int row, int column, const QString& text) { cells_->SetText(row, column, text); }
+void CListCtrlEx::SetCellText(int row, int column, const QString& text) { m_cells->SetText(row, column, text); }
 
 QRect CListCtrlEx::CellRect(int row, int column) const {
     const int rowHeight = verticalHeader()->defaultSectionSize();
@@ -58,30 +58,30 @@ QRect CListCtrlEx::CellRect(int row, int column) const {
 
 void CListCtrlEx::EditCell(int row, int column) {
     EndEdit();
-    editedRow_ = row;
-    editedColumn_ = column;
-    if (row < RowCount()) scrollTo(cells_->index(row, column));
-    editor_ = new CInPlaceEdit(*this, CellRect(row, column), CellText(row, column));
+    m_editedRow = row;
+    m_editedColumn = column;
+    if (row < RowCount()) scrollTo(m_cells->index(row, column));
+    m_editor = new CInPlaceEdit(*this, CellRect(row, column), CellText(row, column));
 }
 
 void CListCtrlEx::Commit(const QString& text) {
-    if (editedRow_ < 0 || editedRow_ >= RowCount()) return;
-    if (allowEmpty_ || !text.isEmpty()) SetCellText(editedRow_, editedColumn_, text);
+    if (m_editedRow < 0 || m_editedRow >= RowCount()) return;
+    if (m_allowEmpty || !text.isEmpty()) SetCellText(m_editedRow, m_editedColumn, text);
 }
 
 void CListCtrlEx::EndEdit() {
     // First the position: hiding takes the focus away, which would commit.
-    editedRow_ = editedColumn_ = -1;
-    if (CInPlaceEdit* editor = std::exchange(editor_, nullptr)) {
+    m_editedRow = m_editedColumn = -1;
+    if (CInPlaceEdit* editor = std::exchange(m_editor, nullptr)) {
         editor->hide();
         editor->deleteLater();
     }
 }
 
 void CListCtrlEx::MoveOn() {
-    int row = editedRow_;
-    int column = editedColumn_ + 1;
-    if (column >= cells_->columnCount()) {
+    int row = m_editedRow;
+    int column = m_editedColumn + 1;
+    if (column >= m_cells->columnCount()) {
         column = 1;
         ++row;
     }
@@ -90,7 +90,7 @@ void CListCtrlEx::MoveOn() {
 }
 
 CInPlaceEdit::CInPlaceEdit(CListCtrlEx& list, const QRect& place, const QString& text)
-    : QLineEdit(text, list.viewport()), list_(list) {
+    : QLineEdit(text, list.viewport()), m_list(list) {
     setAcceptDrops(false);  // a file belongs to the window
     setFont(list.font());
     setFrame(true);
@@ -105,16 +105,16 @@ CInPlaceEdit::CInPlaceEdit(CListCtrlEx& list, const QRect& place, const QString&
 CInPlaceEdit::~CInPlaceEdit() { qApp->removeEventFilter(this); }
 
 void CInPlaceEdit::End(Ending ending) {
-    if (ended_) return;
-    ended_ = true;
+    if (m_ended) return;
+    m_ended = true;
     qApp->removeEventFilter(this);
-    if (ending != Ending::Drop) list_.Commit(text());
+    if (ending != Ending::Drop) m_list.Commit(text());
     if (ending == Ending::CommitAndMove) {
-        list_.MoveOn();
+        m_list.MoveOn();
     } else {
         const bool hadFocus = hasFocus();
-        list_.EndEdit();
-        if (hadFocus) list_.setFocus();
+        m_list.EndEdit();
+        if (hadFocus) m_list.setFocus();
     }
 }
 

@@ -14,8 +14,8 @@ public:
     CListCtrlEx(const QStringList& headers, bool numbered, QWidget* parent);
 
     void SetEditable(bool editable);  ///< off at first; turning it off ends a running edit without a commit
-    bool IsEditable() const { return editable_; }
-    void SetAllowEmpty(bool allow) { allowEmpty_ = allow; }
+    bool IsEditable() const { return m_editable; }
+    void SetAllowEmpty(bool allow) { m_allowEmpty = allow; }
     void SetDimmed(bool dimmed);  ///< gray text
 
     int RowCount() const;
@@ -26,12 +26,12 @@ public:
 
     /// Opens the editor over a cell; a row past the last one gets an editor that commits nowhere.
     void EditCell(int row, int column);
-    CInPlaceEdit* GetEditor() const { return editor_; }  ///< null while no cell is edited
-    int EditedRow() const { return editedRow_; }         ///< -1 for none
-    int EditedColumn() const { return editedColumn_; }
+    CInPlaceEdit* GetEditor() const { return m_editor; }  ///< null while no cell is edited
+    int EditedRow() const { return m_editedRow; }         ///< -1 for none
+    int EditedColumn() const { return m_editedColumn; }
 
 protected:
-    CellTable& Cells() { return *cells_; }
+    CellTable& Cells() { return *m_cells; }
 
 private:
     friend class CInPlaceEdit;
@@ -40,12 +40,12 @@ private:
     void MoveOn();
     QRect CellRect(int row, int column) const;
 
-    CellTable* cells_;
-    CInPlaceEdit* editor_ = nullptr;
-    int editedRow_ = -1;
-    int editedColumn_ = -1;
-    bool allowEmpty_ = false;
-    bool editable_ = false;
+    CellTable* m_cells;
+    CInPlaceEdit* m_editor = nullptr;
+    int m_editedRow = -1;
+    int m_editedColumn = -1;
+    bool m_allowEmpty = false;
+    bool m_editable = false;
 };
 
 /// The editor laid over one cell. Enter, a click elsewhere and losing the focus commit, Tab commits and moves on, Esc
@@ -65,6 +65,6 @@ private:
     enum class Ending { Commit, CommitAndMove, Drop };
     void End(Ending ending);
 
-    CListCtrlEx& list_;
-    bool ended_ = false;
+    CListCtrlEx& m_list;
+    bool m_ended = false;
 };

@@ -48,50 +48,50 @@ QString timeText(const QDateTime& now) {
 
 CLoggerWnd::CLoggerWnd(const Clock& clock, QWidget* parent)
     : QDockWidget("Logs", parent),
-      clock_(clock),
-      list_(new NewestRowList(0, ColumnCount, this)),
-      icons_{QIcon(":/icons/log-error.svg"), QIcon(":/icons/log-warning.svg"), QIcon(":/icons/log-information.svg")} {
-    list_->setHorizontalHeaderLabels({"Type", "Time", "Message"});
-    list_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list_->setItemDelegateForColumn(ColumnMessage, new OneLineDelegate(list_));
-    list_->setIconSize({kIconPixels, kIconPixels});
-    list_->setWordWrap(false);
-    list_->setFrameShape(QFrame::NoFrame);
-    list_->setTabKeyNavigation(false);
-    list_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    list_->verticalHeader()->hide();
-    list_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    list_->verticalHeader()->setDefaultSectionSize(list_->fontMetrics().height() + 6);
-    list_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    list_->horizontalHeader()->setSectionsClickable(false);
-    setWidget(list_);
+      m_clock(clock),
+      m_list(new NewestRowList(0, ColumnCount, this)),
+      m_icons{QIcon(":/icons/log-error.svg"), QIcon(":/icons/log-warning.svg"), QIcon(":/icons/log-information.svg")} {
+    m_list->setHorizontalHeaderLabels({"Type", "Time", "Message"});
+    m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list->setItemDelegateForColumn(ColumnMessage, new OneLineDelegate(m_list));
+    m_list->setIconSize({kIconPixels, kIconPixels});
+    m_list->setWordWrap(false);
+    m_list->setFrameShape(QFrame::NoFrame);
+    m_list->setTabKeyNavigation(false);
+    m_list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_list->verticalHeader()->hide();
+    m_list->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_list->verticalHeader()->setDefaultSectionSize(m_list->fontMetrics().height() + 6);
+    m_list->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_list->horizontalHeader()->setSectionsClickable(false);
+    setWidget(m_list);
     FitColumns({});
 }
 
 void CLoggerWnd::AddMessage(const QString& text, int type) {
-    const int row = list_->rowCount();
-    list_->insertRow(row);
-    const bool isKnown = type >= 0 && type < static_cast<int>(icons_.size());
+    const int row = m_list->rowCount();
+    m_list->insertRow(row);
+    const bool isKnown = type >= 0 && type < static_cast<int>(m_icons.size());
     auto* sign =
-        isKnown ? new QTableWidgetItem(icons_[static_cast<std::size_t>(type)], {}) : new QTableWidgetItem("Unknown");
+        isKnown ? new QTableWidgetItem(m_icons[static_cast<std::size_t>(type)], {}) : new QTableWidgetItem("Unknown");
     sign->setData(Qt::UserRole, type);
-    list_->setItem(row, ColumnType, sign);
-    const QString time = timeText(clock_.LocalNow());
-    list_->setItem(row, ColumnTime, new QTableWidgetItem(time));
-    list_->setItem(row, ColumnMessage, new QTableWidgetItem(text));
-    const QFontMetrics metrics = list_->fontMetrics();
+    m_list->setItem(row, ColumnType, sign);
+    const QString time = timeText(m_clock.LocalNow());
+    m_list->setItem(row, ColumnTime, new QTableWidgetItem(time));
+    m_list->setItem(row, ColumnMessage, new QTableWidgetItem(text));
+    const QFontMetrics metrics = m_list->fontMetrics();
     FitColumns({isKnown ? kIconPixels : metrics.horizontalAdvance(sign->text()), metrics.horizontalAdvance(time),
                 metrics.horizontalAdvance(oneLine(text))});
     show();
     raise();
-    list_->scrollToBottom();       // after the layout: only now is it known how many rows fit
-    list_->viewport()->repaint();  // at once: what the caller does next may take long
+    m_list->scrollToBottom();       // after the layout: only now is it known how many rows fit
+    m_list->viewport()->repaint();  // at once: what the caller does next may take long
 }
 
 void CLoggerWnd::ClearLog() {
-    list_->setRowCount(0);
-    contentWidths_.fill(0);
+    m_list->setRowCount(0);
+    m_contentWidths.fill(0);
     FitColumns({});
 }
 
@@ -99,9 +99,9 @@ void CLoggerWnd::ClearLog() {
 // one is kept and a long log costs no more than a short one.
 void CLoggerWnd::FitColumns(const std::array<int, ColumnCount>& newest) {
     for (int column = 0; column < ColumnCount; ++column) {
-        int& widest = contentWidths_[static_cast<std::size_t>(column)];
+        int& widest = m_contentWidths[static_cast<std::size_t>(column)];
         widest = std::max(widest, newest[static_cast<std::size_t>(column)]);
-        const int header = list_->horizontalHeader()->sectionSizeHint(column);
-        list_->setColumnWidth(column, std::max(widest + kCellPadding, header));
+        const int header = m_list->horizontalHeader()->sectionSizeHint(column);
+        m_list->setColumnWidth(column, std::max(widest + kCellPadding, header));
     }
 }

@@ -25,13 +25,13 @@ public:
     void AddMessage(const char* text, int type) { AddMessage(QString::fromUtf8(text), type); }
     void ClearLog();
 
-    const QTableWidget& List() const { return *list_; }
+    const QTableWidget& List() const { return *m_list; }
 
 private:
     void FitColumns(const std::array<int, ColumnCount>& newest);
 
-    const Clock& clock_;
-    QTableWidget* list_;
-    std::array<QIcon, 3> icons_;
-    std::array<int, ColumnCount> contentWidths_{};  // of the widest row so far, pixels
+    const Clock& m_clock;
+    QTableWidget* m_list;
+    std::array<QIcon, 3> m_icons;
+    std::array<int, ColumnCount> m_contentWidths{};  // of the widest row so far, pixels
 };

@@ -41,17 +41,18 @@ protected:
 /// The rows of one side, read where they are kept.
 class CRawColorListCtrl::Rows : public QAbstractTableModel {
 public:
-    Rows(const RawColorSide& side, QObject* parent) : QAbstractTableModel(parent), side_(side) {}
+    Rows(const RawColorSide& side, QObject* parent) : QAbstractTableModel(parent), m_side(side) {}
 
-    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : count_; }
+    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : m_count; }
     int columnCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : 1; }
     QVariant data(const QModelIndex& index, int role) const override {
         const auto row = static_cast<std::size_t>(index.row());
-        if (row >= side_.Rows().size()) return {};
-        const RawColorSide::Row& shown = side_.Rows()[row];
+        if (row >= m_side.Rows().size()) return {};
+        const RawColorSide::Row& shown = m_side.Rows()[row];
         if (role == Qt::DisplayRole) return shown.label;
-        if (role == Qt::ForegroundRole && dimmed_) return theme::Now().dimmed;
-        if (role == Qt::UserRole && shown.image < side_.Images().size()) return side_.Images()[shown.image] & 0xFFFFFF;
+        if (role == Qt::ForegroundRole && m_dimmed) return theme::Now().dimmed;
+        if (role == Qt::UserRole && shown.image < m_side.Images().size())
+            return m_side.Images()[shown.image] & 0xFFFFFF;
         return {};
     }
     QVariant headerData(int, Qt::Orientation orientation, int role) const override {
@@ -60,36 +61,36 @@ public:
 
     void Remove(int row) {
         beginRemoveRows({}, row, row);
-        --count_;
+        --m_count;
         endRemoveRows();
     }
     void Refresh() {
-        const int now = static_cast<int>(side_.Rows().size());
-        if (now > count_) {
-            beginInsertRows({}, count_, now - 1);
-            count_ = now;
+        const int now = static_cast<int>(m_side.Rows().size());
+        if (now > m_count) {
+            beginInsertRows({}, m_count, now - 1);
+            m_count = now;
             endInsertRows();
-        } else if (now < count_) {
-            beginRemoveRows({}, now, count_ - 1);
-            count_ = now;
+        } else if (now < m_count) {
+            beginRemoveRows({}, now, m_count - 1);
+            m_count = now;
             endRemoveRows();
         }
-        if (count_ > 0) emit dataChanged(index(0, 0), index(count_ - 1, 0));
+        if (m_count > 0) emit dataChanged(index(0, 0), index(m_count - 1, 0));
     }
     void SetDimmed(bool dimmed) {
-        dimmed_ = dimmed;
+        m_dimmed = dimmed;
         Refresh();
     }
 
 private:
-    const RawColorSide& side_;
-    int count_ = 0;  // as the list knows it: the side changes first
-    bool dimmed_ = false;
+    const RawColorSide& m_side;
+    int m_count = 0;  // as the list knows it: the side changes first
+    bool m_dimmed = false;
 };
 
 CRawColorListCtrl::CRawColorListCtrl(const RawColorSide& side, QWidget* parent)
-    : QTableView(parent), rows_(new Rows(side, this)) {
-    setModel(rows_);
+    : QTableView(parent), m_rows(new Rows(side, this)) {
+    setModel(m_rows);
     setItemDelegate(new SwatchDelegate(this));
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -102,11 +103,11 @@ CRawColorListCtrl::CRawColorListCtrl(const RawColorSide& side, QWidget* parent)
 
 CRawColorListCtrl::~CRawColorListCtrl() = default;
 
-void CRawColorListCtrl::Refresh() { rows_->Refresh(); }
+void CRawColorListCtrl::Refresh() { m_rows->Refresh(); }
 
 void CRawColorListCtrl::RowRemoved(int row) {
-    rows_->Remove(row);
-    rows_->Refresh();  // the rows behind it bear other numbers
+    m_rows->Remove(row);
+    m_rows->Refresh();  // the rows behind it bear other numbers
 }
 
 void CRawColorListCtrl::mousePressEvent(QMouseEvent* event) {
@@ -114,9 +115,9 @@ void CRawColorListCtrl::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) emit pressed();
 }
 
-void CRawColorListCtrl::SetDimmed(bool dimmed) { rows_->SetDimmed(dimmed); }
+void CRawColorListCtrl::SetDimmed(bool dimmed) { m_rows->SetDimmed(dimmed); }
 
-int CRawColorListCtrl::RowCount() const { return rows_->rowCount(); }
+int CRawColorListCtrl::RowCount() const { return m_rows->rowCount(); }
 
 std::optional<std::size_t> CRawColorListCtrl::SelectedRow() const {
     const QItemSelection ranges = selectionModel()->selection();

@@ -28,5 +28,5 @@ protected:
 
 private:
     class Rows;
-    Rows* rows_;
+    Rows* m_rows;
 };

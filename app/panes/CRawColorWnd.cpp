@@ -26,26 +26,26 @@ QBoxLayout* captioned(const QString& caption, QWidget* list) {
 CRawColorWnd::CRawColorWnd(QWidget* parent) : QDockWidget("Raw Color List", parent) {
     setObjectName("RawColorList");
     auto* content = new QWidget(this);
-    rawList_ = new CRawColorListCtrl(lists_.raw, content);
-    referenceList_ = new CRawColorListCtrl(lists_.reference, content);
+    m_rawList = new CRawColorListCtrl(m_lists.raw, content);
+    m_referenceList = new CRawColorListCtrl(m_lists.reference, content);
     auto* sides = new QHBoxLayout;
-    sides->addLayout(captioned(" Raw colors", rawList_), 1);
-    sides->addLayout(captioned(" Reference colors", referenceList_), 1);
+    sides->addLayout(captioned(" Raw colors", m_rawList), 1);
+    sides->addLayout(captioned(" Reference colors", m_referenceList), 1);
 
-    replaceButton_ = new QPushButton("Replace/Add", content);
-    removeButton_ = new QPushButton("Remove", content);
-    clearButton_ = new QPushButton("Clear", content);
+    m_replaceButton = new QPushButton("Replace/Add", content);
+    m_removeButton = new QPushButton("Remove", content);
+    m_clearButton = new QPushButton("Clear", content);
     auto* buttons = new QHBoxLayout;
     int controlId = 6;
-    for (QPushButton* button : {replaceButton_, removeButton_, clearButton_}) {
+    for (QPushButton* button : {m_replaceButton, m_removeButton, m_clearButton}) {
         button->setProperty("controlId", controlId++);
         button->setMinimumHeight(kButtonRowHeight);
         buttons->addWidget(button, 1);
     }
-    connect(replaceButton_, &QPushButton::clicked, this, &CRawColorWnd::ReplaceOrAdd);
-    connect(removeButton_, &QPushButton::clicked, this, &CRawColorWnd::Remove);
-    connect(clearButton_, &QPushButton::clicked, this, &CRawColorWnd::Clear);
-    for (CRawColorListCtrl* list : {rawList_, referenceList_}) {
+    connect(m_replaceButton, &QPushButton::clicked, this, &CRawColorWnd::ReplaceOrAdd);
+    connect(m_removeButton, &QPushButton::clicked, this, &CRawColorWnd::Remove);
+    connect(m_clearButton, &QPushButton::clicked, this, &CRawColorWnd::Clear);
+    for (CRawColorListCtrl* list : {m_rawList, m_referenceList}) {
         connect(list, &CRawColorListCtrl::pressed, this, &CRawColorWnd::ShowSelectedEntry);
     }
 
@@ -58,39 +58,39 @@ CRawColorWnd::CRawColorWnd(QWidget* parent) : QDockWidget("Raw Color List", pare
 }
 
 void CRawColorWnd::SetViewer(CAutoROIImageViewer* viewer, int identifier) {
-    (identifier == RawColorViewerRaw ? rawViewer_ : referenceViewer_) = viewer;
+    (identifier == RawColorViewerRaw ? m_rawViewer : m_referenceViewer) = viewer;
 }
 
 void CRawColorWnd::SetEnabled(bool enabled) {
-    enabled_ = enabled;
+    m_enabled = enabled;
     ApplyDimming();
 }
 
 void CRawColorWnd::SetMode(bool relative) {
-    relative_ = relative;
+    m_relative = relative;
     Refresh();
     ApplyDimming();
 }
 
 void CRawColorWnd::ApplyDimming() {
-    rawList_->SetDimmed(!enabled_);
-    referenceList_->SetDimmed(!enabled_);
+    m_rawList->SetDimmed(!m_enabled);
+    m_referenceList->SetDimmed(!m_enabled);
     UpdateCommandState();
 }
 
 void CRawColorWnd::UpdateCommandState() {
-    const bool rawSelected = rawViewer_ && rawViewer_->IsSelected();
-    const bool referenceSelected = referenceViewer_ && referenceViewer_->IsSelected();
-    const bool usable = enabled_ && (rawSelected || (relative_ && referenceSelected));
-    for (QPushButton* button : {replaceButton_, removeButton_, clearButton_}) button->setEnabled(usable);
+    const bool rawSelected = m_rawViewer && m_rawViewer->IsSelected();
+    const bool referenceSelected = m_referenceViewer && m_referenceViewer->IsSelected();
+    const bool usable = m_enabled && (rawSelected || (m_relative && referenceSelected));
+    for (QPushButton* button : {m_replaceButton, m_removeButton, m_clearButton}) button->setEnabled(usable);
 }
 
-bool CRawColorWnd::IsRawSide() const { return rawViewer_ && rawViewer_->IsSelected(); }
-RawColorSide& CRawColorWnd::Side() { return IsRawSide() ? lists_.raw : lists_.reference; }
-CRawColorListCtrl& CRawColorWnd::SideList() { return IsRawSide() ? *rawList_ : *referenceList_; }
+bool CRawColorWnd::IsRawSide() const { return m_rawViewer && m_rawViewer->IsSelected(); }
+RawColorSide& CRawColorWnd::Side() { return IsRawSide() ? m_lists.raw : m_lists.reference; }
+CRawColorListCtrl& CRawColorWnd::SideList() { return IsRawSide() ? *m_rawList : *m_referenceList; }
 
 std::optional<RawColorEntry> CRawColorWnd::PickFromRoi() const {
-    CAutoROIImageViewer* viewer = IsRawSide() ? rawViewer_ : referenceViewer_;
+    CAutoROIImageViewer* viewer = IsRawSide() ? m_rawViewer : m_referenceViewer;
     if (!viewer) return std::nullopt;
     unsigned char bgr[3] = {};
     ViewPoint centre;
@@ -122,33 +122,33 @@ void CRawColorWnd::RemoveLast() { RemoveFromSide(std::nullopt); }
 
 void CRawColorWnd::Clear() {
     ClearCross();
-    lists_.ClearBoth();
+    m_lists.ClearBoth();
     Refresh();
 }
 
 void CRawColorWnd::FillRawColors(const CTivVector& colors) {
-    lists_.raw.Fill(colors);
+    m_lists.raw.Fill(colors);
     Refresh();
 }
 
 void CRawColorWnd::FillReferenceColors(const CTivVector& colors) {
-    lists_.reference.Fill(colors);
+    m_lists.reference.Fill(colors);
     Refresh();
 }
 
 void CRawColorWnd::ClearSide(bool rawSide) {
-    lists_.ClearForNewImage(rawSide);
+    m_lists.ClearForNewImage(rawSide);
     Refresh();
 }
 
 void CRawColorWnd::Refresh() {
-    rawList_->Refresh();
-    referenceList_->Refresh();
+    m_rawList->Refresh();
+    m_referenceList->Refresh();
 }
 
 // The cross of a row does not outlive it.
 void CRawColorWnd::ClearCross() {
-    for (CAutoROIImageViewer* viewer : {rawViewer_, referenceViewer_}) {
+    for (CAutoROIImageViewer* viewer : {m_rawViewer, m_referenceViewer}) {
         if (!viewer) continue;
         viewer->ImageOverlay().ClearCrosses();
         viewer->update();
@@ -156,13 +156,13 @@ void CRawColorWnd::ClearCross() {
 }
 
 void CRawColorWnd::ShowSelectedEntry() {
-    for (CAutoROIImageViewer* viewer : {rawViewer_, referenceViewer_}) {
+    for (CAutoROIImageViewer* viewer : {m_rawViewer, m_referenceViewer}) {
         if (viewer) viewer->ClearOverlays();
     }
-    const bool onRawSide = rawList_->SelectedRow().has_value();
-    const std::optional<std::size_t> row = onRawSide ? rawList_->SelectedRow() : referenceList_->SelectedRow();
-    const auto& entries = (onRawSide ? lists_.raw : lists_.reference).Entries();
-    CAutoROIImageViewer* viewer = onRawSide ? rawViewer_ : referenceViewer_;
+    const bool onRawSide = m_rawList->SelectedRow().has_value();
+    const std::optional<std::size_t> row = onRawSide ? m_rawList->SelectedRow() : m_referenceList->SelectedRow();
+    const auto& entries = (onRawSide ? m_lists.raw : m_lists.reference).Entries();
+    CAutoROIImageViewer* viewer = onRawSide ? m_rawViewer : m_referenceViewer;
     if (!row || *row >= entries.size() || !viewer) return;
     viewer->ImageOverlay().AddCross(entries[*row].x, entries[*row].y, kCrossColor, kCrossHalfSize);
     viewer->update();

@@ -22,19 +22,19 @@ public:
 
     void SetViewer(CAutoROIImageViewer* viewer, int identifier);
     void SetEnabled(bool enabled) override;  ///< undims or dims both lists and rules the buttons
-    bool IsEnabledForPicking() const { return enabled_; }
+    bool IsEnabledForPicking() const { return m_enabled; }
     void SetMode(bool relative) override;
-    CTivVector GetRawColors() const override { return lists_.raw.GetColors(); }
-    CTivVector GetReferenceColors() const override { return lists_.reference.GetColors(); }
+    CTivVector GetRawColors() const override { return m_lists.raw.GetColors(); }
+    CTivVector GetReferenceColors() const override { return m_lists.reference.GetColors(); }
     void FillRawColors(const CTivVector& colors) override;
     void FillReferenceColors(const CTivVector& colors) override;
     /// A new image came into a viewer: clears that viewer's side, by the lopsided rule of RawColorLists.
     void ClearSide(bool rawSide) override;
     void UpdateCommandState();  ///< enables the buttons by mode, enabled flag and selected viewer
 
-    const RawColorLists& Lists() const { return lists_; }
-    CRawColorListCtrl& RawList() { return *rawList_; }
-    CRawColorListCtrl& ReferenceList() { return *referenceList_; }
+    const RawColorLists& Lists() const { return m_lists; }
+    CRawColorListCtrl& RawList() { return *m_rawList; }
+    CRawColorListCtrl& ReferenceList() { return *m_referenceList; }
 
 public slots:
     void AddColor() override;
@@ -54,14 +54,14 @@ private:
     void ClearCross();
     void ApplyDimming();
 
-    RawColorLists lists_;
-    CAutoROIImageViewer* rawViewer_ = nullptr;
-    CAutoROIImageViewer* referenceViewer_ = nullptr;
-    bool enabled_ = false;
-    bool relative_ = false;
-    CRawColorListCtrl* rawList_;
-    CRawColorListCtrl* referenceList_;
-    QPushButton* replaceButton_;
-    QPushButton* removeButton_;
-    QPushButton* clearButton_;
+    RawColorLists m_lists;
+    CAutoROIImageViewer* m_rawViewer = nullptr;
+    CAutoROIImageViewer* m_referenceViewer = nullptr;
+    bool m_enabled = false;
+    bool m_relative = false;
+    CRawColorListCtrl* m_rawList;
+    CRawColorListCtrl* m_referenceList;
+    QPushButton* m_replaceButton;
+    QPushButton* m_removeButton;
+    QPushButton* m_clearButton;
 };

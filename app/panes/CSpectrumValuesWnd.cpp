@@ -71,12 +71,12 @@ CSpectrumValuesWnd::CSpectrumValuesWnd(QWidget* parent) : QDockWidget("User Valu
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(6, 6, 6, 6);
     layout->setSpacing(4);
-    illuminantList_ = new CIlluminantValue(content);
-    spectrumList_ = new CSpectrumValuesListCtrl(content);
+    m_illuminantList = new CIlluminantValue(content);
+    m_spectrumList = new CSpectrumValuesListCtrl(content);
     layout->addWidget(new QLabel("Illuminant Value"));
-    layout->addWidget(illuminantList_);
+    layout->addWidget(m_illuminantList);
     layout->addWidget(new QLabel("Spectrum Values"));
-    layout->addWidget(spectrumList_, 1);
+    layout->addWidget(m_spectrumList, 1);
     // In two rows: three buttons side by side would not let the pane be as narrow as it first is.
     auto* files = new QHBoxLayout;
     auto* below = new QHBoxLayout;
@@ -90,46 +90,46 @@ CSpectrumValuesWnd::CSpectrumValuesWnd(QWidget* parent) : QDockWidget("User Valu
 }
 
 CTivVector CSpectrumValuesWnd::GetSpectrumValues() const {
-    CTivVector values(spectrumList_->RowCount(), CTivData::FormatColorFloat, nullptr, true);
-    for (int row = 0; row < spectrumList_->RowCount(); ++row) {
-        const float xyz[4] = {spectrumList_->CellNumber(row, 1), spectrumList_->CellNumber(row, 2),
-                              spectrumList_->CellNumber(row, 3), 0.0f};
+    CTivVector values(m_spectrumList->RowCount(), CTivData::FormatColorFloat, nullptr, true);
+    for (int row = 0; row < m_spectrumList->RowCount(); ++row) {
+        const float xyz[4] = {m_spectrumList->CellNumber(row, 1), m_spectrumList->CellNumber(row, 2),
+                              m_spectrumList->CellNumber(row, 3), 0.0f};
         values.SetData(row, CTivData::ColorFloat(xyz));
     }
     return values;
 }
 
 std::array<float, 4> CSpectrumValuesWnd::GetIlluminantValue() const {
-    return {illuminantList_->CellNumber(0, 1), illuminantList_->CellNumber(0, 2), illuminantList_->CellNumber(0, 3),
+    return {m_illuminantList->CellNumber(0, 1), m_illuminantList->CellNumber(0, 2), m_illuminantList->CellNumber(0, 3),
             0.0f};
 }
 
 void CSpectrumValuesWnd::ShowSpectrumValues(const CTivVector& values) {
-    spectrumList_->Resize(values.GetSize());
+    m_spectrumList->Resize(values.GetSize());
     for (int row = 0; row < values.GetSize(); ++row) {
         const float* xyz = values.GetData(row).AsColorFloat();
         if (!xyz) continue;
         for (int column = 1; column < 4; ++column) {
-            spectrumList_->SetCellText(row, column, QString::asprintf("%.5f", static_cast<double>(xyz[column - 1])));
+            m_spectrumList->SetCellText(row, column, QString::asprintf("%.5f", static_cast<double>(xyz[column - 1])));
         }
     }
 }
 
 void CSpectrumValuesWnd::ShowIlluminantValue(const std::array<float, 4>& value) {
     for (int column = 1; column < 4; ++column) {
-        illuminantList_->SetCellText(0, column,
-                                     QString::number(truncated(value[static_cast<std::size_t>(column - 1)])));
+        m_illuminantList->SetCellText(0, column,
+                                      QString::number(truncated(value[static_cast<std::size_t>(column - 1)])));
     }
 }
 
 void CSpectrumValuesWnd::SetMatrixSize(int width, int height) {
-    chartSize_.Width = width;
-    chartSize_.Height = height;
+    m_chartSize.Width = width;
+    m_chartSize.Height = height;
 }
 
 void CSpectrumValuesWnd::SetEnabled(bool enabled) {
-    enabled_ = enabled;
-    for (CListCtrlEx* list : {static_cast<CListCtrlEx*>(illuminantList_), static_cast<CListCtrlEx*>(spectrumList_)}) {
+    m_enabled = enabled;
+    for (CListCtrlEx* list : {static_cast<CListCtrlEx*>(m_illuminantList), static_cast<CListCtrlEx*>(m_spectrumList)}) {
         list->SetEditable(enabled);
         list->SetDimmed(!enabled);
     }
@@ -137,13 +137,13 @@ void CSpectrumValuesWnd::SetEnabled(bool enabled) {
 
 void CSpectrumValuesWnd::ResetValues() {
     SetEnabled(false);
-    illuminantList_->Reset();
-    spectrumList_->Reset(chartSize_.Width * chartSize_.Height);
+    m_illuminantList->Reset();
+    m_spectrumList->Reset(m_chartSize.Width * m_chartSize.Height);
 }
 
 bool CSpectrumValuesWnd::AskMatrixSize() {
-    int width = chartSize_.Width;
-    int height = chartSize_.Height;
+    int width = m_chartSize.Width;
+    int height = m_chartSize.Height;
     if (!GetPrompts().EditMatrixSize(width, height)) return false;
     SetMatrixSize(width, height);
     emit matrixSizeChosen();
@@ -151,7 +151,7 @@ bool CSpectrumValuesWnd::AskMatrixSize() {
 }
 
 QString CSpectrumValuesWnd::StartPath() const {
-    return GetProfile().ReadString(kProfileSection, kProfileEntry, baseDir_ + "*.csv");
+    return GetProfile().ReadString(kProfileSection, kProfileEntry, m_baseDir + "*.csv");
 }
 
 void CSpectrumValuesWnd::LoadValues() {
@@ -165,7 +165,7 @@ void CSpectrumValuesWnd::LoadValuesFrom(const QString& path) {
     emit message("Please verify the matrix dimension of the current table before loading it's spectrum values.",
                  LogInformation);
     AskMatrixSize();  // on Cancel the size stays, and loading goes on
-    CTivVector values(chartSize_.Width * chartSize_.Height, CTivData::FormatColorFloat, nullptr, true);
+    CTivVector values(m_chartSize.Width * m_chartSize.Height, CTivData::FormatColorFloat, nullptr, true);
     if (CCSVParser().Read(path.toStdString(), values)) {
         ShowSpectrumValues(values);
     } else {
@@ -182,5 +182,6 @@ void CSpectrumValuesWnd::SaveValues() {
 
 void CSpectrumValuesWnd::EditMatrixSize() {
     AskMatrixSize();
-    spectrumList_->Resize(chartSize_.Width * chartSize_.Height);  // on Cancel too: a load that failed may have left it
+    m_spectrumList->Resize(m_chartSize.Width *
+                           m_chartSize.Height);  // on Cancel too: a load that failed may have left it
 }

@@ -42,21 +42,21 @@ public:
     void ShowSpectrumValues(const CTivVector& values) override;  ///< resizes the list; "%.5f"
     /// Shows whole numbers only, deliberately (C15): the operator keeps the fractions.
     void ShowIlluminantValue(const std::array<float, 4>& value) override;
-    ChartSize* GetChartSize() override { return &chartSize_; }
+    ChartSize* GetChartSize() override { return &m_chartSize; }
     void SetMatrixSize(int width, int height) override;
     void SetEnabled(bool enabled) override;  ///< undims and allows editing, or the reverse
-    bool IsEnabledForEditing() const { return enabled_; }
+    bool IsEnabledForEditing() const { return m_enabled; }
     void ResetValues() override;  ///< zeros for the matrix size, editing off
 
     /// The directory that the file dialogs start from while the profile names none.
-    void SetBaseDir(const QString& baseDir) { baseDir_ = baseDir; }
+    void SetBaseDir(const QString& baseDir) { m_baseDir = baseDir; }
 
     /// Reads a file into the list after asking for the matrix size, as a drop does.
     /// @throw as CCSVParser::Read; the list is then as it was
     void LoadValuesFrom(const QString& path) override;
 
-    CIlluminantValue& IlluminantList() { return *illuminantList_; }
-    CSpectrumValuesListCtrl& SpectrumList() { return *spectrumList_; }
+    CIlluminantValue& IlluminantList() { return *m_illuminantList; }
+    CSpectrumValuesListCtrl& SpectrumList() { return *m_spectrumList; }
 
 public slots:
     void LoadValues();
@@ -71,9 +71,9 @@ private:
     bool AskMatrixSize();
     QString StartPath() const;
 
-    ChartSize chartSize_;
-    bool enabled_ = false;
-    QString baseDir_;
-    CIlluminantValue* illuminantList_;
-    CSpectrumValuesListCtrl* spectrumList_;
+    ChartSize m_chartSize;
+    bool m_enabled = false;
+    QString m_baseDir;
+    CIlluminantValue* m_illuminantList;
+    CSpectrumValuesListCtrl* m_spectrumList;
 };

@@ -27,9 +27,9 @@ private:
     std::size_t Place(int row, int column) const;
     bool Holds(int row, int column) const;
 
-    QStringList headers_;
-    std::vector<QString> texts_;
-    int rows_ = 0;
-    bool numbered_;
-    bool dimmed_ = false;
+    QStringList m_headers;
+    std::vector<QString> m_texts;
+    int m_rows = 0;
+    bool m_numbered;
+    bool m_dimmed = false;
 };

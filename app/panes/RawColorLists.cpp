@@ -10,34 +10,34 @@ constexpr std::size_t kMostEntries = 0xCCCCCCC;
 }  // namespace
 
 void RawColorSide::Append(const RawColorEntry& entry, int label, bool fromFile) {
-    if (entries_.size() >= kMostEntries) throw std::length_error("list too long");
-    entries_.push_back(entry);
-    rows_.push_back({label, images_.size(), fromFile ? 0 : images_.size()});
-    images_.push_back(entry.color);
+    if (m_entries.size() >= kMostEntries) throw std::length_error("list too long");
+    m_entries.push_back(entry);
+    m_rows.push_back({label, m_images.size(), fromFile ? 0 : m_images.size()});
+    m_images.push_back(entry.color);
 }
 
-void RawColorSide::Add(const RawColorEntry& entry) { Append(entry, static_cast<int>(rows_.size()) + 1, false); }
+void RawColorSide::Add(const RawColorEntry& entry) { Append(entry, static_cast<int>(m_rows.size()) + 1, false); }
 
 void RawColorSide::ReplaceOrAdd(std::optional<std::size_t> selected, const RawColorEntry& entry) {
-    if (!selected || *selected >= std::min(rows_.size(), entries_.size())) return Add(entry);
-    const std::size_t image = rows_[*selected].itemData;
-    if (image < images_.size()) images_[image] = entry.color;
-    entries_[*selected] = entry;
+    if (!selected || *selected >= std::min(m_rows.size(), m_entries.size())) return Add(entry);
+    const std::size_t image = m_rows[*selected].itemData;
+    if (image < m_images.size()) m_images[image] = entry.color;
+    m_entries[*selected] = entry;
 }
 
 std::optional<std::size_t> RawColorSide::Remove(std::optional<std::size_t> selected) {
-    if (selected && *selected < std::min(rows_.size(), entries_.size())) {
+    if (selected && *selected < std::min(m_rows.size(), m_entries.size())) {
         const auto at = static_cast<std::ptrdiff_t>(*selected);
-        rows_.erase(rows_.begin() + at);
-        entries_.erase(entries_.begin() + at);
-        for (std::size_t i = *selected; i < rows_.size(); ++i) rows_[i].label = static_cast<int>(i) + 1;
+        m_rows.erase(m_rows.begin() + at);
+        m_entries.erase(m_entries.begin() + at);
+        for (std::size_t i = *selected; i < m_rows.size(); ++i) m_rows[i].label = static_cast<int>(i) + 1;
         return selected;
     }
-    if (rows_.empty() || images_.empty()) return std::nullopt;
-    rows_.pop_back();
-    images_.pop_back();
-    if (!entries_.empty()) entries_.pop_back();
-    return rows_.size();
+    if (m_rows.empty() || m_images.empty()) return std::nullopt;
+    m_rows.pop_back();
+    m_images.pop_back();
+    if (!m_entries.empty()) m_entries.pop_back();
+    return m_rows.size();
 }
 
 void RawColorSide::Fill(const CTivVector& colors) {
@@ -45,11 +45,11 @@ void RawColorSide::Fill(const CTivVector& colors) {
 }
 
 void RawColorSide::ClearRows() {
-    images_.clear();
-    rows_.clear();
+    m_images.clear();
+    m_rows.clear();
 }
 
-void RawColorSide::ClearEntries() { entries_.clear(); }
+void RawColorSide::ClearEntries() { m_entries.clear(); }
 
 void RawColorSide::Clear() {
     ClearRows();
@@ -57,9 +57,9 @@ void RawColorSide::Clear() {
 }
 
 CTivVector RawColorSide::GetColors() const {
-    CTivVector colors(static_cast<int>(entries_.size()), CTivData::FormatRgb, nullptr, true);
-    for (std::size_t i = 0; i < entries_.size(); ++i) {
-        colors.SetData(static_cast<int>(i), CTivData(CTivData::FormatRgb, entries_[i].color));
+    CTivVector colors(static_cast<int>(m_entries.size()), CTivData::FormatRgb, nullptr, true);
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
+        colors.SetData(static_cast<int>(i), CTivData(CTivData::FormatRgb, m_entries[i].color));
     }
     return colors;
 }

@@ -42,16 +42,16 @@ public:
 
     /// @return FormatRgb, one element an entry, in list order; empty without entries
     CTivVector GetColors() const;
-    const std::vector<Row>& Rows() const { return rows_; }
-    const std::vector<std::uint32_t>& Images() const { return images_; }
-    const std::vector<RawColorEntry>& Entries() const { return entries_; }
+    const std::vector<Row>& Rows() const { return m_rows; }
+    const std::vector<std::uint32_t>& Images() const { return m_images; }
+    const std::vector<RawColorEntry>& Entries() const { return m_entries; }
 
 private:
     void Append(const RawColorEntry& entry, int label, bool fromFile);
 
-    std::vector<std::uint32_t> images_;  // a swatch is its color
-    std::vector<Row> rows_;
-    std::vector<RawColorEntry> entries_;
+    std::vector<std::uint32_t> m_images;  // a swatch is its color
+    std::vector<Row> m_rows;
+    std::vector<RawColorEntry> m_entries;
 };
 
 /// Both sides and the rules that reach across them.

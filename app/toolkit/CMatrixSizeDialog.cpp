@@ -19,16 +19,16 @@ QSpinBox* patchCount(int value) {
 }  // namespace
 
 CMatrixSizeDialog::CMatrixSizeDialog(int width, int height, QWidget* parent)
-    : QDialog(parent), width_(patchCount(width)), height_(patchCount(height)) {
+    : QDialog(parent), m_width(patchCount(width)), m_height(patchCount(height)) {
     setWindowTitle("Matrix Size");
     auto* form = new QFormLayout(this);
-    form->addRow("Width", width_);
-    form->addRow("Height", height_);
+    form->addRow("Width", m_width);
+    form->addRow("Height", m_height);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     form->addRow(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
-int CMatrixSizeDialog::Width() const { return width_->value(); }
-int CMatrixSizeDialog::Height() const { return height_->value(); }
+int CMatrixSizeDialog::Width() const { return m_width->value(); }
+int CMatrixSizeDialog::Height() const { return m_height->value(); }

@@ -13,6 +13,6 @@ public:
     int Height() const;
 
 private:
-    QSpinBox* width_;
-    QSpinBox* height_;
+    QSpinBox* m_width;
+    QSpinBox* m_height;
 };

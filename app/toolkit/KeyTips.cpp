@@ -24,11 +24,11 @@ struct KeyTips::Spot {
     Qt::Alignment tip;
 };
 
-KeyTips::KeyTips(RibbonBar& bar) : QObject(&bar), bar_(bar) { qApp->installEventFilter(this); }
+KeyTips::KeyTips(RibbonBar& bar) : QObject(&bar), m_bar(bar) { qApp->installEventFilter(this); }
 
 bool KeyTips::IsOwnWindow() const {
     const QWidget* active = QApplication::activeWindow();
-    return active && active == bar_.window() && !QApplication::activeModalWidget();
+    return active && active == m_bar.window() && !QApplication::activeModalWidget();
 }
 
 bool KeyTips::eventFilter(QObject* watched, QEvent* event) {
@@ -50,7 +50,7 @@ bool KeyTips::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonPress:
         case QEvent::Wheel:
         case QEvent::WindowDeactivate:
-            armed_ = false;
+            m_armed = false;
             if (IsShowing()) End();
             return false;
         default:
@@ -62,17 +62,17 @@ bool KeyTips::WatchAlt(QEvent* event) {
     const auto* key = static_cast<QKeyEvent*>(event);
     if (key->isAutoRepeat()) return false;
     if (event->type() == QEvent::KeyPress) {
-        armed_ = key->key() == Qt::Key_Alt && IsOwnWindow();
+        m_armed = key->key() == Qt::Key_Alt && IsOwnWindow();
         return false;
     }
-    if (!armed_ || key->key() != Qt::Key_Alt) return false;
-    armed_ = false;
+    if (!m_armed || key->key() != Qt::Key_Alt) return false;
+    m_armed = false;
     ShowTop();
     return true;
 }
 
 bool KeyTips::HandleKey(int key, const QString& text) {
-    if (key == Qt::Key_Escape && !onTop_) {
+    if (key == Qt::Key_Escape && !m_onTop) {
         ShowTop();
         return true;
     }
@@ -80,15 +80,15 @@ bool KeyTips::HandleKey(int key, const QString& text) {
         End();
         return true;
     }
-    typed_ += text.toUpper();
-    const std::vector<Shown> candidates = shown_;
+    m_typed += text.toUpper();
+    const std::vector<Shown> candidates = m_shown;
     bool anyLeft = false;
     for (const Shown& shown : candidates) {
-        if (shown.target.keyTip == typed_) {
+        if (shown.target.keyTip == m_typed) {
             Choose(shown.target);
             return true;
         }
-        const bool fits = shown.target.keyTip.startsWith(typed_);
+        const bool fits = shown.target.keyTip.startsWith(m_typed);
         if (shown.label) shown.label->setVisible(fits);
         anyLeft = anyLeft || fits;
     }
@@ -98,7 +98,7 @@ bool KeyTips::HandleKey(int key, const QString& text) {
 
 void KeyTips::Choose(const RibbonBody::Target& target) {
     const std::function<void()> activate = target.activate;
-    const bool wasTop = onTop_;
+    const bool wasTop = m_onTop;
     const bool isTab = wasTop && !target.widget;
     End();
     activate();
@@ -106,27 +106,27 @@ void KeyTips::Choose(const RibbonBody::Target& target) {
         ShowPage();
         return;
     }
-    for (RibbonPanel* panel : bar_.CurrentPage().Panels()) {
+    for (RibbonPanel* panel : m_bar.CurrentPage().Panels()) {
         if (panel->IsDroppedDown()) ShowPage();
     }
 }
 
 void KeyTips::ShowTop() {
     End();
-    onTop_ = true;
+    m_onTop = true;
     int tab = 0;
-    for (const RibbonBody::Target& target : bar_.TopTargets()) {
-        const QRect place = target.widget ? QRect(target.widget->mapTo(&bar_, QPoint(0, 0)), target.widget->size())
-                                          : bar_.TabRect(tab++);
+    for (const RibbonBody::Target& target : m_bar.TopTargets()) {
+        const QRect place = target.widget ? QRect(target.widget->mapTo(&m_bar, QPoint(0, 0)), target.widget->size())
+                                          : m_bar.TabRect(tab++);
         const QPoint below(place.center().x(), place.bottom() - kOverEdge);
-        Show(target, bar_.window(), {bar_.mapTo(bar_.window(), below), Qt::AlignHCenter | Qt::AlignTop});
+        Show(target, m_bar.window(), {m_bar.mapTo(m_bar.window(), below), Qt::AlignHCenter | Qt::AlignTop});
     }
 }
 
 // The tips of the current tab; while a panel is dropped down, that panel's alone.
 void KeyTips::ShowPage() {
     End();
-    const std::vector<RibbonPanel*>& panels = bar_.CurrentPage().Panels();
+    const std::vector<RibbonPanel*>& panels = m_bar.CurrentPage().Panels();
     const RibbonPanel* dropped = nullptr;
     for (const RibbonPanel* panel : panels) {
         if (panel->IsDroppedDown()) dropped = panel;
@@ -165,17 +165,17 @@ void KeyTips::Show(const RibbonBody::Target& target, QWidget* window, const Spot
     label->move(corner);
     label->show();
     label->raise();
-    shown_.push_back({target, label});
+    m_shown.push_back({target, label});
 }
 
 void KeyTips::End() {
-    for (const Shown& shown : shown_) {
+    for (const Shown& shown : m_shown) {
         if (shown.label) shown.label->deleteLater();
     }
-    for (const Shown& shown : shown_) {
+    for (const Shown& shown : m_shown) {
         if (shown.label) shown.label->hide();
     }
-    shown_.clear();
-    typed_.clear();
-    onTop_ = false;
+    m_shown.clear();
+    m_typed.clear();
+    m_onTop = false;
 }

@@ -15,7 +15,7 @@ class KeyTips : public QObject {
     Q_OBJECT
 public:
     explicit KeyTips(RibbonBar& bar);  ///< becomes the bar's child
-    bool IsShowing() const { return !shown_.empty(); }
+    bool IsShowing() const { return !m_shown.empty(); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -37,9 +37,9 @@ private:
     void Choose(const RibbonBody::Target& target);
     bool IsOwnWindow() const;
 
-    RibbonBar& bar_;
-    std::vector<Shown> shown_;
-    QString typed_;
-    bool armed_ = false;  // Alt is down and nothing came between
-    bool onTop_ = false;
+    RibbonBar& m_bar;
+    std::vector<Shown> m_shown;
+    QString m_typed;
+    bool m_armed = false;  // Alt is down and nothing came between
+    bool m_onTop = false;
 };

@@ -51,19 +51,19 @@ int limitedShift(int by, int boundLow, int boundHigh, int low, int high) {
 }  // namespace
 
 ViewRect RectTracker::HandleRect(Hit handle) const {
-    const auto [left, right] = handleSpan(handleOf(handle).horizontal, rect_.left, rect_.right);
-    const auto [top, bottom] = handleSpan(handleOf(handle).vertical, rect_.top, rect_.bottom);
+    const auto [left, right] = handleSpan(handleOf(handle).horizontal, m_rect.left, m_rect.right);
+    const auto [top, bottom] = handleSpan(handleOf(handle).vertical, m_rect.top, m_rect.bottom);
     return {left, top, right, bottom};
 }
 
 RectTracker::Hit RectTracker::HitTest(ViewPoint point) const {
-    if (rect_.IsEmpty()) return Hit::Nothing;
-    if (style_ & ResizeInside) {
+    if (m_rect.IsEmpty()) return Hit::Nothing;
+    if (m_style & ResizeInside) {
         for (const Hit hit : kCornersFirst) {
             if (HandleRect(hit).Covers(point)) return hit;
         }
     }
-    return rect_.Covers(point) ? Hit::Middle : Hit::Nothing;
+    return m_rect.Covers(point) ? Hit::Middle : Hit::Nothing;
 }
 
 RectTracker::Cursor RectTracker::CursorFor(Hit hit) {
@@ -72,32 +72,32 @@ RectTracker::Cursor RectTracker::CursorFor(Hit hit) {
 }
 
 bool RectTracker::Begin(ViewPoint point) {
-    hit_ = HitTest(point);
-    pointAtBegin_ = point;
-    rectAtBegin_ = rect_;
+    m_hit = HitTest(point);
+    m_pointAtBegin = point;
+    m_rectAtBegin = m_rect;
     return IsFollowing();
 }
 
 void RectTracker::Follow(ViewPoint point, const ViewRect& bounds) {
     if (!IsFollowing()) return;
-    const int dx = point.x - pointAtBegin_.x, dy = point.y - pointAtBegin_.y;
-    rect_ = rectAtBegin_;
-    if (hit_ == Hit::Middle) {
-        rect_ = rect_.Moved(limitedShift(dx, bounds.left, bounds.right, rect_.left, rect_.right),
-                            limitedShift(dy, bounds.top, bounds.bottom, rect_.top, rect_.bottom));
+    const int dx = point.x - m_pointAtBegin.x, dy = point.y - m_pointAtBegin.y;
+    m_rect = m_rectAtBegin;
+    if (m_hit == Hit::Middle) {
+        m_rect = m_rect.Moved(limitedShift(dx, bounds.left, bounds.right, m_rect.left, m_rect.right),
+                              limitedShift(dy, bounds.top, bounds.bottom, m_rect.top, m_rect.bottom));
     } else {
-        dragEdge(handleOf(hit_).horizontal, dx, bounds.left, bounds.right, rect_.left, rect_.right);
-        dragEdge(handleOf(hit_).vertical, dy, bounds.top, bounds.bottom, rect_.top, rect_.bottom);
+        dragEdge(handleOf(m_hit).horizontal, dx, bounds.left, bounds.right, m_rect.left, m_rect.right);
+        dragEdge(handleOf(m_hit).vertical, dy, bounds.top, bounds.bottom, m_rect.top, m_rect.bottom);
     }
 }
 
 bool RectTracker::End() {
-    const bool changed = IsFollowing() && rect_ != rectAtBegin_;
-    hit_ = Hit::Nothing;
+    const bool changed = IsFollowing() && m_rect != m_rectAtBegin;
+    m_hit = Hit::Nothing;
     return changed;
 }
 
 void RectTracker::Cancel() {
-    if (IsFollowing()) rect_ = rectAtBegin_;
-    hit_ = Hit::Nothing;
+    if (IsFollowing()) m_rect = m_rectAtBegin;
+    m_hit = Hit::Nothing;
 }

@@ -17,10 +17,10 @@ public:
     /// Which pointer tells what a drag from a place would do.
     enum class Cursor { Arrow, Move, Horizontal, Vertical, FallingDiagonal, RisingDiagonal };
 
-    void SetStyle(int style) { style_ = style; }
-    int GetStyle() const { return style_; }
-    void SetRect(const ViewRect& rect) { rect_ = rect; }
-    const ViewRect& GetRect() const { return rect_; }
+    void SetStyle(int style) { m_style = style; }
+    int GetStyle() const { return m_style; }
+    void SetRect(const ViewRect& rect) { m_rect = rect; }
+    const ViewRect& GetRect() const { return m_rect; }
 
     /// @return the handle under a point (with ResizeInside only; a corner before the sides where they overlap), Middle
     ///         for the rest of the rectangle
@@ -37,12 +37,12 @@ public:
     /// Ends following. @return whether the rectangle is another one than at the beginning
     bool End();
     void Cancel();  ///< ends following and puts the rectangle back
-    bool IsFollowing() const { return hit_ != Hit::Nothing; }
+    bool IsFollowing() const { return m_hit != Hit::Nothing; }
 
 private:
-    ViewRect rect_;
-    ViewRect rectAtBegin_;
-    ViewPoint pointAtBegin_;
-    Hit hit_ = Hit::Nothing;
-    int style_ = NoStyle;
+    ViewRect m_rect;
+    ViewRect m_rectAtBegin;
+    ViewPoint m_pointAtBegin;
+    Hit m_hit = Hit::Nothing;
+    int m_style = NoStyle;
 };

@@ -19,15 +19,15 @@
 #include "app/toolkit/Theme.h"
 
 RibbonBar::RibbonBar(const ribbon::Layout& layout, const RibbonActions& actions, QWidget* parent)
-    : QWidget(parent), layout_(layout), pages_(new QStackedWidget(this)) {
+    : QWidget(parent), m_layout(layout), m_pages(new QStackedWidget(this)) {
     setAutoFillBackground(true);
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 1);
     rows->setSpacing(0);
     rows->addWidget(MakeTopRow(actions));
-    rows->addWidget(pages_);
+    rows->addWidget(m_pages);
     for (const ribbon::Tab& tab : layout.tabs) AddPage(tab, actions);
-    connect(tabs_, &QTabBar::currentChanged, pages_, &QStackedWidget::setCurrentIndex);
+    connect(m_tabs, &QTabBar::currentChanged, m_pages, &QStackedWidget::setCurrentIndex);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     new KeyTips(*this);
 }
@@ -38,80 +38,80 @@ QWidget* RibbonBar::MakeTopRow(const RibbonActions& actions) {
     places->setContentsMargins(0, 0, 4, 0);
     places->setSpacing(0);
 
-    fileMenu_ = new RibbonFileMenu(layout_, actions, this);
-    connect(fileMenu_, &RibbonFileMenu::recentChosen, this, &RibbonBar::recentChosen);
-    file_ = new QToolButton(row);
-    file_->setObjectName("ribbonFile");
-    file_->setText(layout_.fileTitle);
-    file_->setMenu(fileMenu_);
-    file_->setPopupMode(QToolButton::InstantPopup);
-    file_->setFocusPolicy(Qt::TabFocus);
-    places->addWidget(file_);
+    m_fileMenu = new RibbonFileMenu(m_layout, actions, this);
+    connect(m_fileMenu, &RibbonFileMenu::recentChosen, this, &RibbonBar::recentChosen);
+    m_file = new QToolButton(row);
+    m_file->setObjectName("ribbonFile");
+    m_file->setText(m_layout.fileTitle);
+    m_file->setMenu(m_fileMenu);
+    m_file->setPopupMode(QToolButton::InstantPopup);
+    m_file->setFocusPolicy(Qt::TabFocus);
+    places->addWidget(m_file);
 
-    tabs_ = new QTabBar(row);
-    tabs_->setObjectName("ribbonTabs");
-    tabs_->setDrawBase(false);
-    tabs_->setExpanding(false);
-    places->addWidget(tabs_);
+    m_tabs = new QTabBar(row);
+    m_tabs->setObjectName("ribbonTabs");
+    m_tabs->setDrawBase(false);
+    m_tabs->setExpanding(false);
+    places->addWidget(m_tabs);
     places->addStretch();
 
-    help_ = new QToolButton(row);
-    help_->setObjectName("ribbonHelp");
-    help_->setDefaultAction(actions(layout_.helpId));
-    help_->setPopupMode(QToolButton::MenuButtonPopup);
-    help_->setFocusPolicy(Qt::TabFocus);
-    auto* helpMenu = new QMenu(help_);
-    for (const int id : layout_.helpMenuIds) helpMenu->addAction(actions(id));
-    help_->setMenu(helpMenu);
-    places->addWidget(help_);
-    for (QToolButton* button : {file_, help_}) button->installEventFilter(this);
+    m_help = new QToolButton(row);
+    m_help->setObjectName("ribbonHelp");
+    m_help->setDefaultAction(actions(m_layout.helpId));
+    m_help->setPopupMode(QToolButton::MenuButtonPopup);
+    m_help->setFocusPolicy(Qt::TabFocus);
+    auto* helpMenu = new QMenu(m_help);
+    for (const int id : m_layout.helpMenuIds) helpMenu->addAction(actions(id));
+    m_help->setMenu(helpMenu);
+    places->addWidget(m_help);
+    for (QToolButton* button : {m_file, m_help}) button->installEventFilter(this);
     return row;
 }
 
 void RibbonBar::AddPage(const ribbon::Tab& tab, const RibbonActions& actions) {
-    tabs_->addTab(tab.title);
-    auto* page = new RibbonPage(tab, actions, pages_);
-    pages_->addWidget(page);
+    m_tabs->addTab(tab.title);
+    auto* page = new RibbonPage(tab, actions, m_pages);
+    m_pages->addWidget(page);
     for (RibbonPanel* panel : page->Panels()) {
         RibbonBody& body = panel->Body();
         connect(&body, &RibbonBody::edited, this, &RibbonBar::edited);
         connect(&body, &RibbonBody::slid, this, &RibbonBar::slid);
-        for (const auto& [id, edit] : body.Edits()) edits_[id] = edit;
-        for (const auto& [id, slider] : body.Sliders()) sliders_[id] = slider;
+        for (const auto& [id, edit] : body.Edits()) m_edits[id] = edit;
+        for (const auto& [id, slider] : body.Sliders()) m_sliders[id] = slider;
     }
 }
 
 void RibbonBar::SetEditText(int id, const QString& text) {
-    if (const auto found = edits_.find(id); found != edits_.end()) found->second->ShowText(text);
+    if (const auto found = m_edits.find(id); found != m_edits.end()) found->second->ShowText(text);
 }
 
 QString RibbonBar::EditText(int id) const {
-    const auto found = edits_.find(id);
-    return found != edits_.end() ? found->second->text() : QString();
+    const auto found = m_edits.find(id);
+    return found != m_edits.end() ? found->second->text() : QString();
 }
 
 void RibbonBar::CommitPendingEdits() {
-    for (const auto& [id, edit] : edits_) edit->CommitPending();
+    for (const auto& [id, edit] : m_edits) edit->CommitPending();
 }
 
 void RibbonBar::DropPendingEdits() {
-    for (const auto& [id, edit] : edits_) edit->DropPending();
+    for (const auto& [id, edit] : m_edits) edit->DropPending();
 }
 
 void RibbonBar::SetSliderValue(int id, int value) {
-    if (const auto found = sliders_.find(id); found != sliders_.end()) found->second->ShowValue(value);
+    if (const auto found = m_sliders.find(id); found != m_sliders.end()) found->second->ShowValue(value);
 }
 
 int RibbonBar::SliderValue(int id) const {
-    const auto found = sliders_.find(id);
-    return found != sliders_.end() ? found->second->value() : 0;
+    const auto found = m_sliders.find(id);
+    return found != m_sliders.end() ? found->second->value() : 0;
 }
 
-void RibbonBar::SetRecentDocuments(const QStringList& paths) { fileMenu_->SetRecentDocuments(paths); }
+void RibbonBar::SetRecentDocuments(const QStringList& paths) { m_fileMenu->SetRecentDocuments(paths); }
 
-void RibbonBar::SelectTab(int index) { tabs_->setCurrentIndex(index); }
+void RibbonBar::SelectTab(int index) { m_tabs->setCurrentIndex(index); }
 
-void RibbonBar::OpenFileMenu() { file_->showMenu(); }
+void RibbonBar::OpenFileMenu() { m_file->showMenu(); }
 
 void RibbonBar::OpenMenuOf(int id) {
     QMenu* hidden = nullptr;  // in a panel's drop-down that the press has closed
@@ -124,26 +124,26 @@ void RibbonBar::OpenMenuOf(int id) {
     if (hidden) hidden->popup(QCursor::pos());
 }
 
-RibbonPage& RibbonBar::CurrentPage() { return static_cast<RibbonPage&>(*pages_->currentWidget()); }
+RibbonPage& RibbonBar::CurrentPage() { return static_cast<RibbonPage&>(*m_pages->currentWidget()); }
 
 QRect RibbonBar::TabRect(int index) const {
-    const QRect rect = tabs_->tabRect(index);
-    return {tabs_->mapTo(this, rect.topLeft()), rect.size()};
+    const QRect rect = m_tabs->tabRect(index);
+    return {m_tabs->mapTo(this, rect.topLeft()), rect.size()};
 }
 
 std::vector<RibbonBody::Target> RibbonBar::TopTargets() {
-    std::vector<RibbonBody::Target> targets{{layout_.fileKeyTip, file_, [this] { OpenFileMenu(); }}};
-    for (std::size_t i = 0; i < layout_.tabs.size(); ++i) {
-        targets.push_back({layout_.tabs[i].keyTip, nullptr, [this, i] { SelectTab(static_cast<int>(i)); }});
+    std::vector<RibbonBody::Target> targets{{m_layout.fileKeyTip, m_file, [this] { OpenFileMenu(); }}};
+    for (std::size_t i = 0; i < m_layout.tabs.size(); ++i) {
+        targets.push_back({m_layout.tabs[i].keyTip, nullptr, [this, i] { SelectTab(static_cast<int>(i)); }});
     }
-    targets.push_back({layout_.helpKeyTip, help_, [this] { help_->showMenu(); }});
+    targets.push_back({m_layout.helpKeyTip, m_help, [this] { m_help->showMenu(); }});
     return targets;
 }
 
 void RibbonBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), theme::Now().surface);
-    painter.fillRect(0, 0, width(), pages_->y(), theme::Now().window);
+    painter.fillRect(0, 0, width(), m_pages->y(), theme::Now().window);
     painter.fillRect(0, height() - 1, width(), 1, theme::Now().border);
 }
 
@@ -158,7 +158,7 @@ bool RibbonBar::eventFilter(QObject* watched, QEvent* event) {
         for (RibbonPanel* panel : CurrentPage().Panels()) panel->CloseDropDown();
     }
     const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
-    if (isKey && (watched == file_ || watched == help_)) {
+    if (isKey && (watched == m_file || watched == m_help)) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             event->accept();

@@ -59,12 +59,12 @@ private:
     QWidget* MakeTopRow(const RibbonActions& actions);
     void AddPage(const ribbon::Tab& tab, const RibbonActions& actions);
 
-    const ribbon::Layout& layout_;
-    QToolButton* file_ = nullptr;
-    RibbonFileMenu* fileMenu_ = nullptr;
-    QTabBar* tabs_ = nullptr;
-    QToolButton* help_ = nullptr;
-    QStackedWidget* pages_ = nullptr;
-    std::map<int, RibbonEdit*> edits_;
-    std::map<int, RibbonSlider*> sliders_;
+    const ribbon::Layout& m_layout;
+    QToolButton* m_file = nullptr;
+    RibbonFileMenu* m_fileMenu = nullptr;
+    QTabBar* m_tabs = nullptr;
+    QToolButton* m_help = nullptr;
+    QStackedWidget* m_pages = nullptr;
+    std::map<int, RibbonEdit*> m_edits;
+    std::map<int, RibbonSlider*> m_sliders;
 };

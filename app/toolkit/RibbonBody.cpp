@@ -61,7 +61,7 @@ struct RibbonBody::Flowing {
 };
 
 RibbonBody::RibbonBody(const ribbon::Panel& panel, const RibbonActions& actions, QWidget* parent) : QWidget(parent) {
-    controls_.reserve(panel.items.size());
+    m_controls.reserve(panel.items.size());
     for (const ribbon::Item& item : panel.items) Add(item, actions);
 }
 
@@ -72,7 +72,7 @@ void RibbonBody::Add(const ribbon::Item& item, const RibbonActions& actions) {
             AddButton(item, actions);
             break;
         case ribbon::Kind::CheckBox:
-            controls_.push_back({&item, makeCheckBox(actions(item.id), this)});
+            m_controls.push_back({&item, makeCheckBox(actions(item.id), this)});
             break;
         case ribbon::Kind::Field:
             AddField(item, actions);
@@ -81,10 +81,10 @@ void RibbonBody::Add(const ribbon::Item& item, const RibbonActions& actions) {
             AddSlider(item, actions);
             break;
         case ribbon::Kind::Separator:
-            controls_.push_back({&item, makeSeparator(this)});
+            m_controls.push_back({&item, makeSeparator(this)});
             break;
         case ribbon::Kind::NewColumn:
-            controls_.push_back({&item, nullptr});
+            m_controls.push_back({&item, nullptr});
             break;
     }
 }
@@ -101,7 +101,7 @@ void RibbonBody::AddButton(const ribbon::Item& item, const RibbonActions& action
         }
     }
     if (item.menu != ribbon::Menu::Whole) tellDone(actions(item.id));
-    controls_.push_back({&item, button, button});
+    m_controls.push_back({&item, button, button});
 }
 
 void RibbonBody::AddField(const ribbon::Item& item, const RibbonActions& actions) {
@@ -110,7 +110,7 @@ void RibbonBody::AddField(const ribbon::Item& item, const RibbonActions& actions
     if (field->Slider()) {
         connect(field->Slider(), &RibbonSlider::moved, this, [this, id = item.sliderId] { emit slid(id); });
     }
-    controls_.push_back({&item, field, nullptr, field});
+    m_controls.push_back({&item, field, nullptr, field});
 }
 
 void RibbonBody::AddSlider(const ribbon::Item& item, const RibbonActions& actions) {
@@ -118,7 +118,7 @@ void RibbonBody::AddSlider(const ribbon::Item& item, const RibbonActions& action
     slider->setAccessibleName(actions(item.id)->text());
     FollowAction(slider, actions(item.id));
     connect(slider, &RibbonSlider::moved, this, [this, id = item.id] { emit slid(id); });
-    controls_.push_back({&item, slider});
+    m_controls.push_back({&item, slider});
 }
 
 QSize RibbonBody::Flow(RibbonForm form, bool apply) {
@@ -128,11 +128,11 @@ QSize RibbonBody::Flow(RibbonForm form, bool apply) {
                  .rowHeight = 0,
                  .rows = {}};
     flow.rowHeight = flow.height / static_cast<int>(kRowsInColumn);
-    for (std::size_t i = 0; i < controls_.size(); ++i) {
-        const Control& control = controls_[i];
+    for (std::size_t i = 0; i < m_controls.size(); ++i) {
+        const Control& control = m_controls[i];
         if (control.item->kind == ribbon::Kind::Large) {
             std::size_t count = 1;
-            while (i + count < controls_.size() && controls_[i + count].item->kind == ribbon::Kind::Large) ++count;
+            while (i + count < m_controls.size() && m_controls[i + count].item->kind == ribbon::Kind::Large) ++count;
             FlowLarge(flow, i, count);
             i += count - 1;
         } else if (control.item->kind == ribbon::Kind::NewColumn) {
@@ -151,7 +151,7 @@ QSize RibbonBody::Flow(RibbonForm form, bool apply) {
 
 // A run of large buttons turns into rows in the compact form, where that is narrower.
 void RibbonBody::FlowLarge(Flowing& flow, std::size_t first, std::size_t count) const {
-    const auto run = std::span(controls_).subspan(first, count);
+    const auto run = std::span(m_controls).subspan(first, count);
     int large = 0;
     int small = 0;
     for (std::size_t i = 0; i < count; i += kRowsInColumn) {
@@ -223,7 +223,7 @@ void RibbonBody::EndColumn(Flowing& flow) const {
 
 std::vector<std::pair<int, RibbonEdit*>> RibbonBody::Edits() const {
     std::vector<std::pair<int, RibbonEdit*>> edits;
-    for (const Control& control : controls_) {
+    for (const Control& control : m_controls) {
         if (control.field) edits.emplace_back(control.item->id, &control.field->Edit());
     }
     return edits;
@@ -231,7 +231,7 @@ std::vector<std::pair<int, RibbonEdit*>> RibbonBody::Edits() const {
 
 std::vector<std::pair<int, RibbonSlider*>> RibbonBody::Sliders() const {
     std::vector<std::pair<int, RibbonSlider*>> sliders;
-    for (const Control& control : controls_) {
+    for (const Control& control : m_controls) {
         if (auto* alone = qobject_cast<RibbonSlider*>(control.widget)) sliders.emplace_back(control.item->id, alone);
         if (control.field && control.field->Slider()) {
             sliders.emplace_back(control.item->sliderId, control.field->Slider());
@@ -242,7 +242,7 @@ std::vector<std::pair<int, RibbonSlider*>> RibbonBody::Sliders() const {
 
 std::vector<RibbonBody::Target> RibbonBody::Targets() const {
     std::vector<Target> targets;
-    for (const Control& control : controls_) {
+    for (const Control& control : m_controls) {
         const QString keyTip = control.item->keyTip;
         if (keyTip.isEmpty() || !control.widget || !control.widget->isEnabled()) continue;
         if (RibbonButton* button = control.button) {

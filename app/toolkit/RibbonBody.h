@@ -61,5 +61,5 @@ private:
     void EndColumn(Flowing& flow) const;
     int SliderWidth(const ribbon::Item& item, RibbonForm form) const;
 
-    std::vector<Control> controls_;
+    std::vector<Control> m_controls;
 };

@@ -72,7 +72,7 @@ RibbonButton::RibbonButton(QAction* action, QWidget* parent) : QToolButton(paren
 }
 
 void RibbonButton::SetLarge(bool large) {
-    large_ = large;
+    m_large = large;
     updateGeometry();
 }
 
@@ -80,13 +80,13 @@ void RibbonButton::SetMenu(QMenu* menu, ribbon::Menu use) {
     menu->setParent(this, menu->windowFlags());
     setMenu(menu);
     connect(menu, &QMenu::aboutToHide, this, [this] { update(); });
-    menuUse_ = use;
+    m_menuUse = use;
     setPopupMode(use == ribbon::Menu::Whole ? InstantPopup : DelayedPopup);
     SetArrow(true);
 }
 
 void RibbonButton::SetArrow(bool arrow) {
-    arrow_ = arrow;
+    m_arrow = arrow;
     update();
 }
 
@@ -103,12 +103,12 @@ QSize RibbonButton::SizeFor(bool large) const {
     const QFontMetrics metrics = fontMetrics();
     const auto widthOf = [&](const QString& text) { return metrics.horizontalAdvance(text); };
     if (!large) {
-        const int arrow = arrow_ ? kGap + kArrow : 0;
+        const int arrow = m_arrow ? kGap + kArrow : 0;
         return {kPadding + kSmallPicture + kGap + widthOf(Caption()) + arrow + kPadding, RowHeight(metrics)};
     }
     const QStringList lines = BalanceCaption(Caption(), widthOf);
     int width = widthOf(lines.constFirst());
-    if (lines.size() > 1) width = std::max(width, widthOf(lines[1]) + (arrow_ ? kGap + kArrow : 0));
+    if (lines.size() > 1) width = std::max(width, widthOf(lines[1]) + (m_arrow ? kGap + kArrow : 0));
     return {std::max(width + 2 * kPadding, kLeastLargeWidth), BodyHeight(metrics)};
 }
 
@@ -119,7 +119,7 @@ int RibbonButton::LargePictureBottom() { return kLargeTop + kLargePicture; }
 bool RibbonButton::IsUnderPointer() const { return underMouse() && rect().contains(mapFromGlobal(QCursor::pos())); }
 
 QRect RibbonButton::ArrowZone() const {
-    if (large_) return rect().adjusted(0, kLargeTop + kLargePicture + kLargeTextTop / 2, 0, 0);
+    if (m_large) return rect().adjusted(0, kLargeTop + kLargePicture + kLargeTextTop / 2, 0, 0);
     return rect().adjusted(width() - kPadding - kArrow - kGap, 0, 0, 0);
 }
 
@@ -133,8 +133,8 @@ void RibbonButton::paintEvent(QPaintEvent*) {
         } else if (IsUnderPointer()) {
             fill(painter, rect(),
                  isChecked() ? theme::Now().pressed : theme::Now().hover);  // lit, also where it is checked
-            if (menuUse_ == ribbon::Menu::Split) {
-                const bool overArrow = ArrowZone().contains(pointer_);
+            if (m_menuUse == ribbon::Menu::Split) {
+                const bool overArrow = ArrowZone().contains(m_pointer);
                 painter.setClipRegion(overArrow ? QRegion(ArrowZone()) : QRegion(rect()) - ArrowZone());
                 fill(painter, rect(), theme::Now().pressed);
                 painter.setClipping(false);
@@ -149,7 +149,7 @@ void RibbonButton::paintEvent(QPaintEvent*) {
         painter.setRenderHint(QPainter::Antialiasing, false);
     }
     painter.setPen(isEnabled() ? theme::Now().text : theme::Now().disabled);
-    large_ ? PaintLarge(painter) : PaintSmall(painter);
+    m_large ? PaintLarge(painter) : PaintSmall(painter);
 }
 
 void RibbonButton::PaintPicture(QPainter& painter, const QRect& place) const {
@@ -161,7 +161,7 @@ void RibbonButton::PaintLarge(QPainter& painter) const {
     const auto widthOf = [&](const QString& text) { return metrics.horizontalAdvance(text); };
     PaintPicture(painter, {(width() - kLargePicture) / 2, kLargeTop, kLargePicture, kLargePicture});
     const QStringList lines = BalanceCaption(Caption(), widthOf);
-    const bool arrowBesideText = arrow_ && lines.size() > 1;
+    const bool arrowBesideText = m_arrow && lines.size() > 1;
     int y = kLargeTop + kLargePicture + kLargeTextTop;
     for (qsizetype i = 0; i < lines.size(); ++i, y += metrics.height()) {
         const int arrowWidth = arrowBesideText && i + 1 == lines.size() ? kGap + kArrow : 0;
@@ -172,7 +172,7 @@ void RibbonButton::PaintLarge(QPainter& painter) const {
                        painter.pen().color());
         }
     }
-    if (arrow_ && !arrowBesideText) {
+    if (m_arrow && !arrowBesideText) {
         paintArrow(painter, {width() / 2, y + metrics.height() / 2 - 1}, painter.pen().color());
     }
 }
@@ -181,15 +181,15 @@ void RibbonButton::PaintSmall(QPainter& painter) const {
     PaintPicture(painter, {kPadding, (height() - kSmallPicture) / 2, kSmallPicture, kSmallPicture});
     const int left = RowTextLeft();
     painter.drawText(QRect(left, 0, width() - left, height()), Qt::AlignLeft | Qt::AlignVCenter, Caption());
-    if (arrow_) {
+    if (m_arrow) {
         const int x = left + fontMetrics().horizontalAdvance(Caption()) + kGap + kArrow / 2;
-        const bool atEdge = menuUse_ == ribbon::Menu::Split;
+        const bool atEdge = m_menuUse == ribbon::Menu::Split;
         paintArrow(painter, {atEdge ? width() - kPadding - kArrow / 2 : x, height() / 2}, painter.pen().color());
     }
 }
 
 void RibbonButton::mousePressEvent(QMouseEvent* event) {
-    const bool opens = menuUse_ == ribbon::Menu::Split && event->button() == Qt::LeftButton &&
+    const bool opens = m_menuUse == ribbon::Menu::Split && event->button() == Qt::LeftButton &&
                        ArrowZone().contains(event->position().toPoint());
     if (opens) {
         showMenu();
@@ -199,7 +199,7 @@ void RibbonButton::mousePressEvent(QMouseEvent* event) {
 }
 
 void RibbonButton::mouseMoveEvent(QMouseEvent* event) {
-    pointer_ = event->position().toPoint();
+    m_pointer = event->position().toPoint();
     update();
     QToolButton::mouseMoveEvent(event);
 }
@@ -214,7 +214,7 @@ bool RibbonButton::event(QEvent* event) {
 }
 
 void RibbonButton::keyPressEvent(QKeyEvent* event) {
-    const bool opensByEnter = isEnter(event) && menuUse_ == ribbon::Menu::Whole;
+    const bool opensByEnter = isEnter(event) && m_menuUse == ribbon::Menu::Whole;
     if (opensByEnter || (event->key() == Qt::Key_Down && menu())) {
         showMenu();
         return;

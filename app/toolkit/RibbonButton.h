@@ -20,12 +20,12 @@ public:
     RibbonButton(QAction* action, QWidget* parent);
 
     void SetLarge(bool large);
-    bool IsLarge() const { return large_; }
+    bool IsLarge() const { return m_large; }
     /// @param menu the button takes it over
     void SetMenu(QMenu* menu, ribbon::Menu use);
     void SetArrow(bool arrow);  ///< shows the sign of a drop-down also without a menu
     QSize SizeFor(bool large) const;
-    QSize sizeHint() const override { return SizeFor(large_); }
+    QSize sizeHint() const override { return SizeFor(m_large); }
     QSize minimumSizeHint() const override { return sizeHint(); }
 
     /// Height of a row of small buttons, and of a large one, in pixels.
@@ -51,8 +51,8 @@ private:
     void PaintSmall(QPainter& painter) const;
     void PaintPicture(QPainter& painter, const QRect& place) const;
 
-    bool large_ = true;
-    bool arrow_ = false;
-    ribbon::Menu menuUse_ = ribbon::Menu::None;
-    QPoint pointer_;  // last place of the mouse, to light the half under it
+    bool m_large = true;
+    bool m_arrow = false;
+    ribbon::Menu m_menuUse = ribbon::Menu::None;
+    QPoint m_pointer;  // last place of the mouse, to light the half under it
 };

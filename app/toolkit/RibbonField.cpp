@@ -22,7 +22,7 @@ RibbonEdit::RibbonEdit(QWidget* parent) : QLineEdit(parent) {
 }
 
 void RibbonEdit::ShowText(const QString& text) {
-    shown_ = text;
+    m_shown = text;
     setText(text);
 }
 
@@ -58,13 +58,13 @@ void RibbonEdit::focusOutEvent(QFocusEvent* event) {
 }
 
 void RibbonEdit::CommitPending() {
-    if (text() != shown_) Commit();
+    if (text() != m_shown) Commit();
 }
 
-void RibbonEdit::DropPending() { setText(shown_); }
+void RibbonEdit::DropPending() { setText(m_shown); }
 
 void RibbonEdit::Commit() {
-    shown_ = text();  // a dialog that the commit opens takes the focus: that must not commit again
+    m_shown = text();  // a dialog that the commit opens takes the focus: that must not commit again
     emit committed();
 }
 
@@ -72,14 +72,14 @@ RibbonSlider::RibbonSlider(ribbon::Range range, QWidget* parent) : QSlider(Qt::H
     setRange(range.minimum, range.maximum);
     setPageStep(5);
     connect(this, &QSlider::valueChanged, this, [this] {
-        if (!quiet_) emit moved();
+        if (!m_quiet) emit moved();
     });
 }
 
 void RibbonSlider::ShowValue(int value) {
-    quiet_ = true;
+    m_quiet = true;
     setValue(value);
-    quiet_ = false;
+    m_quiet = false;
 }
 
 // A dialog that a move opens takes the release of the button away: end the drag at the next move without a button.
@@ -100,32 +100,32 @@ void RibbonSlider::wheelEvent(QWheelEvent* event) {
 
 RibbonField::RibbonField(const ribbon::Item& item, QAction* editAction, QAction* sliderAction, QWidget* parent)
     : QWidget(parent),
-      label_(new QLabel(editAction->text(), this)),
-      edit_(new RibbonEdit(this)),
-      editWidth_(item.editWidth) {
-    label_->setBuddy(edit_);
-    edit_->setAlignment(Qt::AlignRight);
-    edit_->setAccessibleName(editAction->text());
-    FollowAction(label_, editAction);
-    FollowAction(edit_, editAction);
+      m_label(new QLabel(editAction->text(), this)),
+      m_edit(new RibbonEdit(this)),
+      m_editWidth(item.editWidth) {
+    m_label->setBuddy(m_edit);
+    m_edit->setAlignment(Qt::AlignRight);
+    m_edit->setAccessibleName(editAction->text());
+    FollowAction(m_label, editAction);
+    FollowAction(m_edit, editAction);
     if (sliderAction) {
-        slider_ = new RibbonSlider(item.range, this);
-        slider_->setAccessibleName(editAction->text());
-        FollowAction(slider_, sliderAction);
+        m_slider = new RibbonSlider(item.range, this);
+        m_slider->setAccessibleName(editAction->text());
+        FollowAction(m_slider, sliderAction);
     }
 }
 
-int RibbonField::LabelWidth() const { return label_->sizeHint().width(); }
+int RibbonField::LabelWidth() const { return m_label->sizeHint().width(); }
 
 int RibbonField::WidthFor(int labelWidth, int sliderWidth) const {
-    return kGap + labelWidth + kGap + editWidth_ + (slider_ ? kGap + sliderWidth : 0);
+    return kGap + labelWidth + kGap + m_editWidth + (m_slider ? kGap + sliderWidth : 0);
 }
 
 int RibbonField::Arrange(int labelWidth, int sliderWidth, int height) {
     const int editHeight = qMin(kEditHeight, height);
-    label_->setGeometry(kGap, 0, labelWidth, height);
-    edit_->setGeometry(kGap + labelWidth + kGap, (height - editHeight) / 2, editWidth_, editHeight);
-    if (slider_) slider_->setGeometry(edit_->geometry().right() + 1 + kGap, 0, sliderWidth, height);
+    m_label->setGeometry(kGap, 0, labelWidth, height);
+    m_edit->setGeometry(kGap + labelWidth + kGap, (height - editHeight) / 2, m_editWidth, editHeight);
+    if (m_slider) m_slider->setGeometry(m_edit->geometry().right() + 1 + kGap, 0, sliderWidth, height);
     return WidthFor(labelWidth, sliderWidth);
 }
 

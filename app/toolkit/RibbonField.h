@@ -29,7 +29,7 @@ protected:
 
 private:
     void Commit();
-    QString shown_;
+    QString m_shown;
 };
 
 /// A slider that tells of the user's moves alone.
@@ -47,7 +47,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    bool quiet_ = false;
+    bool m_quiet = false;
 };
 
 /// A row of the ribbon: label, edit, and a slider if the layout names one.
@@ -62,14 +62,14 @@ public:
     int Arrange(int labelWidth, int sliderWidth, int height);
     /// The width that Arrange would take.
     int WidthFor(int labelWidth, int sliderWidth) const;
-    RibbonEdit& Edit() { return *edit_; }
-    RibbonSlider* Slider() { return slider_; }
+    RibbonEdit& Edit() { return *m_edit; }
+    RibbonSlider* Slider() { return m_slider; }
 
 private:
-    QLabel* label_;
-    RibbonEdit* edit_;
-    RibbonSlider* slider_ = nullptr;
-    int editWidth_;
+    QLabel* m_label;
+    RibbonEdit* m_edit;
+    RibbonSlider* m_slider = nullptr;
+    int m_editWidth;
 };
 
 /// Lets a widget follow an action's enabled state and tip.

@@ -31,28 +31,28 @@ QAction* makeEntry(const ribbon::FileEntry& entry, QAction* command, QObject* pa
 }  // namespace
 
 RibbonFileMenu::RibbonFileMenu(const ribbon::Layout& layout, const RibbonActions& actions, QWidget* parent)
-    : QMenu(parent), recent_(new QWidget(this)), list_(new QListWidget(recent_)) {
+    : QMenu(parent), m_recent(new QWidget(this)), m_list(new QListWidget(m_recent)) {
     setObjectName("ribbonFileMenu");
     for (const ribbon::FileEntry& entry : layout.fileEntries) addAction(makeEntry(entry, actions(entry.id), this));
     setContentsMargins(0, 0, layout.recentWidth, 0);
-    recent_->setFixedWidth(layout.recentWidth);
-    auto* column = new QVBoxLayout(recent_);
+    m_recent->setFixedWidth(layout.recentWidth);
+    auto* column = new QVBoxLayout(m_recent);
     column->setContentsMargins(10, 6, 6, 6);
-    auto* title = new QLabel(layout.recentTitle, recent_);
+    auto* title = new QLabel(layout.recentTitle, m_recent);
     title->setObjectName("recentTitle");
     column->addWidget(title);
-    column->addWidget(list_);
-    list_->setObjectName("recentList");
-    connect(list_, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
+    column->addWidget(m_list);
+    m_list->setObjectName("recentList");
+    connect(m_list, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
         hide();
         emit recentChosen(item->data(Qt::UserRole).toString());
     });
 }
 
 void RibbonFileMenu::SetRecentDocuments(const QStringList& paths) {
-    list_->clear();
+    m_list->clear();
     for (const QString& path : paths) {
-        auto* item = new QListWidgetItem(QFileInfo(path).fileName(), list_);
+        auto* item = new QListWidgetItem(QFileInfo(path).fileName(), m_list);
         item->setData(Qt::UserRole, path);
         item->setToolTip(path);
     }
@@ -70,5 +70,5 @@ bool RibbonFileMenu::event(QEvent* event) {
 
 void RibbonFileMenu::resizeEvent(QResizeEvent* event) {
     QMenu::resizeEvent(event);
-    recent_->setGeometry(width() - recent_->width() - kFrame, kFrame, recent_->width(), height() - 2 * kFrame);
+    m_recent->setGeometry(width() - m_recent->width() - kFrame, kFrame, m_recent->width(), height() - 2 * kFrame);
 }

@@ -22,6 +22,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    QWidget* recent_;
-    QListWidget* list_;
+    QWidget* m_recent;
+    QListWidget* m_list;
 };

@@ -9,8 +9,8 @@ constexpr int kLeftMargin = 2;
 }  // namespace
 
 RibbonPage::RibbonPage(const ribbon::Tab& tab, const RibbonActions& actions, QWidget* parent)
-    : QWidget(parent), shrinkSteps_(tab.shrinkSteps) {
-    for (const ribbon::Panel& panel : tab.panels) panels_.push_back(new RibbonPanel(panel, actions, this));
+    : QWidget(parent), m_shrinkSteps(tab.shrinkSteps) {
+    for (const ribbon::Panel& panel : tab.panels) m_panels.push_back(new RibbonPanel(panel, actions, this));
 }
 
 QSize RibbonPage::sizeHint() const { return {0, RibbonPanel::HeightFor(fontMetrics())}; }
@@ -18,7 +18,7 @@ QSize RibbonPage::sizeHint() const { return {0, RibbonPanel::HeightFor(fontMetri
 // All panels as buttons: below this something would be cut off.
 QSize RibbonPage::minimumSizeHint() const {
     int width = kLeftMargin;
-    for (RibbonPanel* panel : panels_) {
+    for (RibbonPanel* panel : m_panels) {
         width += panel->Widths()[static_cast<std::size_t>(RibbonForm::Button)];
     }
     return {width, sizeHint().height()};
@@ -26,13 +26,13 @@ QSize RibbonPage::minimumSizeHint() const {
 
 void RibbonPage::resizeEvent(QResizeEvent*) {
     std::vector<RibbonPanelWidths> widths;
-    for (RibbonPanel* panel : panels_) widths.push_back(panel->Widths());
-    const std::vector<RibbonForm> forms = ChooseRibbonForms(widths, shrinkSteps_, width() - kLeftMargin);
+    for (RibbonPanel* panel : m_panels) widths.push_back(panel->Widths());
+    const std::vector<RibbonForm> forms = ChooseRibbonForms(widths, m_shrinkSteps, width() - kLeftMargin);
     int x = kLeftMargin;
-    for (std::size_t i = 0; i < panels_.size(); ++i) {
+    for (std::size_t i = 0; i < m_panels.size(); ++i) {
         const int panelWidth = widths[i][static_cast<std::size_t>(forms[i])];
-        panels_[i]->setGeometry(x, 0, panelWidth, height());
-        panels_[i]->SetForm(forms[i]);
+        m_panels[i]->setGeometry(x, 0, panelWidth, height());
+        m_panels[i]->SetForm(forms[i]);
         x += panelWidth;
     }
 }

@@ -13,7 +13,7 @@ class RibbonPage : public QWidget {
 public:
     RibbonPage(const ribbon::Tab& tab, const RibbonActions& actions, QWidget* parent);
 
-    const std::vector<RibbonPanel*>& Panels() const { return panels_; }
+    const std::vector<RibbonPanel*>& Panels() const { return m_panels; }
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -21,6 +21,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    std::span<const RibbonShrinkStep> shrinkSteps_;
-    std::vector<RibbonPanel*> panels_;
+    std::span<const RibbonShrinkStep> m_shrinkSteps;
+    std::vector<RibbonPanel*> m_panels;
 };

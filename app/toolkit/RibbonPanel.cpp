@@ -22,19 +22,19 @@ constexpr double kCaptionScale = 0.92;
 
 RibbonPanel::RibbonPanel(const ribbon::Panel& panel, const RibbonActions& actions, QWidget* parent)
     : QWidget(parent),
-      panel_(panel),
-      body_(new RibbonBody(panel, actions, this)),
-      dropDown_(new QFrame(this, Qt::Popup)) {
+      m_panel(panel),
+      m_body(new RibbonBody(panel, actions, this)),
+      m_dropDown(new QFrame(this, Qt::Popup)) {
     auto* open = new QAction(theme::Icon(panel.picture), panel.caption, this);
     open->setToolTip(panel.caption);
-    button_ = new RibbonButton(open, this);
-    button_->SetArrow(true);
-    button_->hide();
+    m_button = new RibbonButton(open, this);
+    m_button->SetArrow(true);
+    m_button->hide();
     connect(open, &QAction::triggered, this, &RibbonPanel::OpenDropDown);
-    connect(body_, &RibbonBody::commandDone, this, &RibbonPanel::CloseDropDown);
-    dropDown_->setObjectName("ribbonDropDown");
-    dropDown_->setFrameShape(QFrame::NoFrame);
-    dropDown_->installEventFilter(this);
+    connect(m_body, &RibbonBody::commandDone, this, &RibbonPanel::CloseDropDown);
+    m_dropDown->setObjectName("ribbonDropDown");
+    m_dropDown->setFrameShape(QFrame::NoFrame);
+    m_dropDown->installEventFilter(this);
 }
 
 QFont RibbonPanel::CaptionFont() const {
@@ -48,31 +48,31 @@ int RibbonPanel::HeightFor(const QFontMetrics& metrics) {
 }
 
 RibbonPanelWidths RibbonPanel::Widths() {
-    const int caption = QFontMetrics(CaptionFont()).horizontalAdvance(panel_.caption) + 4;
+    const int caption = QFontMetrics(CaptionFont()).horizontalAdvance(m_panel.caption) + 4;
     const auto withCaption = [&](RibbonForm form) {
-        return std::max(body_->SizeFor(form).width(), caption) + 2 * kSideMargin;
+        return std::max(m_body->SizeFor(form).width(), caption) + 2 * kSideMargin;
     };
     return {withCaption(RibbonForm::Full), withCaption(RibbonForm::Compact),
-            button_->SizeFor(true).width() + 2 * kSideMargin};
+            m_button->SizeFor(true).width() + 2 * kSideMargin};
 }
 
 void RibbonPanel::SetForm(RibbonForm form) {
     CloseDropDown();
-    form_ = form;
+    m_form = form;
     const bool asButton = form == RibbonForm::Button;
-    body_->setVisible(!asButton);
-    button_->setVisible(asButton);
-    if (!asButton) body_->Arrange(form);
+    m_body->setVisible(!asButton);
+    m_button->setVisible(asButton);
+    if (!asButton) m_body->Arrange(form);
     resizeEvent(nullptr);
     update();
 }
 
 void RibbonPanel::resizeEvent(QResizeEvent*) {
-    if (form_ == RibbonForm::Button) {
-        const QSize size = button_->SizeFor(true);
-        button_->setGeometry((width() - size.width()) / 2, kTopMargin, size.width(), size.height());
-    } else if (body_->parentWidget() == this) {
-        body_->move((width() - body_->width()) / 2, kTopMargin);
+    if (m_form == RibbonForm::Button) {
+        const QSize size = m_button->SizeFor(true);
+        m_button->setGeometry((width() - size.width()) / 2, kTopMargin, size.width(), size.height());
+    } else if (m_body->parentWidget() == this) {
+        m_body->move((width() - m_body->width()) / 2, kTopMargin);
     }
 }
 
@@ -80,48 +80,48 @@ void RibbonPanel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(theme::Now().border);
     painter.drawLine(width() - 1, kTopMargin + 2, width() - 1, height() - kTopMargin - 2);
-    if (form_ == RibbonForm::Button) return;
+    if (m_form == RibbonForm::Button) return;
     painter.setFont(CaptionFont());
     painter.setPen(theme::Now().muted);
     const int top = kTopMargin + RibbonButton::BodyHeight(fontMetrics()) + kCaptionTop;
-    painter.drawText(QRect(0, top, width(), height() - top), Qt::AlignHCenter | Qt::AlignVCenter, panel_.caption);
+    painter.drawText(QRect(0, top, width(), height() - top), Qt::AlignHCenter | Qt::AlignVCenter, m_panel.caption);
 }
 
-bool RibbonPanel::IsDroppedDown() const { return dropDown_->isVisible(); }
+bool RibbonPanel::IsDroppedDown() const { return m_dropDown->isVisible(); }
 
 void RibbonPanel::OpenDropDown() {
-    if (form_ != RibbonForm::Button || IsDroppedDown()) return;
-    body_->setParent(dropDown_);
-    body_->Arrange(RibbonForm::Full);
-    body_->move(kDropDownMargin, kDropDownMargin);
-    body_->show();
-    dropDown_->resize(body_->width() + 2 * kDropDownMargin, body_->height() + 2 * kDropDownMargin);
+    if (m_form != RibbonForm::Button || IsDroppedDown()) return;
+    m_body->setParent(m_dropDown);
+    m_body->Arrange(RibbonForm::Full);
+    m_body->move(kDropDownMargin, kDropDownMargin);
+    m_body->show();
+    m_dropDown->resize(m_body->width() + 2 * kDropDownMargin, m_body->height() + 2 * kDropDownMargin);
     QPoint place = mapToGlobal(QPoint(0, height()));
     const QRect available = screen()->availableGeometry();
-    place.setX(std::max(std::min(place.x(), available.right() - dropDown_->width()), available.left()));
-    dropDown_->move(place);
-    dropDown_->show();
+    place.setX(std::max(std::min(place.x(), available.right() - m_dropDown->width()), available.left()));
+    m_dropDown->move(place);
+    m_dropDown->show();
 }
 
-void RibbonPanel::CloseDropDown() { dropDown_->hide(); }
+void RibbonPanel::CloseDropDown() { m_dropDown->hide(); }
 
 bool RibbonPanel::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == dropDown_ && event->type() == QEvent::Hide && body_->parentWidget() == dropDown_) {
-        body_->hide();
-        body_->setParent(this);
-        button_->setDown(false);
+    if (watched == m_dropDown && event->type() == QEvent::Hide && m_body->parentWidget() == m_dropDown) {
+        m_body->hide();
+        m_body->setParent(this);
+        m_button->setDown(false);
     }
-    if (watched == dropDown_ && event->type() == QEvent::Paint) {
-        QPainter painter(dropDown_);
+    if (watched == m_dropDown && event->type() == QEvent::Paint) {
+        QPainter painter(m_dropDown);
         painter.setPen(theme::Now().border);
         painter.setBrush(theme::Now().surface);
-        painter.drawRect(dropDown_->rect().adjusted(0, 0, -1, -1));
+        painter.drawRect(m_dropDown->rect().adjusted(0, 0, -1, -1));
         return true;
     }
     return QWidget::eventFilter(watched, event);
 }
 
 std::vector<RibbonBody::Target> RibbonPanel::Targets() const {
-    if (form_ != RibbonForm::Button || IsDroppedDown()) return body_->Targets();
-    return {{panel_.keyTip, button_, [button = button_] { button->click(); }}};
+    if (m_form != RibbonForm::Button || IsDroppedDown()) return m_body->Targets();
+    return {{m_panel.keyTip, m_button, [button = m_button] { button->click(); }}};
 }

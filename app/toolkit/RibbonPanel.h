@@ -16,10 +16,10 @@ public:
     /// What the panel would take, caption and margins included, in pixels.
     RibbonPanelWidths Widths();
     void SetForm(RibbonForm form);
-    RibbonForm Form() const { return form_; }
+    RibbonForm Form() const { return m_form; }
     static int HeightFor(const QFontMetrics& metrics);
 
-    RibbonBody& Body() { return *body_; }
+    RibbonBody& Body() { return *m_body; }
     void OpenDropDown();
     void CloseDropDown();
     bool IsDroppedDown() const;
@@ -34,9 +34,9 @@ protected:
 private:
     QFont CaptionFont() const;
 
-    const ribbon::Panel& panel_;
-    RibbonBody* body_;
-    RibbonButton* button_;
-    QFrame* dropDown_;
-    RibbonForm form_ = RibbonForm::Full;
+    const ribbon::Panel& m_panel;
+    RibbonBody* m_body;
+    RibbonButton* m_button;
+    QFrame* m_dropDown;
+    RibbonForm m_form = RibbonForm::Full;
 };

@@ -51,7 +51,7 @@ std::vector<int> ShareStatusRoom(std::span<const StatusPart> parts, int availabl
 QLabel* StatusRow::Add(bool onRight, int givesWay, const QString& widest) {
     auto* label = new StatusText(this);
     label->setTextFormat(Qt::PlainText);
-    parts_.push_back({label, onRight, givesWay, widest});
+    m_parts.push_back({label, onRight, givesWay, widest});
     return label;
 }
 
@@ -63,7 +63,7 @@ int StatusRow::Wanted(const Part& part) const {
 
 QSize StatusRow::sizeHint() const {
     int width = 0, height = 0;
-    for (const Part& part : parts_) {
+    for (const Part& part : m_parts) {
         if (!part.label->isHidden()) width += Wanted(part);
         height = std::max(height, part.label->sizeHint().height());
     }
@@ -73,7 +73,7 @@ QSize StatusRow::sizeHint() const {
 void StatusRow::Arrange() {
     std::vector<StatusPart> wants;
     std::vector<const Part*> shown;
-    for (const Part& part : parts_) {
+    for (const Part& part : m_parts) {
         if (part.label->isHidden()) continue;
         wants.push_back({Wanted(part), part.givesWay});
         shown.push_back(&part);

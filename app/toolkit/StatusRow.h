@@ -43,5 +43,5 @@ private:
     int Wanted(const Part& part) const;
     void Arrange();
 
-    std::vector<Part> parts_;
+    std::vector<Part> m_parts;
 };

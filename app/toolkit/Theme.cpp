@@ -274,13 +274,13 @@ public:
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::ThemeChange && chosen == Chrome::System && !isWaiting_) {
-            isWaiting_ = true;
+        if (event->type() == QEvent::ThemeChange && chosen == Chrome::System && !m_isWaiting) {
+            m_isWaiting = true;
             QMetaObject::invokeMethod(
                 this,
                 [this] {
                     Apply(*qApp, chosen);
-                    isWaiting_ = false;
+                    m_isWaiting = false;
                 },
                 Qt::QueuedConnection);
         }
@@ -288,7 +288,7 @@ protected:
     }
 
 private:
-    bool isWaiting_ = false;
+    bool m_isWaiting = false;
 };
 
 }  // namespace

@@ -44,16 +44,16 @@ QByteArray inGray(const QByteArray& svg) {
 
 class ThemedIcon : public QIconEngine {
 public:
-    explicit ThemedIcon(QString path) : path_(std::move(path)) {}
+    explicit ThemedIcon(QString path) : m_path(std::move(path)) {}
 
-    QIconEngine* clone() const override { return new ThemedIcon(path_); }
+    QIconEngine* clone() const override { return new ThemedIcon(m_path); }
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
         painter->drawPixmap(rect, pixmap(rect.size() * painter->device()->devicePixelRatioF(), mode, state));
     }
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
         const bool isDark = theme::IsDark(), isGray = theme::GetChrome() == theme::Chrome::NeutralGray;
         const QString key = QString("%1 %2x%3 %4 %5%6")
-                                .arg(path_)
+                                .arg(m_path)
                                 .arg(size.width())
                                 .arg(size.height())
                                 .arg(mode == QIcon::Disabled)
@@ -61,7 +61,7 @@ public:
                                 .arg(isGray);
         QPixmap picture;
         if (QPixmapCache::find(key, &picture)) return picture;
-        QFile file(path_);
+        QFile file(m_path);
         if (!file.open(QIODevice::ReadOnly)) return {};
         const QByteArray svg = file.readAll();
         QSvgRenderer renderer(isDark ? onDark(svg) : isGray ? inGray(svg) : svg);
@@ -77,7 +77,7 @@ public:
     }
 
 private:
-    QString path_;
+    QString m_path;
 };
 
 }  // namespace

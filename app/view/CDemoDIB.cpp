@@ -38,21 +38,21 @@ int roundedUp(int value, int unit) { return (value + unit - 1) / unit * unit; }
 
 CDemoDIB::CDemoDIB(CTivImage* image, const ViewRect* area, int significantBits) {
     const CTivData::Format format = image->GetFormat();
-    imageWidth_ = image->GetWidth();
-    header_.height = -image->GetHeight();
+    m_imageWidth = image->GetWidth();
+    m_header.height = -image->GetHeight();
     const auto* kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](auto& k) { return k.format == format; });
     if (kind == std::end(kKinds) || !image->IsAllocated()) return;
-    header_.bitCount = kind->bitCount;
-    header_.width = roundedUp(imageWidth_, 32 / kind->bitCount);
-    header_.colorsUsed = header_.colorsImportant = kind->tableSize;
-    for (std::uint32_t i = 0; i < kind->tableSize; ++i) table_[i] = i * (255 / (kind->tableSize - 1)) * 0x010101u;
+    m_header.bitCount = kind->bitCount;
+    m_header.width = roundedUp(m_imageWidth, 32 / kind->bitCount);
+    m_header.colorsUsed = m_header.colorsImportant = kind->tableSize;
+    for (std::uint32_t i = 0; i < kind->tableSize; ++i) m_table[i] = i * (255 / (kind->tableSize - 1)) * 0x010101u;
 
     const bool wraps = format == CTivData::FormatUByte || format == CTivData::FormatRgb;
-    if (wraps && header_.width == imageWidth_) {
-        data_ = static_cast<std::uint8_t*>(image->GetData());
+    if (wraps && m_header.width == m_imageWidth) {
+        m_data = static_cast<std::uint8_t*>(image->GetData());
         return;
     }
-    const ViewRect whole{0, 0, imageWidth_, image->GetHeight()};
+    const ViewRect whole{0, 0, m_imageWidth, image->GetHeight()};
     ViewRect part = area ? *area : whole;
     part = {std::max(part.left, 0), std::max(part.top, 0), std::min(part.right, whole.right),
             std::min(part.bottom, whole.bottom)};
@@ -62,21 +62,21 @@ CDemoDIB::CDemoDIB(CTivImage* image, const ViewRect* area, int significantBits) 
 void CDemoDIB::CreateData(const CTivImage& image, const ViewRect& area, int significantBits) {
     const std::int64_t rowBytes = RowBytes();
     try {
-        owned_ = std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(rowBytes * -header_.height));
+        m_owned = std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(rowBytes * -m_header.height));
     } catch (const std::bad_alloc&) {
         ReportError("CDemoDIB::CreateData => cannot allocate DIB data");
         return;
     }
-    data_ = owned_.get();
+    m_data = m_owned.get();
     if (area.IsEmpty()) return;
     const NurImage& record = *image.GetRecord();
     if (record.format == CTivData::FormatUShort) {
-        ShiftWordsToBytes(image, area, significantBits, data_, rowBytes);
+        ShiftWordsToBytes(image, area, significantBits, m_data, rowBytes);
         return;
     }
     for (int y = area.top; y < area.bottom; ++y) {
         const std::uint8_t* from = record.Row(y);
-        std::uint8_t* to = data_ + y * rowBytes;
+        std::uint8_t* to = m_data + y * rowBytes;
         if (record.format == CTivData::FormatUByte) {
             std::memcpy(to + area.left, from + area.left, static_cast<std::size_t>(area.Width()));
         } else {
@@ -109,12 +109,12 @@ void CDemoDIB::ShiftWordsToBytes(const CTivImage& image, const ViewRect& area, i
 }
 
 QImage CDemoDIB::View() const {
-    if (!data_) return {};
-    const QImage::Format format = header_.bitCount == 32  ? QImage::Format_RGB32
-                                  : header_.bitCount == 8 ? QImage::Format_Indexed8
-                                                          : QImage::Format_Mono;
+    if (!m_data) return {};
+    const QImage::Format format = m_header.bitCount == 32  ? QImage::Format_RGB32
+                                  : m_header.bitCount == 8 ? QImage::Format_Indexed8
+                                                           : QImage::Format_Mono;
     // Not the constructor for constant data: with it, setting the table would copy the pixels.
-    QImage view(data_, imageWidth_, -header_.height, RowBytes(), format);
+    QImage view(m_data, m_imageWidth, -m_header.height, RowBytes(), format);
     QList<QRgb> colors;
     for (const std::uint32_t color : Table()) colors.append(0xFF000000u | color);
     if (!colors.isEmpty()) view.setColorTable(colors);

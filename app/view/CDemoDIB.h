@@ -35,12 +35,12 @@ public:
     /// @param significantBits the bits that a FormatUShort image holds, of which the upper 8 are kept; -1 finds out
     CDemoDIB(CTivImage* image, const ViewRect* area, int significantBits);
 
-    const DibHeader& Header() const { return header_; }
+    const DibHeader& Header() const { return m_header; }
     /// 0x00RRGGBB, header.colorsUsed entries.
-    std::span<const std::uint32_t> Table() const { return {table_.data(), header_.colorsUsed}; }
-    const std::uint8_t* Data() const { return data_; }  ///< null without memory
-    bool IsOwned() const { return owned_ != nullptr; }
-    std::int64_t RowBytes() const { return std::int64_t{header_.width} * header_.bitCount / 8; }
+    std::span<const std::uint32_t> Table() const { return {m_table.data(), m_header.colorsUsed}; }
+    const std::uint8_t* Data() const { return m_data; }  ///< null without memory
+    bool IsOwned() const { return m_owned != nullptr; }
+    std::int64_t RowBytes() const { return std::int64_t{m_header.width} * m_header.bitCount / 8; }
 
     /// The bitmap for a painter, as wide as the image and without a copy; valid while this object lives.
     QImage View() const;
@@ -53,9 +53,9 @@ private:
     static void ShiftWordsToBytes(const CTivImage& image, const ViewRect& area, int significantBits, std::uint8_t* out,
                                   std::int64_t rowBytes);
 
-    DibHeader header_;
-    std::array<std::uint32_t, 256> table_{};
-    std::unique_ptr<std::uint8_t[]> owned_;
-    std::uint8_t* data_ = nullptr;
-    int imageWidth_ = 0;
+    DibHeader m_header;
+    std::array<std::uint32_t, 256> m_table{};
+    std::unique_ptr<std::uint8_t[]> m_owned;
+    std::uint8_t* m_data = nullptr;
+    int m_imageWidth = 0;
 };

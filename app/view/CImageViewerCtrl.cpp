@@ -66,8 +66,8 @@ Qt::CursorShape shapeOf(RectTracker::Cursor cursor) {
 
 }  // namespace
 
-CImageViewerCtrl::CImageViewerCtrl(QWidget* parent) : QFrame(parent), font_(QApplication::font("QMenu")) {
-    font_.setPointSize(kOverlayFontPoints);
+CImageViewerCtrl::CImageViewerCtrl(QWidget* parent) : QFrame(parent), m_font(QApplication::font("QMenu")) {
+    m_font.setPointSize(kOverlayFontPoints);
     setFrameStyle(QFrame::Panel | QFrame::Sunken);
     setLineWidth(kEdgeWidth);
     setAttribute(Qt::WA_OpaquePaintEvent);  // nothing is erased before a paint, which covers everything
@@ -85,43 +85,43 @@ QSize CImageViewerCtrl::ClientSize() const { return contentsRect().size().expand
 
 ViewGeometry& CImageViewerCtrl::View() const {
     const QSize client = ClientSize();
-    const bool shows = image_.IsAllocated();
-    geometry_.Adapt(client.width(), client.height(), shows ? image_.GetWidth() : 0, shows ? image_.GetHeight() : 0);
-    return geometry_;
+    const bool shows = m_image.IsAllocated();
+    m_geometry.Adapt(client.width(), client.height(), shows ? m_image.GetWidth() : 0, shows ? m_image.GetHeight() : 0);
+    return m_geometry;
 }
 
 bool CImageViewerCtrl::SetImage(CTivImage* image, bool resetView) {
     if (resetView) ResetView();
-    image_ = image ? *image : CTivImage();
+    m_image = image ? *image : CTivImage();
     update();
-    if (!image_.IsAllocated()) return false;
-    image_.SetRoi({});
-    roi_ = ViewGeometry::DefaultRoi(image_.GetWidth(), image_.GetHeight());
-    tracker_.SetStyle(kTrackerStyle);
+    if (!m_image.IsAllocated()) return false;
+    m_image.SetRoi({});
+    m_roi = ViewGeometry::DefaultRoi(m_image.GetWidth(), m_image.GetHeight());
+    m_tracker.SetStyle(kTrackerStyle);
     ZoomChanged();
     return true;
 }
 
 void CImageViewerCtrl::ResetView() {
-    geometry_.Reset();
-    tracker_.Cancel();
-    tracker_.SetRect({});
+    m_geometry.Reset();
+    m_tracker.Cancel();
+    m_tracker.SetRect({});
     ClearOverlays();
 }
 
 void CImageViewerCtrl::ClearOverlays() {
-    imageOverlay_.Clear();
+    m_imageOverlay.Clear();
     update();
 }
 
 void CImageViewerCtrl::SetSelected(int selected) {
-    selected_ = selected;
+    m_selected = selected;
     update();
 }
 
 void CImageViewerCtrl::ZoomChanged() {
     update();
-    if (comm_) comm_->OnZoomChanged(geometry_.GetZoom());
+    if (m_comm) m_comm->OnZoomChanged(m_geometry.GetZoom());
 }
 
 void CImageViewerCtrl::SetZoom(float zoom) {
@@ -150,26 +150,26 @@ void CImageViewerCtrl::FitIfLarger() {
 }
 
 void CImageViewerCtrl::ResetTracker() {
-    tracker_.SetRect(View().DefaultTracker());
-    View().TrackerToRoi(tracker_.GetRect(), &roi_);
+    m_tracker.SetRect(View().DefaultTracker());
+    View().TrackerToRoi(m_tracker.GetRect(), &m_roi);
 }
 
 void CImageViewerCtrl::EnableRoi(bool on) {
-    roiEnabled_ = on;
-    tracker_.SetStyle(on ? kTrackerStyle : RectTracker::NoStyle);
-    if (on && tracker_.GetRect().IsEmpty()) ResetTracker();
+    m_roiEnabled = on;
+    m_tracker.SetStyle(on ? kTrackerStyle : RectTracker::NoStyle);
+    if (on && m_tracker.GetRect().IsEmpty()) ResetTracker();
     NotifyRoi();
     update();
 }
 
 void CImageViewerCtrl::NotifyRoi() {
-    if (roiEnabled_ && comm_) comm_->OnRoiChanged(roi_);
+    if (m_roiEnabled && m_comm) m_comm->OnRoiChanged(m_roi);
 }
 
 /// Puts the tracker over the ROI. While a corner is not on display it deliberately (C20) stays where it was.
 void CImageViewerCtrl::SyncTracker() {
     ViewRect rect;
-    if (roiEnabled_ && !tracker_.IsFollowing() && View().RoiToTracker(roi_, &rect)) tracker_.SetRect(rect);
+    if (m_roiEnabled && !m_tracker.IsFollowing() && View().RoiToTracker(m_roi, &rect)) m_tracker.SetRect(rect);
 }
 
 ViewPoint CImageViewerCtrl::ClientPoint(QPointF position) const {
@@ -182,7 +182,7 @@ void CImageViewerCtrl::UpdateCursor(ViewPoint point) {
     const ViewGeometry& view = View();
     if (!view.GetDestination().Covers(point)) return setCursor(Qt::ArrowCursor);
     SyncTracker();
-    const auto hit = roiEnabled_ ? tracker_.HitTest(point) : RectTracker::Hit::Nothing;
+    const auto hit = m_roiEnabled ? m_tracker.HitTest(point) : RectTracker::Hit::Nothing;
     if (hit != RectTracker::Hit::Nothing) return setCursor(shapeOf(RectTracker::CursorFor(hit)));
     setCursor(view.IsDragging() ? Qt::SizeAllCursor : Qt::CrossCursor);
 }
@@ -198,18 +198,18 @@ void CImageViewerCtrl::wheelEvent(QWheelEvent* event) {
 void CImageViewerCtrl::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     setFocus(Qt::MouseFocusReason);
-    if (host_) host_->DeselectAllViewers();
+    if (m_host) m_host->DeselectAllViewers();
     SetSelected(1);
     const ViewPoint point = ClientPoint(event->position());
     SyncTracker();
-    if (roiEnabled_ && tracker_.Begin(point)) return;
+    if (m_roiEnabled && m_tracker.Begin(point)) return;
     if (View().BeginDrag(point)) UpdateCursor(point);
 }
 
 void CImageViewerCtrl::mouseMoveEvent(QMouseEvent* event) {
     const ViewPoint point = ClientPoint(event->position());
-    if (tracker_.IsFollowing()) {
-        tracker_.Follow(point, View().GetDestination());
+    if (m_tracker.IsFollowing()) {
+        m_tracker.Follow(point, View().GetDestination());
         update();
         return;
     }
@@ -217,16 +217,16 @@ void CImageViewerCtrl::mouseMoveEvent(QMouseEvent* event) {
     if (View().IsDragging()) {
         View().DragTo(point);
         update();
-    } else if (comm_ && View().ClientToImage(point, &pixel)) {
-        comm_->OnPixel(pixel.x, pixel.y, image_.GetData(pixel.x, pixel.y));
+    } else if (m_comm && View().ClientToImage(point, &pixel)) {
+        m_comm->OnPixel(pixel.x, pixel.y, m_image.GetData(pixel.x, pixel.y));
     }
     UpdateCursor(point);
 }
 
 void CImageViewerCtrl::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
-    if (tracker_.End()) {
-        View().TrackerToRoi(tracker_.GetRect(), &roi_);
+    if (m_tracker.End()) {
+        View().TrackerToRoi(m_tracker.GetRect(), &m_roi);
         NotifyRoi();
         update();
     }
@@ -237,9 +237,9 @@ void CImageViewerCtrl::mouseReleaseEvent(QMouseEvent* event) {
 void CImageViewerCtrl::mouseDoubleClickEvent(QMouseEvent*) {}
 
 void CImageViewerCtrl::keyPressEvent(QKeyEvent* event) {
-    if (tracker_.IsFollowing()) {
+    if (m_tracker.IsFollowing()) {
         if (event->key() != Qt::Key_Escape) return QFrame::keyPressEvent(event);
-        tracker_.Cancel();
+        m_tracker.Cancel();
         update();
     } else if (!ZoomByKey(*event) && !NudgeByKey(*event)) {
         QFrame::keyPressEvent(event);
@@ -247,7 +247,7 @@ void CImageViewerCtrl::keyPressEvent(QKeyEvent* event) {
 }
 
 bool CImageViewerCtrl::ZoomByKey(const QKeyEvent& event) {
-    if (!image_.IsAllocated() || event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
+    if (!m_image.IsAllocated() || event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
     switch (event.key()) {
         case Qt::Key_Plus:
         case Qt::Key_Equal:  // the same key without Shift
@@ -270,12 +270,13 @@ bool CImageViewerCtrl::ZoomByKey(const QKeyEvent& event) {
 bool CImageViewerCtrl::NudgeByKey(const QKeyEvent& event) {
     const int key = event.key();
     const int dx = (key == Qt::Key_Right) - (key == Qt::Key_Left), dy = (key == Qt::Key_Down) - (key == Qt::Key_Up);
-    if (!roiEnabled_ || !image_.IsAllocated() || (dx == 0 && dy == 0)) return false;
+    if (!m_roiEnabled || !m_image.IsAllocated() || (dx == 0 && dy == 0)) return false;
     const int by = event.modifiers() & Qt::ShiftModifier ? kFarByKey : 1;
     const bool resizes = event.modifiers() & Qt::ControlModifier;
-    const ViewRect roi = ViewGeometry::NudgeRoi(roi_, by * dx, by * dy, resizes, image_.GetWidth(), image_.GetHeight());
-    if (roi != roi_) {
-        roi_ = roi;
+    const ViewRect roi =
+        ViewGeometry::NudgeRoi(m_roi, by * dx, by * dy, resizes, m_image.GetWidth(), m_image.GetHeight());
+    if (roi != m_roi) {
+        m_roi = roi;
         NotifyRoi();
         update();
     }
@@ -298,15 +299,15 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
     painter.setClipRect(QRect(QPoint(0, 0), ClientSize()));
     PaintBackground(painter);
     const ViewGeometry& view = View();
-    if (image_.IsAllocated()) {
-        CDemoUtil::DisplayImage(&image_, &painter, &view.GetSource(), &view.GetDestination(), -1);
+    if (m_image.IsAllocated()) {
+        CDemoUtil::DisplayImage(&m_image, &painter, &view.GetSource(), &view.GetDestination(), -1);
     }
     PaintCaption(painter);  // under outlines and handles, which have to be reached
-    Overlay overlay = MapToClient(imageOverlay_, view);
-    overlay.SetFont(font_);
+    Overlay overlay = MapToClient(m_imageOverlay, view);
+    overlay.SetFont(m_font);
     overlay.Draw(painter, {0, 0}, 1.0f);
     PaintHighlight(painter, view);
-    if (roiEnabled_) {
+    if (m_roiEnabled) {
         SyncTracker();
         PaintTracker(painter);
     }
@@ -316,44 +317,44 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
 void CImageViewerCtrl::ShowOutlines(const PatchOutlines& outlines) {
     constexpr std::int32_t kGreen = 0x00FF00;
     const auto whole = [](double value) { return static_cast<int>(std::lround(value)); };
-    imageOverlay_.Clear();
+    m_imageOverlay.Clear();
     for (const PatchOutline& outline : outlines) {
         for (std::size_t i = 0; i < outline.size(); ++i) {
             const auto& [x1, y1] = outline[i];
             const auto& [x2, y2] = outline[(i + 1) % outline.size()];
-            imageOverlay_.AddLine(whole(x1), whole(y1), whole(x2), whole(y2), kGreen);
+            m_imageOverlay.AddLine(whole(x1), whole(y1), whole(x2), whole(y2), kGreen);
         }
     }
     update();
 }
 
 void CImageViewerCtrl::Highlight(const PatchOutline& outline) {
-    highlight_ = outline;
+    m_highlight = outline;
     update();
 }
 
 void CImageViewerCtrl::ShowBadge(const QString& words) {
-    if (badge_ == words) return;
-    badge_ = words;
+    if (m_badge == words) return;
+    m_badge = words;
     update();
 }
 
 void CImageViewerCtrl::SetFileName(const QString& name) {
-    if (fileName_ == name) return;
-    fileName_ = name;
+    if (m_fileName == name) return;
+    m_fileName = name;
     update();
 }
 
 QString CImageViewerCtrl::GetCaption() const {
-    if (!image_.IsAllocated() || objectName().isEmpty()) return {};
-    const QString size = QString("%1 x %2").arg(image_.GetWidth()).arg(image_.GetHeight());
-    return fileName_.isEmpty() ? objectName() + ": " + size : objectName() + ": " + fileName_ + ", " + size;
+    if (!m_image.IsAllocated() || objectName().isEmpty()) return {};
+    const QString size = QString("%1 x %2").arg(m_image.GetWidth()).arg(m_image.GetHeight());
+    return m_fileName.isEmpty() ? objectName() + ": " + size : objectName() + ": " + m_fileName + ", " + size;
 }
 
 void CImageViewerCtrl::PaintHighlight(QPainter& painter, const ViewGeometry& view) const {
-    if (highlight_.empty() || !image_.IsAllocated()) return;
+    if (m_highlight.empty() || !m_image.IsAllocated()) return;
     QPolygon polygon;
-    for (const auto& [x, y] : highlight_) {
+    for (const auto& [x, y] : m_highlight) {
         ViewPoint point;
         view.ImageToClient({static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y))}, &point);
         polygon << QPoint(point.x, point.y);
@@ -366,19 +367,19 @@ void CImageViewerCtrl::PaintHighlight(QPainter& painter, const ViewGeometry& vie
 }
 
 void CImageViewerCtrl::PaintBadge(QPainter& painter) const {
-    if (badge_.isEmpty()) return;
-    const QSize words = painter.fontMetrics().size(Qt::TextSingleLine, badge_);
+    if (m_badge.isEmpty()) return;
+    const QSize words = painter.fontMetrics().size(Qt::TextSingleLine, m_badge);
     const QRect area(ClientSize().width() - words.width() - 3 * kCornerMargin, kCornerMargin,
                      words.width() + 2 * kCornerMargin, words.height() + kCornerMargin);
     painter.fillRect(area, QColor(0x8a, 0x1c, 0x12));
     painter.setPen(Qt::white);
-    painter.drawText(area, Qt::AlignCenter, badge_);
+    painter.drawText(area, Qt::AlignCenter, m_badge);
 }
 
 // In the corner opposite to the badge's, and never under it: a long file name is cut in its middle.
 void CImageViewerCtrl::PaintCaption(QPainter& painter) const {
     const QFontMetrics metrics = painter.fontMetrics();
-    const int badge = badge_.isEmpty() ? 0 : metrics.horizontalAdvance(badge_) + 3 * kCornerMargin;
+    const int badge = m_badge.isEmpty() ? 0 : metrics.horizontalAdvance(m_badge) + 3 * kCornerMargin;
     const int room = ClientSize().width() - badge - 4 * kCornerMargin;
     const QString caption = metrics.elidedText(GetCaption(), Qt::ElideMiddle, room);
     if (room <= 0 || caption.isEmpty()) return;
@@ -392,7 +393,7 @@ void CImageViewerCtrl::PaintCaption(QPainter& painter) const {
 /// A sunken edge, which shines while the viewer is the selected one. Filled and not drawn with a pen, which leaves
 /// device pixels out where one logical pixel is several.
 void CImageViewerCtrl::PaintEdge(QPainter& painter) const {
-    if (selected_) return painter.fillRect(rect(), theme::Now().chosen);
+    if (m_selected) return painter.fillRect(rect(), theme::Now().chosen);
     const QRect outer = rect(), inner = outer.adjusted(1, 1, -1, -1);
     painter.fillRect(outer, palette().color(QPalette::Light));
     painter.fillRect(outer.adjusted(0, 0, -1, -1), palette().color(QPalette::Dark));
@@ -401,14 +402,14 @@ void CImageViewerCtrl::PaintEdge(QPainter& painter) const {
 
 void CImageViewerCtrl::PaintBackground(QPainter& painter) {
     const QSize client = ClientSize();
-    if (background_.size() != client) background_ = QPixmap::fromImage(backgroundPattern(client));
-    painter.drawPixmap(0, 0, background_);
+    if (m_background.size() != client) m_background = QPixmap::fromImage(backgroundPattern(client));
+    painter.drawPixmap(0, 0, m_background);
 }
 
 void CImageViewerCtrl::PaintTracker(QPainter& painter) const {
-    const ViewRect& rect = tracker_.GetRect();
+    const ViewRect& rect = m_tracker.GetRect();
     if (rect.IsEmpty()) return;
-    if (tracker_.GetStyle() & RectTracker::DottedLine) {
+    if (m_tracker.GetStyle() & RectTracker::DottedLine) {
         const QRect outline = toQRect(rect).adjusted(0, 0, -1, -1);
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(Qt::black, 1));  // under the dots, so that they show on any picture
@@ -416,11 +417,11 @@ void CImageViewerCtrl::PaintTracker(QPainter& painter) const {
         painter.setPen(QPen(Qt::white, 1, Qt::DotLine));
         painter.drawRect(outline);
     }
-    if (tracker_.GetStyle() & RectTracker::ResizeInside) {
+    if (m_tracker.GetStyle() & RectTracker::ResizeInside) {
         painter.setPen(QPen(Qt::black, 1));
         painter.setBrush(Qt::white);
         for (int i = 0; i < RectTracker::kHandleCount; ++i) {
-            painter.drawRect(toQRect(tracker_.HandleRect(static_cast<RectTracker::Hit>(i))).adjusted(0, 0, -1, -1));
+            painter.drawRect(toQRect(m_tracker.HandleRect(static_cast<RectTracker::Hit>(i))).adjusted(0, 0, -1, -1));
         }
     }
 }

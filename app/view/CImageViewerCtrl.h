@@ -35,22 +35,22 @@ public:
     void ShowOutlines(const PatchOutlines& outlines) override;  ///< in the place of the overlay's graphics
     void Highlight(const PatchOutline& outline) override;
     void ShowBadge(const QString& words) override;
-    const QString& GetBadge() const { return badge_; }
+    const QString& GetBadge() const { return m_badge; }
     void SetFileName(const QString& name) override;
     /// What a corner of the picture tells of it: the viewer's name, the file's name, width and height in pixels.
     /// @return empty without a picture and for a viewer without a name
     QString GetCaption() const;
 
     /// Whom the viewer tells of pixels, ROI and zoom, and the window that holds it. Not owned, null allowed.
-    void SetComm(CDemoImageViewerComm* comm) { comm_ = comm; }
-    void SetHost(ViewerHost* host) { host_ = host; }
+    void SetComm(CDemoImageViewerComm* comm) { m_comm = comm; }
+    void SetHost(ViewerHost* host) { m_host = host; }
     void SetSelected(int selected) override;
-    int IsSelected() const override { return selected_; }
+    int IsSelected() const override { return m_selected; }
 
     // Each of these repaints and tells the zoom. The fits want an image, and stay: in a window of another size the
     // image is fitted anew, and the zoom told again, until the user zooms or drags.
     void SetZoom(float zoom);  ///< limited to 0.01 to 10
-    float GetZoom() const { return geometry_.GetZoom(); }
+    float GetZoom() const { return m_geometry.GetZoom(); }
     void ResetScale();
     void FitHeight();
     void FitWidth();
@@ -59,30 +59,30 @@ public:
 
     /// Shows or hides the ROI; one that was never shown becomes the displayed part less a fiftieth on each side.
     void EnableRoi(bool on);
-    bool IsRoiEnabled() const { return roiEnabled_; }
-    const ViewRect& GetRoi() const { return roi_; }  ///< image pixels
+    bool IsRoiEnabled() const { return m_roiEnabled; }
+    const ViewRect& GetRoi() const { return m_roi; }  ///< image pixels
 
     bool ClientToImage(ViewPoint in, ViewPoint* out) const { return View().ClientToImage(in, out); }
     bool ImageToClient(ViewPoint in, ViewPoint* out) const { return View().ImageToClient(in, out); }
 
     /// The image on display. Who writes to it, also with another size, calls update() afterwards.
-    CTivImage& Image() override { return image_; }
-    const CTivImage& Image() const { return image_; }
-    Overlay& ImageOverlay() { return imageOverlay_; }  ///< drawn over the image; call update() after a change
-    const Overlay& ImageOverlay() const { return imageOverlay_; }
+    CTivImage& Image() override { return m_image; }
+    const CTivImage& Image() const { return m_image; }
+    Overlay& ImageOverlay() { return m_imageOverlay; }  ///< drawn over the image; call update() after a change
+    const Overlay& ImageOverlay() const { return m_imageOverlay; }
     const ViewGeometry& Geometry() const { return View(); }
-    const RectTracker& Tracker() const { return tracker_; }
+    const RectTracker& Tracker() const { return m_tracker; }
 
     QSize sizeHint() const override;
 
 protected:
     /// Replaces the ROI without telling anyone.
-    void SetRoi(const ViewRect& roi) { roi_ = roi; }
+    void SetRoi(const ViewRect& roi) { m_roi = roi; }
     /// Puts the tracker to its start and the ROI under it, without telling anyone.
     void ResetTracker();
     void NotifyRoi();
     ViewPoint ClientPoint(QPointF position) const;  ///< from the widget's coordinates
-    ViewerHost* Host() const { return host_; }
+    ViewerHost* Host() const { return m_host; }
 
     void paintEvent(QPaintEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
@@ -108,18 +108,18 @@ private:
     void PaintBadge(QPainter& painter) const;
     void PaintCaption(QPainter& painter) const;
 
-    mutable ViewGeometry geometry_;
-    RectTracker tracker_;
-    ViewRect roi_;  // image pixels
-    bool roiEnabled_ = false;
-    int selected_ = 0;
-    CDemoImageViewerComm* comm_ = nullptr;
-    ViewerHost* host_ = nullptr;
-    CTivImage image_;
-    Overlay imageOverlay_;
-    QFont font_;  // the system's menu font, as it was at construction
-    QPixmap background_;
-    PatchOutline highlight_;
-    QString badge_;
-    QString fileName_;
+    mutable ViewGeometry m_geometry;
+    RectTracker m_tracker;
+    ViewRect m_roi;  // image pixels
+    bool m_roiEnabled = false;
+    int m_selected = 0;
+    CDemoImageViewerComm* m_comm = nullptr;
+    ViewerHost* m_host = nullptr;
+    CTivImage m_image;
+    Overlay m_imageOverlay;
+    QFont m_font;  // the system's menu font, as it was at construction
+    QPixmap m_background;
+    PatchOutline m_highlight;
+    QString m_badge;
+    QString m_fileName;
 };

@@ -21,63 +21,65 @@ struct Placing {
 
 }  // namespace
 
-Overlay::Overlay() : font_("System", 12) {}
+Overlay::Overlay() : m_font("System", 12) {}
 
 void Overlay::AddMatrix(const CTivVector& values, ViewPoint position, int rows, int columns, const QFont& font) {
-    matrices_.push_back({values, position, rows, columns, font});
+    m_matrices.push_back({values, position, rows, columns, font});
 }
-void Overlay::AddMark(int x, int y, std::int32_t color) { marks_.push_back({x, y, color}); }
-void Overlay::AddCross(int x, int y, std::int32_t color, int halfSize) { crosses_.push_back({x, y, color, halfSize}); }
-void Overlay::AddPolyline(const CTivVector& points, std::int32_t color) { polylines_.push_back({points, color}); }
-void Overlay::AddLine(int x1, int y1, int x2, int y2, std::int32_t color) { lines_.push_back({x1, y1, x2, y2, color}); }
+void Overlay::AddMark(int x, int y, std::int32_t color) { m_marks.push_back({x, y, color}); }
+void Overlay::AddCross(int x, int y, std::int32_t color, int halfSize) { m_crosses.push_back({x, y, color, halfSize}); }
+void Overlay::AddPolyline(const CTivVector& points, std::int32_t color) { m_polylines.push_back({points, color}); }
+void Overlay::AddLine(int x1, int y1, int x2, int y2, std::int32_t color) {
+    m_lines.push_back({x1, y1, x2, y2, color});
+}
 void Overlay::AddCircle(float x, float y, float radius, std::int32_t color, std::int32_t fill) {
-    circles_.push_back({x, y, radius, color, fill});
+    m_circles.push_back({x, y, radius, color, fill});
 }
 void Overlay::AddRectangle(int x, int y, int width, int height, std::int32_t color, std::int32_t fill) {
-    rectangles_.push_back({x, y, width, height, color, fill});
+    m_rectangles.push_back({x, y, width, height, color, fill});
 }
 void Overlay::AddText(const QString& text, int x, int y, std::int32_t color, std::int32_t fill) {
-    texts_.push_back({text, kTextAlignment, x, y, color, fill});
+    m_texts.push_back({text, kTextAlignment, x, y, color, fill});
 }
 
-void Overlay::ClearCrosses() { crosses_.clear(); }
+void Overlay::ClearCrosses() { m_crosses.clear(); }
 
 void Overlay::Clear() {
-    matrices_.clear();
-    marks_.clear();
-    crosses_.clear();
-    polylines_.clear();
-    lines_.clear();
-    circles_.clear();
-    rectangles_.clear();
-    texts_.clear();
+    m_matrices.clear();
+    m_marks.clear();
+    m_crosses.clear();
+    m_polylines.clear();
+    m_lines.clear();
+    m_circles.clear();
+    m_rectangles.clear();
+    m_texts.clear();
 }
 
 bool Overlay::IsEmpty() const {
-    return matrices_.empty() && marks_.empty() && crosses_.empty() && polylines_.empty() && lines_.empty() &&
-           circles_.empty() && rectangles_.empty() && texts_.empty();
+    return m_matrices.empty() && m_marks.empty() && m_crosses.empty() && m_polylines.empty() && m_lines.empty() &&
+           m_circles.empty() && m_rectangles.empty() && m_texts.empty();
 }
 
 void Overlay::UsePen(QPainter& painter, std::int32_t color, std::int32_t fill) const {
-    painter.setPen(QPen(fromColorWord(color == kDefaultColor ? defaultColor_ : color), 1));
+    painter.setPen(QPen(fromColorWord(color == kDefaultColor ? m_defaultColor : color), 1));
     painter.setBrush(fill == kHollow ? QBrush(Qt::NoBrush) : QBrush(fromColorWord(fill)));
 }
 
 void Overlay::Draw(QPainter& painter, ViewPoint offset, float scale) const {
     const Placing placing{offset, scale};
-    painter.setFont(font_);
+    painter.setFont(m_font);
     DrawMatrices(painter, offset, scale);
-    for (const Mark& mark : marks_) {
+    for (const Mark& mark : m_marks) {
         UsePen(painter, mark.color, kHollow);
         painter.drawEllipse(placing.At(mark.x, mark.y), kMarkRadius, kMarkRadius);
     }
-    for (const Cross& cross : crosses_) {
+    for (const Cross& cross : m_crosses) {
         UsePen(painter, cross.color, kHollow);
         const QPointF at = placing.At(cross.x, cross.y), across(cross.halfSize, 0), down(0, cross.halfSize);
         painter.drawLine(at - across, at + across);
         painter.drawLine(at - down, at + down);
     }
-    for (const Polyline& polyline : polylines_) {
+    for (const Polyline& polyline : m_polylines) {
         UsePen(painter, polyline.color, kHollow);
         QPolygonF points;
         for (int i = 0; i < polyline.points.GetSize(); ++i) {
@@ -86,22 +88,22 @@ void Overlay::Draw(QPainter& painter, ViewPoint offset, float scale) const {
         }
         painter.drawPolyline(points);
     }
-    for (const Line& line : lines_) {
+    for (const Line& line : m_lines) {
         UsePen(painter, line.color, kHollow);
         painter.drawLine(placing.At(line.x1, line.y1), placing.At(line.x2, line.y2));
     }
-    for (const Circle& circle : circles_) {
+    for (const Circle& circle : m_circles) {
         UsePen(painter, circle.color, circle.fill);
         painter.drawEllipse(placing.At(circle.x, circle.y), circle.radius / scale, circle.radius / scale);
     }
-    for (const Rectangle& rectangle : rectangles_) {
+    for (const Rectangle& rectangle : m_rectangles) {
         UsePen(painter, rectangle.color, rectangle.fill);
         // The outline belongs to the rectangle: width x height pixels with it.
         painter.drawRect(
             QRectF(placing.At(rectangle.x, rectangle.y),
                    placing.At(rectangle.x + rectangle.width, rectangle.y + rectangle.height) - QPointF(1, 1)));
     }
-    for (const Text& text : texts_) {
+    for (const Text& text : m_texts) {
         UsePen(painter, text.color, kHollow);
         const QRectF box = painter.boundingRect(QRectF(placing.At(text.x, text.y), QSizeF()), 0, text.text);
         if (text.fill != kHollow) painter.fillRect(box, fromColorWord(text.fill));
@@ -111,7 +113,7 @@ void Overlay::Draw(QPainter& painter, ViewPoint offset, float scale) const {
 
 void Overlay::DrawMatrices(QPainter& painter, ViewPoint offset, float scale) const {
     const Placing placing{offset, scale};
-    for (const Matrix& matrix : matrices_) {
+    for (const Matrix& matrix : m_matrices) {
         UsePen(painter, kDefaultColor, kHollow);
         painter.setFont(matrix.font);
         const QFontMetrics metrics(matrix.font);
@@ -123,5 +125,5 @@ void Overlay::DrawMatrices(QPainter& painter, ViewPoint offset, float scale) con
             painter.drawText(corner + QPointF(0, metrics.ascent()), value);
         }
     }
-    painter.setFont(font_);
+    painter.setFont(m_font);
 }

@@ -73,32 +73,32 @@ public:
     void Clear();  ///< empties all lists; color and font stay
     bool IsEmpty() const;
 
-    void SetFont(const QFont& font) { font_ = font; }
+    void SetFont(const QFont& font) { m_font = font; }
 
     /// Draws with solid pens of one pixel. Positions are divided by the scale and added to the offset.
     void Draw(QPainter& painter, ViewPoint offset, float scale) const;
 
-    const std::vector<Matrix>& Matrices() const { return matrices_; }
-    const std::vector<Mark>& Marks() const { return marks_; }
-    const std::vector<Cross>& Crosses() const { return crosses_; }
-    const std::vector<Polyline>& Polylines() const { return polylines_; }
-    const std::vector<Line>& Lines() const { return lines_; }
-    const std::vector<Circle>& Circles() const { return circles_; }
-    const std::vector<Rectangle>& Rectangles() const { return rectangles_; }
-    const std::vector<Text>& Texts() const { return texts_; }
+    const std::vector<Matrix>& Matrices() const { return m_matrices; }
+    const std::vector<Mark>& Marks() const { return m_marks; }
+    const std::vector<Cross>& Crosses() const { return m_crosses; }
+    const std::vector<Polyline>& Polylines() const { return m_polylines; }
+    const std::vector<Line>& Lines() const { return m_lines; }
+    const std::vector<Circle>& Circles() const { return m_circles; }
+    const std::vector<Rectangle>& Rectangles() const { return m_rectangles; }
+    const std::vector<Text>& Texts() const { return m_texts; }
 
 private:
     void UsePen(QPainter& painter, std::int32_t color, std::int32_t fill) const;
     void DrawMatrices(QPainter& painter, ViewPoint offset, float scale) const;
 
-    std::vector<Matrix> matrices_;
-    std::vector<Mark> marks_;
-    std::vector<Cross> crosses_;
-    std::vector<Polyline> polylines_;
-    std::vector<Line> lines_;
-    std::vector<Circle> circles_;
-    std::vector<Rectangle> rectangles_;
-    std::vector<Text> texts_;
-    std::int32_t defaultColor_ = 0xFF0000;  // blue
-    QFont font_;
+    std::vector<Matrix> m_matrices;
+    std::vector<Mark> m_marks;
+    std::vector<Cross> m_crosses;
+    std::vector<Polyline> m_polylines;
+    std::vector<Line> m_lines;
+    std::vector<Circle> m_circles;
+    std::vector<Rectangle> m_rectangles;
+    std::vector<Text> m_texts;
+    std::int32_t m_defaultColor = 0xFF0000;  // blue
+    QFont m_font;
 };

@@ -39,11 +39,11 @@ void clampAxis(std::int32_t& low, std::int32_t& high, int image) {
 }  // namespace
 
 void ViewGeometry::Reset() {
-    zoom_ = 1.0f;
-    fit_ = Fit::None;
-    source_ = destination_ = {};
-    anchor_ = {};
-    laidOut_ = dragging_ = false;
+    m_zoom = 1.0f;
+    m_fit = Fit::None;
+    m_source = m_destination = {};
+    m_anchor = {};
+    m_laidOut = m_dragging = false;
 }
 
 void ViewGeometry::Adapt(int clientWidth, int clientHeight, int imageWidth, int imageHeight) {
@@ -51,139 +51,139 @@ void ViewGeometry::Adapt(int clientWidth, int clientHeight, int imageWidth, int 
     clientHeight = std::max(clientHeight, 0);
     imageWidth = std::max(imageWidth, 0);
     imageHeight = std::max(imageHeight, 0);
-    if (laidOut_ && clientWidth == clientWidth_ && clientHeight == clientHeight_ && imageWidth == imageWidth_ &&
-        imageHeight == imageHeight_) {
+    if (m_laidOut && clientWidth == m_clientWidth && clientHeight == m_clientHeight && imageWidth == m_imageWidth &&
+        imageHeight == m_imageHeight) {
         return;
     }
-    const bool isResized = laidOut_ && (clientWidth != clientWidth_ || clientHeight != clientHeight_);
-    clientWidth_ = clientWidth;
-    clientHeight_ = clientHeight;
-    imageWidth_ = imageWidth;
-    imageHeight_ = imageHeight;
+    const bool isResized = m_laidOut && (clientWidth != m_clientWidth || clientHeight != m_clientHeight);
+    m_clientWidth = clientWidth;
+    m_clientHeight = clientHeight;
+    m_imageWidth = imageWidth;
+    m_imageHeight = imageHeight;
     const bool hasSizes = clientWidth > 0 && clientHeight > 0 && imageWidth > 0 && imageHeight > 0;
-    isResized&& hasSizes&& fit_ != Fit::None ? ApplyFit() : Layout();
+    isResized&& hasSizes&& m_fit != Fit::None ? ApplyFit() : Layout();
 }
 
 void ViewGeometry::SetZoom(float zoom) {
-    fit_ = Fit::None;
+    m_fit = Fit::None;
     ApplyZoom(zoom);
 }
 
 void ViewGeometry::ApplyZoom(float zoom) {
     // Written so that "no number" (an image without width in a window without width) is limited, too.
-    zoom_ = zoom > kMinimumZoom ? std::min(zoom, kMaximumZoom) : kMinimumZoom;
+    m_zoom = zoom > kMinimumZoom ? std::min(zoom, kMaximumZoom) : kMinimumZoom;
     Layout();
 }
 
 void ViewGeometry::ResetScale() {
-    fit_ = Fit::None;
-    zoom_ = 1.0f;
+    m_fit = Fit::None;
+    m_zoom = 1.0f;
     Layout();
 }
 
 void ViewGeometry::ApplyFit() {
-    const float byWidth = static_cast<float>(clientWidth_) / static_cast<float>(imageWidth_);
-    const float byHeight = static_cast<float>(clientHeight_) / static_cast<float>(imageHeight_);
+    const float byWidth = static_cast<float>(m_clientWidth) / static_cast<float>(m_imageWidth);
+    const float byHeight = static_cast<float>(m_clientHeight) / static_cast<float>(m_imageHeight);
     const float byBoth = std::min(byWidth, byHeight);
-    ApplyZoom(fit_ == Fit::Width    ? byWidth
-              : fit_ == Fit::Height ? byHeight
-              : fit_ == Fit::Whole  ? std::min(byBoth, 1.0f)
-                                    : byBoth);
+    ApplyZoom(m_fit == Fit::Width    ? byWidth
+              : m_fit == Fit::Height ? byHeight
+              : m_fit == Fit::Whole  ? std::min(byBoth, 1.0f)
+                                     : byBoth);
 }
 
 void ViewGeometry::FitHeight() {
-    fit_ = Fit::Height;
+    m_fit = Fit::Height;
     ApplyFit();
 }
 
 void ViewGeometry::FitWidth() {
-    fit_ = Fit::Width;
+    m_fit = Fit::Width;
     ApplyFit();
 }
 
 void ViewGeometry::FitToWindow() {
-    fit_ = Fit::Window;
+    m_fit = Fit::Window;
     ApplyFit();
 }
 
 bool ViewGeometry::FitIfLarger() {
-    const bool isLarger = imageWidth_ > clientWidth_ || imageHeight_ > clientHeight_;
-    if (isLarger || zoom_ == 1.0f) fit_ = Fit::Whole;
+    const bool isLarger = m_imageWidth > m_clientWidth || m_imageHeight > m_clientHeight;
+    if (isLarger || m_zoom == 1.0f) m_fit = Fit::Whole;
     if (isLarger) ApplyFit();
     return isLarger;
 }
 
 void ViewGeometry::Layout() {
-    laidOut_ = true;
-    ViewPoint imageAnchor = anchor_;
-    ClientToImage(anchor_, &imageAnchor);  // by the old rectangles
-    place(scaled(imageWidth_, zoom_), clientWidth_, destination_.left, destination_.right);
-    place(scaled(imageHeight_, zoom_), clientHeight_, destination_.top, destination_.bottom);
-    const int width = visible(imageWidth_, clientWidth_, zoom_);
-    const int height = visible(imageHeight_, clientHeight_, zoom_);
-    source_ = ViewRect{0, 0, width, height};
-    if (clientWidth_ < 1 || clientHeight_ < 1) return;
+    m_laidOut = true;
+    ViewPoint imageAnchor = m_anchor;
+    ClientToImage(m_anchor, &imageAnchor);  // by the old rectangles
+    place(scaled(m_imageWidth, m_zoom), m_clientWidth, m_destination.left, m_destination.right);
+    place(scaled(m_imageHeight, m_zoom), m_clientHeight, m_destination.top, m_destination.bottom);
+    const int width = visible(m_imageWidth, m_clientWidth, m_zoom);
+    const int height = visible(m_imageHeight, m_clientHeight, m_zoom);
+    m_source = ViewRect{0, 0, width, height};
+    if (m_clientWidth < 1 || m_clientHeight < 1) return;
     const auto offset = [](int anchor, int client, int visibleSize) {
         return static_cast<int>(static_cast<float>(anchor) / static_cast<float>(client) *
                                 static_cast<float>(visibleSize));
     };
-    source_ = source_.Moved(imageAnchor.x - offset(anchor_.x, clientWidth_, width),
-                            imageAnchor.y - offset(anchor_.y, clientHeight_, height));
+    m_source = m_source.Moved(imageAnchor.x - offset(m_anchor.x, m_clientWidth, width),
+                              imageAnchor.y - offset(m_anchor.y, m_clientHeight, height));
     ClampSource();
 }
 
 void ViewGeometry::ClampSource() {
-    clampAxis(source_.top, source_.bottom, imageHeight_);
-    clampAxis(source_.left, source_.right, imageWidth_);
+    clampAxis(m_source.top, m_source.bottom, m_imageHeight);
+    clampAxis(m_source.left, m_source.right, m_imageWidth);
 }
 
 bool ViewGeometry::ClientToImage(ViewPoint in, ViewPoint* out) const {
-    if (imageWidth_ < 1 || imageHeight_ < 1 || source_.IsEmpty() || destination_.IsEmpty()) return false;
-    if (!destination_.Holds(in)) return false;
-    const int x = source_.left + truncatedShare(source_.Width(), destination_.Width(), in.x - destination_.left);
-    const int y = source_.top + truncatedShare(source_.Height(), destination_.Height(), in.y - destination_.top);
-    *out = {std::clamp(x, 0, imageWidth_ - 1), std::clamp(y, 0, imageHeight_ - 1)};
+    if (m_imageWidth < 1 || m_imageHeight < 1 || m_source.IsEmpty() || m_destination.IsEmpty()) return false;
+    if (!m_destination.Holds(in)) return false;
+    const int x = m_source.left + truncatedShare(m_source.Width(), m_destination.Width(), in.x - m_destination.left);
+    const int y = m_source.top + truncatedShare(m_source.Height(), m_destination.Height(), in.y - m_destination.top);
+    *out = {std::clamp(x, 0, m_imageWidth - 1), std::clamp(y, 0, m_imageHeight - 1)};
     return true;
 }
 
 bool ViewGeometry::ImageToClient(ViewPoint in, ViewPoint* out) const {
-    if (source_.IsEmpty() || destination_.IsEmpty() || !source_.Grown(1).Holds(in)) return false;
-    *out = {destination_.left + roundedShare(destination_.Width(), source_.Width(), in.x - source_.left),
-            destination_.top + roundedShare(destination_.Height(), source_.Height(), in.y - source_.top)};
+    if (m_source.IsEmpty() || m_destination.IsEmpty() || !m_source.Grown(1).Holds(in)) return false;
+    *out = {m_destination.left + roundedShare(m_destination.Width(), m_source.Width(), in.x - m_source.left),
+            m_destination.top + roundedShare(m_destination.Height(), m_source.Height(), in.y - m_source.top)};
     return true;
 }
 
 bool ViewGeometry::Wheel(ViewPoint point, bool zoomIn, bool fast) {
-    if (!destination_.Covers(point)) return false;
+    if (!m_destination.Covers(point)) return false;
     constexpr float kStep = 0.01f, kFastStep = 0.04f;
     const float step = fast ? kFastStep : kStep;
-    anchor_ = point;
-    SetZoom(zoomIn ? zoom_ + step : zoom_ - step);
+    m_anchor = point;
+    SetZoom(zoomIn ? m_zoom + step : m_zoom - step);
     return true;
 }
 
 bool ViewGeometry::BeginDrag(ViewPoint point) {
-    if (destination_.Width() < clientWidth_ && destination_.Height() < clientHeight_) return false;
-    dragging_ = true;
-    anchor_ = point;
+    if (m_destination.Width() < m_clientWidth && m_destination.Height() < m_clientHeight) return false;
+    m_dragging = true;
+    m_anchor = point;
     return true;
 }
 
 void ViewGeometry::DragTo(ViewPoint point) {
     ViewPoint from, to;
     // Over the background beside the image there is no image point to hold on to.
-    const bool mapped = ClientToImage(anchor_, &from) && ClientToImage(point, &to);
-    anchor_ = point;
+    const bool mapped = ClientToImage(m_anchor, &from) && ClientToImage(point, &to);
+    m_anchor = point;
     if (!mapped) return;
-    if (from != to) fit_ = Fit::None;
-    source_ = source_.Moved(from.x - to.x, from.y - to.y);
+    if (from != to) m_fit = Fit::None;
+    m_source = m_source.Moved(from.x - to.x, from.y - to.y);
     ClampSource();
 }
 
 bool ViewGeometry::EndDrag() {
-    if (!dragging_) return false;
-    dragging_ = false;
-    anchor_ = {};
+    if (!m_dragging) return false;
+    m_dragging = false;
+    m_anchor = {};
     return true;
 }
 
@@ -193,14 +193,14 @@ ViewRect ViewGeometry::DefaultRoi(int width, int height) {
 }
 
 ViewRect ViewGeometry::DefaultTracker() const {
-    const int dx = destination_.Width() / 50, dy = destination_.Height() / 50;
-    return {destination_.left + dx, destination_.top + dy, destination_.right - dx, destination_.bottom - dy};
+    const int dx = m_destination.Width() / 50, dy = m_destination.Height() / 50;
+    return {m_destination.left + dx, m_destination.top + dy, m_destination.right - dx, m_destination.bottom - dy};
 }
 
 bool ViewGeometry::TrackerToRoi(const ViewRect& tracker, ViewRect* roi) const {
     const auto inside = [this](int x, int y) {
-        return ViewPoint{std::clamp(x, destination_.left, destination_.right),
-                         std::clamp(y, destination_.top, destination_.bottom)};
+        return ViewPoint{std::clamp(x, m_destination.left, m_destination.right),
+                         std::clamp(y, m_destination.top, m_destination.bottom)};
     };
     ViewPoint first, second;
     if (!ClientToImage(inside(tracker.left, tracker.top), &first)) return false;

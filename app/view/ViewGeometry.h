@@ -19,7 +19,7 @@ public:
     /// fitted anew to another window size, until it is set in another way or the image is dragged.
     void Adapt(int clientWidth, int clientHeight, int imageWidth, int imageHeight);
 
-    float GetZoom() const { return zoom_; }
+    float GetZoom() const { return m_zoom; }
     void SetZoom(float zoom);  ///< limited to 0.01 to 10
     void ResetScale();         ///< zoom 1.0
     void FitHeight();          ///< the image's height fills the client area's; limited as by SetZoom
@@ -30,8 +30,8 @@ public:
     /// @return whether the zoom was fitted
     bool FitIfLarger();
 
-    const ViewRect& GetSource() const { return source_; }            ///< image pixels
-    const ViewRect& GetDestination() const { return destination_; }  ///< client pixels
+    const ViewRect& GetSource() const { return m_source; }            ///< image pixels
+    const ViewRect& GetDestination() const { return m_destination; }  ///< client pixels
 
     /// Truncates, and never leaves the image: a point on the right or lower edge gives the last column or row.
     /// @return false, `out` untouched, for a point outside the destination or without an image
@@ -48,7 +48,7 @@ public:
     bool BeginDrag(ViewPoint point);
     void DragTo(ViewPoint point);
     bool EndDrag();  ///< drops the anchor. @return whether there was a drag
-    bool IsDragging() const { return dragging_; }
+    bool IsDragging() const { return m_dragging; }
 
     /// The ROI that a new image begins with, in image pixels: a sixteenth off each side.
     static ViewRect DefaultRoi(int width, int height);
@@ -70,13 +70,13 @@ private:
     void Layout();
     void ClampSource();
 
-    float zoom_ = 1.0f;
-    int clientWidth_ = 0, clientHeight_ = 0;
-    int imageWidth_ = 0, imageHeight_ = 0;
-    enum class Fit { None, Height, Width, Window, Whole } fit_ = Fit::None;
-    ViewRect source_;
-    ViewRect destination_;
-    ViewPoint anchor_;  // (0, 0) when there is none
-    bool laidOut_ = false;
-    bool dragging_ = false;
+    float m_zoom = 1.0f;
+    int m_clientWidth = 0, m_clientHeight = 0;
+    int m_imageWidth = 0, m_imageHeight = 0;
+    enum class Fit { None, Height, Width, Window, Whole } m_fit = Fit::None;
+    ViewRect m_source;
+    ViewRect m_destination;
+    ViewPoint m_anchor;  // (0, 0) when there is none
+    bool m_laidOut = false;
+    bool m_dragging = false;
 };
