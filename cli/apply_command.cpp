@@ -7,13 +7,15 @@
 #include <mutex>
 #include <set>
 
+#include "calibration/CTivTonewrightDC.h"
+#include "calibration/calibration_files.h"
 #include "calibration/execute_transform.h"
 #include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/engine.h"
-#include "cli/files.h"
 #include "cli/side_by_side.h"
 #include "cli/signals.h"
+#include "imagefile/picture_file.h"
 
 namespace fs = std::filesystem;
 

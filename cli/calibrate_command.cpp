@@ -12,12 +12,12 @@
 #include "cli/chart_reading.h"
 #include "cli/command.h"
 #include "cli/engine.h"
-#include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
 #include "cli/quality_json.h"
 #include "cli/report_outputs.h"
 #include "cli/target_options.h"
+#include "imagefile/picture_file.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/findings.h"
 

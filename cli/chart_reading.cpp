@@ -7,9 +7,10 @@
 #include "chart/orientation.h"
 #include "cli/arguments.h"
 #include "cli/chart_finding.h"
-#include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
+#include "foundation/whole_files.h"
+#include "imagefile/picture_file.h"
 #include "quality/measured_chart.h"
 
 namespace {

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "foundation/library_texts.h"
+
 namespace CLI {
 class App;
 }
@@ -18,12 +20,6 @@ enum ExitStatus : int {
     kWorkFailed = 1,  ///< what the command was to do failed, or failed for some of its files
     kWrongUsage = 2,  ///< the command line is wrong
     kLimitBroken = 3  ///< all was done, and a calibration does not keep the limits that it was held against
-};
-
-/// The work failed; the text is for standard error, the library's own where the library refused.
-class WorkFailure : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
 };
 
 /// The command line is wrong in a way that shows only later than parsing; the text says which argument and why.

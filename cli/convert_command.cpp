@@ -3,10 +3,10 @@
 
 #include "cli/arguments.h"
 #include "cli/command.h"
-#include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
 #include "imagefile/CTivImageFileFormat.h"
+#include "imagefile/picture_file.h"
 
 namespace {
 

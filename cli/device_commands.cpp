@@ -5,11 +5,10 @@
 #include "acquisition/CoefficientTransfer.h"
 #include "acquisition/zvn/ZvnAcqDevice.h"
 #include "acquisition/zvn/ZvnManager.h"
+#include "calibration/calibration_files.h"
 #include "cli/arguments.h"
 #include "cli/devices.h"
-#include "cli/files.h"
 #include "cli/output_set.h"
-#include "cli/whole_files.h"
 
 namespace {
 

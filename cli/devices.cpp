@@ -7,7 +7,6 @@
 
 #include "acquisition/zvn/CAcqConfigDlg.h"
 #include "acquisition/zvn/ZvnManager.h"
-#include "cli/files.h"
 
 void AddDeviceOptions(CLI::App& command, DeviceChoice& choice, bool withConfig) {
     command.add_option("--device", choice.device, "The device's name, as devices lists it (default: the first)")

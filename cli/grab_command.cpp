@@ -7,10 +7,10 @@
 
 #include "cli/arguments.h"
 #include "cli/devices.h"
-#include "cli/files.h"
 #include "cli/frame_mean.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
+#include "imagefile/picture_file.h"
 
 namespace {
 

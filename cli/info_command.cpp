@@ -3,12 +3,14 @@
 
 #include <memory>
 
+#include "calibration/calibration_files.h"
 #include "cli/command.h"
 #include "cli/engine.h"
-#include "cli/files.h"
 #include "cli/json_values.h"
-#include "cli/whole_files.h"
+#include "foundation/whole_files.h"
 #include "imagefile/CTivImageReader.h"
+#include "imagefile/file_kind.h"
+#include "imagefile/picture_file.h"
 
 namespace {
 
@@ -92,7 +94,7 @@ Json describeCoefficients(const std::string& path) {
 Json describe(const std::string& path, FileKind kind) {
     switch (kind) {
         case FileKind::Unknown:
-            RequireOpens(path);
+            OpenFile(path);
             throw WorkFailure(path + ": unknown kind of file");
         case FileKind::NativeVector:
             return ToJson(ReadWholeVector(path));

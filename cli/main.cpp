@@ -5,11 +5,11 @@
 #include <new>
 
 #include "cli/command.h"
-#include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
 #include "cli/signals.h"
 #include "foundation/CTivManager.h"
+#include "foundation/library_texts.h"
 #include "foundation/version.h"
 
 namespace {

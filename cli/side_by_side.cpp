@@ -6,8 +6,8 @@
 #include <thread>
 #include <vector>
 
-#include "cli/files.h"
 #include "cli/signals.h"
+#include "foundation/library_texts.h"
 
 std::size_t DoSideBySide(std::size_t pieces, int workers,
                          const std::function<void(std::size_t piece, std::size_t worker)>& work) {

@@ -5,7 +5,7 @@
 
 #include "chart/CCSVParser.h"
 #include "cli/arguments.h"
-#include "cli/files.h"
+#include "foundation/whole_files.h"
 
 namespace {
 

@@ -2,14 +2,15 @@
 #include <filesystem>
 #include <memory>
 
+#include "calibration/CTivTonewrightDC.h"
 #include "calibration/calibrate_at_depth.h"
+#include "calibration/calibration_files.h"
 #include "calibration/execute_transform.h"
 #include "calibration/fit_transform.h"
 #include "cli/arguments.h"
 #include "cli/chart_reading.h"
 #include "cli/command.h"
 #include "cli/engine.h"
-#include "cli/files.h"
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
 #include "cli/report_outputs.h"

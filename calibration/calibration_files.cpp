@@ -1,60 +1,31 @@
-#include "cli/whole_files.h"
+#include "calibration/calibration_files.h"
 
-#include <cerrno>
-#include <fstream>
-#include <system_error>
+#include <algorithm>
+#include <array>
 
+#include "calibration/CTivTonewrightDC.h"
+#include "calibration/calibrate_at_depth.h"
 #include "calibration/illuminants.h"
-#include "cli/command.h"
-#include "cli/files.h"
-#include "foundation/record_length.h"
+#include "foundation/library_texts.h"
+#include "foundation/whole_files.h"
 
 namespace {
-
-std::ifstream open(const std::string& path) {
-    RequireFile(path);
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (file) return file;
-    throw WorkFailure(path + ": cannot open file for reading: " + std::generic_category().message(errno));
-}
-
-void rewind(std::ifstream& file) {
-    file.clear();
-    file.seekg(0);
-}
 
 void requireTerms(const std::string& path, std::int32_t terms) {
     if (terms == 4 || terms == 7 || terms == 10) return;
     throw WorkFailure(path + ": the term count is " + std::to_string(terms) + ", not 4, 7 or 10");
 }
 
-void requireNoReason(const std::string& path, const std::string& reason) {
-    if (!reason.empty()) throw WorkFailure(path + ": " + reason);
+std::uint8_t toLevel(float fraction) {
+    return fraction > 0 ? static_cast<std::uint8_t>(std::min(fraction * 255.0f, 255.0f)) : std::uint8_t{0};
 }
 
 }  // namespace
 
-void RequireOpens(const std::string& path) { open(path); }
-
-void RequireWholeImage(const std::string& path) {
-    std::ifstream file = open(path);
-    requireNoReason(path, CheckImageLength(file));
-}
-
-CTivVector ReadWholeVector(const std::string& path) {
-    std::ifstream file = open(path);
-    requireNoReason(path, CheckVectorLength(file));
-    rewind(file);
-    CTivVector vector;
-    Require([&] { return vector.ReadFile(file); }, path, "cannot read the vector");
-    return vector;
-}
-
 ParameterFile ReadWholeParameters(const std::string& path) {
-    std::ifstream file = open(path);
-    requireNoReason(path, CheckParameterLength(file));
-    rewind(file);
+    std::ifstream file = OpenFile(path);
+    RequireNoReason(path, CheckParameterLength(file));
+    Rewind(file);
     ParameterFile result;
     Require([&] { return ReadParameters(file, result.parameters, result.version); }, path,
             "cannot read the parameters");
@@ -69,9 +40,9 @@ ParameterFile ReadWholeParameters(const std::string& path) {
 }
 
 CoefficientFile ReadWholeCoefficients(const std::string& path) {
-    std::ifstream file = open(path);
-    requireNoReason(path, CheckCoefficientLength(file));
-    rewind(file);
+    std::ifstream file = OpenFile(path);
+    RequireNoReason(path, CheckCoefficientLength(file));
+    Rewind(file);
     CoefficientFile result;
     Require([&] { return ReadCoefficients(file, result.head, result.transform); }, path,
             "cannot read the coefficients");
@@ -80,4 +51,18 @@ CoefficientFile ReadWholeCoefficients(const std::string& path) {
         throw WorkFailure(path + ": the transform is not one of 3 x " + std::to_string(result.head.terms) + " floats");
     }
     return result;
+}
+
+void LoadParameters(CTivTonewrightDC& engine, const std::string& path) {
+    ReadWholeParameters(path);
+    Require([&] { return engine.Load(path) && CalibrateAtDepth(engine); }, path, "cannot load the parameters");
+}
+
+void LoadCoefficients(CTivTonewrightDC& engine, const std::string& path) {
+    const CoefficientFile file = ReadWholeCoefficients(path);
+    Require([&] { return engine.LoadXForm(path); }, path, "cannot load the coefficients");
+    // An operator without raw colors would put the file's saturation elsewhere, and leave at 0 what a file has none of.
+    std::array<std::uint8_t, 3> levels = {255, 255, 255};
+    if (file.head.saturation) std::ranges::transform(*file.head.saturation, levels.begin(), toLevel);
+    engine.SetSaturationValueEx(CTivData::Rgb(levels[0], levels[1], levels[2]));
 }
