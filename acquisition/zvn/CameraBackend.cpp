@@ -11,6 +11,7 @@ ZvnBackend* GetCameraBackend() { return nullptr; }
 #include <cstring>
 
 #include "acquisition/zvn/camera_source_impl.h"
+#include "acquisition/zvn/color_journal.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ public:
             lookedAt_.reset();
             return nullptr;
         }
-        auto source = std::make_shared<CameraSource>(std::move(camera));
+        auto source = std::make_shared<CameraSource>(std::move(camera), found()->key);
         const std::string wrong = source->Configure(configFile);
         if (wrong.empty()) return source;
         TellZvnStatus(wrong);
@@ -56,15 +57,20 @@ public:
 private:
     struct Camera {
         std::string name;
-        std::string id;  // the camera library's
+        std::string id;   // the camera library's
+        std::string key;  // tells it from all others
     };
+
+    static std::string ToText(const char* text) { return text ? text : ""; }
 
     void Look() {
         arv_update_device_list();
         lookedAt_ = Clock::now();
         cameras_.clear();
         for (unsigned i = 0; i < arv_get_n_devices(); ++i) {
-            cameras_.push_back({NameFor(arv_get_device_model(i), arv_get_device_serial_nbr(i)), arv_get_device_id(i)});
+            const char *model = arv_get_device_model(i), *serial = arv_get_device_serial_nbr(i);
+            cameras_.push_back({NameFor(model, serial), arv_get_device_id(i),
+                                GetZvnCameraKey(ToText(arv_get_device_vendor(i)), ToText(model), ToText(serial))});
         }
     }
 

@@ -52,6 +52,7 @@ std::string CameraSource::Apply(const std::string& name, const std::string& valu
 }
 
 std::string CameraSource::Configure(const std::string& configFile) {
+    RestoreColorFeatures();
     arv_camera_set_acquisition_mode(camera_.get(), ARV_ACQUISITION_MODE_CONTINUOUS, nullptr);
     if (!configFile.empty()) {
         const std::string wrong = ReadIni(configFile, [this](const std::string&, const std::string& name,
@@ -208,6 +209,14 @@ bool CameraSource::HasColorFeatures() {
     return HasZvnColorFeatures(features);
 }
 
+/// Before the configuration, which may switch the transformation on.
+void CameraSource::RestoreColorFeatures() {
+    CameraFeatures features(Device());
+    ZvnColorJournal journal(FindZvnJournalFolder(), key_);
+    const ZvnColorRecovery recovery = RestoreZvnColorFeatures(features, journal);
+    if (!recovery.text.empty()) TellZvnStatus(recovery.text, recovery.isGood ? ZvnStatus::Note : ZvnStatus::Error);
+}
+
 std::optional<std::array<float, 12>> CameraSource::ReadColorFeatures() {
     CameraFeatures features(Device());
     try {
@@ -223,7 +232,9 @@ bool CameraSource::WriteColorFeatures(std::span<const float, 12> matrix) {
     ZvnColorMatrix values{};
     std::ranges::copy(matrix, values.begin());
     try {
-        WriteZvnColorFeatures(features, GetFullScale(), values);
+        ZvnColorJournal journal(FindZvnJournalFolder(), key_);
+        const std::string note = WriteZvnColorFeatures(features, GetFullScale(), values, journal);
+        if (!note.empty()) TellZvnStatus(note, ZvnStatus::Note);
         return true;
     } catch (const ZvnFeatureFailure& failure) {
         TellZvnStatus(std::string("writing the color transformation: ") + failure.what());

@@ -9,11 +9,13 @@
 /// An open GenICam camera.
 class CameraSource : public ZvnSource {
 public:
-    explicit CameraSource(ArvCameraHandle camera) : camera_(std::move(camera)) {}
+    /// @param key what tells the camera from all others, empty where that is not known
+    CameraSource(ArvCameraHandle camera, std::string key) : camera_(std::move(camera)), key_(std::move(key)) {}
     /// Closing a camera that was unplugged takes seconds: it goes on by itself then.
     ~CameraSource() override;
 
-    /// Applies the configuration and learns what the frames are like. @return why it fails, empty where it does not
+    /// Puts back coefficients whose transfer was cut off, applies the configuration and learns what the frames are
+    /// like. @return why it fails, empty where it does not
     std::string Configure(const std::string& configFile);
 
     ZvnFrameFormat GetFrameFormat() const override { return frame_; }
@@ -38,10 +40,12 @@ private:
     void LookAtTrigger();
     void LookAtExposure();
     double GetFullScale();
+    void RestoreColorFeatures();
     void TellRefusedFormat() const;
     bool TakePicture(ArvBuffer* buffer, bool isDirect, std::span<std::byte> destination) const;
 
     ArvCameraHandle camera_;
+    std::string key_;
     int deliveredBits_ = 8;
     bool isTriggered_ = false;  // frames come when TriggerSoftware is carried out
     int exposureMs_ = 0;

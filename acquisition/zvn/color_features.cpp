@@ -17,16 +17,15 @@ constexpr const char* kValueSelector = "ColorTransformationValueSelector";
 constexpr const char* kValue = "ColorTransformationValue";
 constexpr const char* kOwnSelection = "RGBtoRGB";
 
-// In the order of a matrix.
-constexpr const char* kEntries[] = {"Offset0", "Gain00", "Gain01",  "Gain02", "Offset1", "Gain10",
-                                    "Gain11",  "Gain12", "Offset2", "Gain20", "Gain21",  "Gain22"};
-constexpr std::size_t kCount = std::size(kEntries);
+constexpr const auto& kEntries = kZvnColorValueNames;
+constexpr std::size_t kCount = kEntries.size();
 // Steps that a camera may have without saying so.
 constexpr double kLongestGainStep = 1.0 / 16;
 constexpr double kLongestOffsetStep = 4;  // counts
 constexpr bool isOffset(std::size_t i) { return i % 4 == 0; }
 
-using Values = std::array<double, kCount>;  // as the camera counts them
+using Values = ZvnColorValues;
+constexpr const char* kCutOff = "an earlier transfer of coefficients to this camera was cut off; ";
 
 std::string toText(double value) {
     char text[32];
@@ -94,9 +93,15 @@ public:
         }
     }
 
+    double GetStep(std::size_t i) const {
+        features_.SetChoice(kValueSelector, kEntries[i]);
+        return features_.GetRange(kValue).step;
+    }
+
+    bool IsOn() const { return features_.GetSwitch(kEnable); }
     void Switch(bool on) const {
         features_.SetSwitch(kEnable, on);
-        if (features_.GetSwitch(kEnable) == on) return;
+        if (IsOn() == on) return;
         throw ZvnFeatureFailure(std::string(kEnable) + " stays " + (on ? "off" : "on"));
     }
 
@@ -131,18 +136,68 @@ private:
     std::vector<std::string> known_;
 };
 
+/// Writes a transform while it is off. @throw ZvnFeatureFailure
+void putIn(const Selection& selection, const Values& values, bool on) {
+    selection.Switch(false);
+    selection.SetAll(values);
+    selection.Switch(on);
+}
+
 /// @return what has become of the earlier transform
-std::string putBack(const Selection& selection, const Values& earlier, bool wasOn) {
+std::string putBack(const Selection& selection, const Values& earlier, bool wasOn, ZvnColorJournal& journal) {
     try {
-        selection.Switch(false);
-        selection.SetAll(earlier);
-        selection.Switch(wasOn);
+        putIn(selection, earlier, wasOn);
+        journal.Drop();
         return "the earlier coefficients are back";
     } catch (const ZvnFeatureFailure&) {
-        return "the earlier coefficients could not be put back; unless the camera has kept them, its color "
-               "transformation "
-               "is off: send again";
+        const std::string text =
+            "the earlier coefficients could not be put back; unless the camera has kept them, its color transformation "
+            "is off: ";
+        return text + (journal.IsPending() ? "opening the camera again puts them back" : "send again");
     }
+}
+
+/// Whether a value may be what is left of writing `wanted`: a camera's step beside it, or as far as finding the step
+/// goes.
+bool isNear(double value, double wanted, std::size_t i, double step) {
+    const double reach = std::max(step, 3 * (isOffset(i) ? kLongestOffsetStep : kLongestGainStep));
+    return std::fabs(value - wanted) <= reach;
+}
+
+enum class Left { Earlier, Next, Between, Other };
+
+/// What a transfer that was cut off has left in the camera.
+Left judgeLeft(const Selection& selection, const ZvnColorRecord& record) {
+    const Values now = selection.GetAll();
+    bool isEarlier = true, isNext = true, isOurs = true;
+    for (std::size_t i = 0; i < kCount; ++i) {
+        if (!selection.Has(i)) continue;
+        const double step = selection.GetStep(i);
+        const bool nearNext = isNear(now[i], record.next[i], i, step);
+        isEarlier = isEarlier && now[i] == record.earlier[i];
+        isNext = isNext && nearNext;
+        isOurs = isOurs && (nearNext || isNear(now[i], record.earlier[i], i, step));
+    }
+    if (isEarlier && (selection.IsOn() || !record.wasOn)) return Left::Earlier;
+    if (isNext && selection.IsOn()) return Left::Next;  // what is on was compared before
+    return isOurs ? Left::Between : Left::Other;
+}
+
+ZvnColorRecovery restore(const Selection& selection, const ZvnColorRecord& record) {
+    const std::string cutOff = kCutOff;
+    switch (judgeLeft(selection, record)) {
+        case Left::Earlier:
+            return {cutOff + "it has kept those from before"};
+        case Left::Next:
+            return {cutOff + "it has the new ones"};
+        case Left::Other:
+            return {cutOff + "others came to it since, and stay"};
+        case Left::Between:
+            break;
+    }
+    for (std::size_t i = 0; i < kCount; ++i) selection.Require(i, record.earlier[i]);
+    putIn(selection, record.earlier, record.wasOn);
+    return {cutOff + "those from before are back" + (record.wasOn ? "" : ", switched off as they were")};
 }
 
 }  // namespace
@@ -169,22 +224,56 @@ ZvnColorMatrix ReadZvnColorFeatures(ZvnFeatures& features, double fullScale) {
     return matrix;
 }
 
-void WriteZvnColorFeatures(ZvnFeatures& features, double fullScale, const ZvnColorMatrix& matrix) {
+std::string WriteZvnColorFeatures(ZvnFeatures& features, double fullScale, const ZvnColorMatrix& matrix,
+                                  ZvnColorJournal& journal) {
+    if (!journal.Lock()) throw ZvnFeatureFailure("another program is writing coefficients to the camera");
     const Selection selection(features);
-    Values values;
+    ZvnColorRecord record;
     for (std::size_t i = 0; i < kCount; ++i) {
-        values[i] = static_cast<double>(matrix[i]) * (isOffset(i) ? fullScale : 1.0);
-        selection.Require(i, values[i]);
+        record.next[i] = static_cast<double>(matrix[i]) * (isOffset(i) ? fullScale : 1.0);
+        selection.Require(i, record.next[i]);
     }
-    const bool wasOn = features.GetSwitch(kEnable);
-    const Values earlier = selection.GetAll();
+    record.wasOn = selection.IsOn();
+    record.earlier = selection.GetAll();
+    std::string wrong;
+    if (const auto pending = journal.Read(wrong)) {
+        record.earlier = pending->earlier;
+        record.wasOn = pending->wasOn;
+    }
+    const std::string unkept = journal.Keep(record);
     try {
-        selection.Switch(false);
-        selection.SetAll(values);
-        selection.Switch(true);
+        putIn(selection, record.next, true);
     } catch (const ZvnFeatureFailure& failure) {
-        throw ZvnFeatureFailure(failure.what() + std::string("; ") + putBack(selection, earlier, wasOn));
+        throw ZvnFeatureFailure(failure.what() + std::string("; ") +
+                                putBack(selection, record.earlier, record.wasOn, journal));
     }
+    journal.Drop();
+    return unkept.empty()
+               ? ""
+               : "nothing would have brought the camera's earlier coefficients back, had it been lost meanwhile: " +
+                     unkept;
+}
+
+ZvnColorRecovery RestoreZvnColorFeatures(ZvnFeatures& features, ZvnColorJournal& journal) {
+    if (!journal.IsPending()) return {};
+    if (!journal.Lock()) return {"another program is writing coefficients to the camera"};
+    std::string wrong;
+    const auto record = journal.Read(wrong);
+    if (!record && wrong.empty()) return {};  // another program has ended its transfer meanwhile
+    ZvnColorRecovery recovery;
+    if (!record) {
+        recovery = {kCutOff + ("what is to be put back cannot be used: " + wrong), false};
+    } else {
+        try {
+            recovery = restore(Selection(features), *record);
+        } catch (const ZvnFeatureFailure& failure) {
+            return {kCutOff + ("those from before could not be put back: " + std::string(failure.what())) +
+                        "; opening the camera again tries again, and sending others ends it",
+                    false};
+        }
+    }
+    journal.Drop();
+    return recovery;
 }
 
 std::vector<char> MakeZvnCoefficients(const ZvnColorMatrix& matrix) {

@@ -223,6 +223,45 @@ TEST_F(Camera, WithoutAFileTakesCoefficientsThroughItsFeatures) {
     EXPECT_EQ(LastError(), "Cannot write file to device.");
 }
 
+TEST_F(Camera, ATransferThatWasCutOffIsPutBackOnOpening) {
+    answers_.Write("camera.xml", CameraDescription().ColorTransformation().Xml());
+    answers_.Write("up.ccor", coefficients(kMatrix));
+    answers_.Write("cut-off.txt",
+                   "ColorTransformationEnable = false\nColorTransformationValueSelector = Gain00\n"
+                   "ColorTransformationValue = 1\nColorTransformationValueSelector = Offset0\n"
+                   "ColorTransformationValue = 0\n");
+    answers_.Write("on.txt", "ColorTransformationEnable = true\n");
+    const FakeCamera camera(answers_.Path("camera.xml"));
+    if (!camera.IsRunning()) GTEST_SKIP() << "another program has the fake camera's port";
+    ASSERT_TRUE(IsFound(camera));
+    RecordedSession recorded;
+    CTonewrightAcq& session = recorded.session;
+    answers_.Pick(camera.Name());
+    ASSERT_TRUE(session.Configure()) << LastError();
+    ASSERT_TRUE(session.TransferFile(answers_.Path("up.ccor").c_str(), true)) << LastError();
+    ZvnColorJournal journal(FindZvnJournalFolder(), GetZvnCameraKey("Aravis", "Fake", FakeCamera::Serial()));
+    EXPECT_FALSE(journal.IsPending());
+    answers_.Pick(camera.Name(), answers_.Path("cut-off.txt"));
+    ASSERT_TRUE(session.Configure()) << LastError();
+
+    // As a program leaves it that ended behind the first two of the new values.
+    ZvnColorRecord record{{}, {0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, true};
+    for (std::size_t i = 0; i < 12; ++i) {
+        record.earlier[i] = static_cast<double>(kMatrix[i]) * (i % 4 == 0 ? 255.0 : 1.0);
+    }
+    ASSERT_EQ(journal.Keep(record), "");
+    Ear ear;
+    answers_.Pick(camera.Name(), answers_.Path("on.txt"));  // which would put the mixture in force
+    ASSERT_TRUE(session.Configure()) << LastError();
+    ASSERT_EQ(ear.notes.size(), 2u);
+    EXPECT_EQ(ear.notes[0],
+              "an earlier transfer of coefficients to this camera was cut off; those from before are back");
+    EXPECT_THAT(ear.notes[1], testing::StartsWith("ColorTransformationEnable is true"));
+    EXPECT_TRUE(session.TransferFile(answers_.Path("down.ccor").c_str(), false)) << LastError();
+    EXPECT_EQ(answers_.Read("down.ccor"), coefficients(kMatrix));
+    EXPECT_FALSE(journal.IsPending());
+}
+
 TEST_F(Camera, TellsWhatSpoilsACalibrationAndAnUnusableFormat) {
     const CameraDescription::Entries automatic = {{"Off", 0}, {"Once", 1}, {"Continuous", 2}};
     answers_.Write("camera.xml",

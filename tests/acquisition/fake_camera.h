@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/scratch.h"
+
 extern char** environ;
 
 /// A fake GigE Vision camera of Debian's aravis-tools on the loopback network, as a process of its own. The network
@@ -25,6 +27,7 @@ public:
     /// @param lostPackets of a thousand
     explicit FakeCamera(std::string genicam = "", int lostPackets = 0)
         : genicam_(std::move(genicam)), lostPackets_(lostPackets) {
+        setenv("XDG_DATA_HOME", scratchFolder().c_str(), 1);  // what is kept of cameras is no user's
         lock_ =
             open((std::filesystem::temp_directory_path() / "fake-gige-camera.lock").c_str(), O_CREAT | O_RDWR, 0666);
         flock(lock_, LOCK_EX);
@@ -72,10 +75,9 @@ public:
     bool IsRunning() const { return process_ > 0 && waitpid(process_, nullptr, WNOHANG) == 0; }
     /// The server's name: model and serial number.
     std::string Name() const { return "Fake-" + Serial(); }
-
-private:
     static std::string Serial() { return std::to_string(getpid()); }
 
+private:
     std::string genicam_;
     int lostPackets_;
     int lock_ = -1;
