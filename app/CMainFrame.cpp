@@ -4,16 +4,17 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QIcon>
-#include <QLabel>
 #include <QScreen>
 #include <QStatusBar>
 #include <exception>
 
 #include "acquisition/CTonewrightAcq.h"
 #include "acquisition/zvn/ZvnManager.h"
+#include "app/CommandIds.h"
 #include "app/FrameMessage.h"
 #include "app/GetEngine.h"
 #include "app/RibbonControls.h"
+#include "app/StringTable.h"
 #include "app/panes/CLoggerWnd.h"
 #include "app/panes/CQualityWnd.h"
 #include "app/panes/CRawColorWnd.h"
@@ -21,6 +22,7 @@
 #include "app/toolkit/Prompts.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
+#include "app/workflow/StatusTexts.h"
 #include "app/workflow/Workflow.h"
 #include "calibration/CTivTonewrightDC.h"
 
@@ -96,12 +98,12 @@ bool CMainFrame::OnCreate() {
     m_rawViewer->SetComm(this);
     m_rawViewer->SetHost(this);
     setCentralWidget(m_rawViewer.get());
-    CreateStatusBar();
+    m_status = std::make_unique<StudioStatus>(*statusBar());
     m_ribbon->setProperty("controlId", kRibbonControl);
     statusBar()->setProperty("controlId", kStatusBarControl);
     if (!CreatePanes()) return false;
     CreateWorkflow();
-    DockPanes();
+    m_panes->Dock();
     m_rawViewer->SetSelected(1);
     m_rawViewer->setFocus();
     m_workflow->Get<ParameterSteps>().SyncControlsFromEngine();
@@ -124,11 +126,11 @@ void CMainFrame::CreateWorkflow() {
                                                           .baseDir = m_baseDir});
     const WorkflowNews* news = &m_workflow->News();
     connect(news, &WorkflowNews::message, this, &CMainFrame::LogMessage);
-    connect(news, &WorkflowNews::statusChanged, this, &CMainFrame::SetStatus);
-    connect(news, &WorkflowNews::statusWanted, this, [this](int id) { m_statusPanes.at(id)->show(); });
-    connect(news, &WorkflowNews::paneWanted, this, [this](int id) { ShowPane(*PaneOf(id)); });
+    connect(news, &WorkflowNews::statusChanged, this, [this](int id, const QString& text) { m_status->Set(id, text); });
+    connect(news, &WorkflowNews::statusWanted, this, [this](int id) { m_status->Show(id); });
+    connect(news, &WorkflowNews::paneWanted, this, [this](int id) { m_panes->Show(id); });
     connect(news, &WorkflowNews::standsStill, this, [this] {
-        ShowPane(*m_logger);
+        m_panes->Show(ID_CBTN_LOG);
         m_logger->repaint();
     });
     FollowQuality();
@@ -142,6 +144,15 @@ CImageViewerCtrl* CMainFrame::GetSelectedViewer() {
 void CMainFrame::DeselectAllViewers() { m_workflow->Get<PictureSteps>().DeselectAllViewers(); }
 
 void CMainFrame::RefreshManualPick() { m_workflow->Get<CalibrationSteps>().OnAddColor(); }
+
+void CMainFrame::OnPixel(long x, long y, CTivData value) {
+    m_status->Set(string_id::kPixelData, status_texts::Pixel(x, y, value));
+    m_status->Repaint(string_id::kPixelData);
+}
+
+void CMainFrame::OnRoiChanged(ViewRect roi) { m_workflow->Get<CalibrationSteps>().OnRoiChanged(roi); }
+
+void CMainFrame::OnZoomChanged(float zoom) { m_status->Set(string_id::kZoomFactor, status_texts::Zoom(zoom)); }
 
 void CMainFrame::OnFrameReady(int index) { m_workflow->Get<PictureSteps>().OnFrameReady(index); }
 
@@ -159,7 +170,6 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
 
 void CMainFrame::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    KeepLeastWidths();
-    if (event->oldSize().isValid()) GiveRoomBack(event->size().width() - event->oldSize().width());
+    if (m_panes) m_panes->FollowSize(event->oldSize().isValid() ? event->size().width() - event->oldSize().width() : 0);
     if (m_rawViewer && m_rawViewer->isVisible()) m_rawViewer->repaint();
 }

@@ -6,9 +6,10 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <span>
 
+#include "app/PaneLayout.h"
 #include "app/StudioState.h"
+#include "app/StudioStatus.h"
 #include "app/toolkit/Clock.h"
 #include "app/view/CDemoImageViewerComm.h"
 #include "app/view/ViewerHost.h"
@@ -22,7 +23,6 @@ class CRawColorWnd;
 class CSpectrumValuesWnd;
 class CTonewrightAcq;
 class QAction;
-class QLabel;
 class RibbonBar;
 class RibbonControls;
 class Workflow;
@@ -39,13 +39,6 @@ public:
     /// Builds ribbon, status bar, viewers and panes. Once, before the window is shown.
     /// @return false where a part that the window can't do without could not be made
     bool OnCreate();
-
-    /// Puts window and panes where they were when SaveLayout last wrote it, on a screen of today.
-    /// @return false, nothing changed, where nothing was written yet
-    bool RestoreLayout();
-    void SaveLayout() const;
-    /// Dresses the program as the user last chose.
-    static void RestoreChrome();
 
     /// The viewer whose selected flag is set. @return null, with a warning in the log, where there is none
     CImageViewerCtrl* GetSelectedViewer();
@@ -69,6 +62,7 @@ public:
     QAction* GetAction(int id) const;  ///< null for an unknown number
     /// The steps behind the commands. A pane that follows the work connects to its news.
     Workflow& GetWorkflow() { return *m_workflow; }
+    PaneLayout& GetPanes() { return *m_panes; }
 
     /// Takes a file as a drop does: by what its path holds.
     void OpenDroppedFile(const QString& path);
@@ -79,13 +73,10 @@ public:
     // The commands of the window itself. None asks whether it may run: RunCommand does.
     void OnViewCommand(int id);
     void OnClearLog();
-    void OnTogglePane(int id);
     void OnExit();
     void OnAbout();
     void OnHelp();
     void OnContextHelp();
-    void OnResetLayout();
-    void OnChrome(int id);
     void OnSelectViewer(int id);
 
 protected:
@@ -95,22 +86,14 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    // Construction (CMainFrame.cpp, frame_panes.cpp, frame_status.cpp, frame_commands.cpp).
+    // Construction (CMainFrame.cpp, frame_panes.cpp, frame_commands.cpp).
     void CreateActions();
     void CreateRibbon();
-    void CreateStatusBar();
     bool CreatePanes();
     void CreateWorkflow();
     void FollowQuality();
-    void DockPanes();
-    QDockWidget* PaneOf(int id) const;
-    void ShowPane(QDockWidget& pane);
-    void KeepLeastWidths();
-    void GiveRoomBack(int grown);
-    void SetStatus(int id, const QString& text);
     void ShowNextPatch(const StudioState& state);
     void ShowChoices();
-    void ShowChoice(int id, std::span<const int> menuIds);
     void TakeTurn(std::function<void()> step);
 
     // Declared in this order so that the members go in the reverse one: the workflow first, the viewers before their
@@ -121,7 +104,7 @@ private:
     std::unique_ptr<CLoggerWnd> m_logger;
     std::map<int, QAction*> m_actions;
     std::unique_ptr<RibbonBar> m_ribbon;
-    std::map<int, QLabel*> m_statusPanes;
+    std::unique_ptr<StudioStatus> m_status;
     std::unique_ptr<CSpectrumValuesWnd> m_spectrumWnd;
     std::unique_ptr<CRawColorWnd> m_rawColorWnd;
     std::unique_ptr<CQualityWnd> m_qualityWnd;
@@ -130,6 +113,7 @@ private:
     std::unique_ptr<CAutoROIImageViewer> m_rawViewer;
     std::unique_ptr<CAutoROIImageViewer> m_refViewer;
     std::unique_ptr<CImageViewerCtrl> m_calibViewer;
+    std::unique_ptr<PaneLayout> m_panes;
     std::unique_ptr<RibbonControls> m_controls;
     std::unique_ptr<Workflow> m_workflow;
     std::deque<std::function<void()>> m_turns;  ///< the step that runs, and those that wait for its end

@@ -9,6 +9,7 @@
 #include "app/CMainFrame.h"
 #include "app/HelpFile.h"
 #include "app/StringTable.h"
+#include "app/appearance.h"
 #include "app/toolkit/Prompts.h"
 #include "app/workflow/FileSteps.h"
 #include "app/workflow/Workflow.h"
@@ -26,7 +27,7 @@ CTonewrightApp::~CTonewrightApp() = default;
 
 // The toolkit's own parts (controls, drag and drop, keyboard, tool tips) are up when the application object is.
 bool CTonewrightApp::InitInstance() {
-    CMainFrame::RestoreChrome();
+    RestoreAppearance();
     SetHelpRoot(qEnvironmentVariable("ZELVANDIR"));
     CTivManager::Initialize();
     CTivManager::SetErrorMode(ErrorModeNone);  // all words of the library go to the log, none shows by itself
@@ -35,7 +36,7 @@ bool CTonewrightApp::InitInstance() {
     });
     InstallAcquisitionDialogs();
     if (!CreateMainFrame()) return false;
-    if (!m_mainFrame->RestoreLayout()) {
+    if (!m_mainFrame->GetPanes().Restore()) {
         const QRect free = m_mainFrame->screen()->availableGeometry();
         m_mainFrame->move(free.center() - QRect(QPoint(0, 0), m_mainFrame->size()).center());
     }
@@ -52,7 +53,7 @@ bool CTonewrightApp::InitInstance() {
 }
 
 int CTonewrightApp::ExitInstance(int code) {
-    if (m_mainFrame) m_mainFrame->SaveLayout();
+    if (m_mainFrame) m_mainFrame->GetPanes().Save();
     DestroyMainFrame();
     nur_set_message_box({});
     CTivManager::Shutdown();

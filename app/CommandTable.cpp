@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/CMainFrame.h"
+#include "app/appearance.h"
 #include "app/illuminant_commands.h"
 #include "app/workflow/Workflow.h"
 
@@ -53,7 +54,8 @@ bool chromeIs(State s) {
 }
 bool automaticColors(State s) { return !s.manualColors; }
 
-// Calls a function of the frame or of the steps that it belongs to, with the command's number if it takes one.
+// Calls a function of the frame, of its panes or of the steps that it belongs to, with the command's number if it takes
+// one.
 template <class Owner, class... Arguments>
 Owner ownerOf(void (Owner::*)(Arguments...));
 template <auto Member>
@@ -62,6 +64,8 @@ void call(CMainFrame& frame, int id) {
     Owner* owner = nullptr;
     if constexpr (std::is_same_v<Owner, CMainFrame>) {
         owner = &frame;
+    } else if constexpr (std::is_same_v<Owner, PaneLayout>) {
+        owner = &frame.GetPanes();
     } else {
         owner = &frame.GetWorkflow().Get<Owner>();
     }
@@ -71,6 +75,8 @@ void call(CMainFrame& frame, int id) {
         (owner->*Member)();
     }
 }
+
+void dress(CMainFrame&, int id) { ChooseAppearance(id - ID_BTN_CHROME_SYSTEM); }
 
 constexpr CommandRow::Rule kUnchecked = nullptr;
 constexpr auto kNothing = nullptr;
@@ -171,13 +177,15 @@ constexpr CommandRow kFixedCommands[] = {
 
     {ID_BTN_CLEAR_LOG, "Clear", "clear-log", "", always, kUnchecked, call<&F::OnClearLog>,
      "Clear logger window of old messages.\nClear Log"},
-    {ID_CBTN_LOG, "Logger", "", "", always, flag<&S::logVisible>, call<&F::OnTogglePane>, ""},
-    {ID_CBTN_RAW_COLOR_LIST, "Raw colors list", "", "", always, flag<&S::rawColorsVisible>, call<&F::OnTogglePane>, ""},
-    {ID_CBTN_SPECTRUM_VALUES, "Spectrum Values", "", "", always, flag<&S::spectrumVisible>, call<&F::OnTogglePane>, ""},
-    {ID_CBTN_REF_IMG_VIEW, "Reference image viewer", "", "", always, flag<&S::refPaneVisible>, call<&F::OnTogglePane>,
+    {ID_CBTN_LOG, "Logger", "", "", always, flag<&S::logVisible>, call<&PaneLayout::Toggle>, ""},
+    {ID_CBTN_RAW_COLOR_LIST, "Raw colors list", "", "", always, flag<&S::rawColorsVisible>, call<&PaneLayout::Toggle>,
      ""},
+    {ID_CBTN_SPECTRUM_VALUES, "Spectrum Values", "", "", always, flag<&S::spectrumVisible>, call<&PaneLayout::Toggle>,
+     ""},
+    {ID_CBTN_REF_IMG_VIEW, "Reference image viewer", "", "", always, flag<&S::refPaneVisible>,
+     call<&PaneLayout::Toggle>, ""},
     {ID_CBTN_CALIB_IMG_VIEW, "Calibrated image viewer", "", "", always, flag<&S::calibPaneVisible>,
-     call<&F::OnTogglePane>, ""},
+     call<&PaneLayout::Toggle>, ""},
 
     {ID_COLOR_ADD_BY_HAND, "Add color", "", "Return", always, kUnchecked, call<&Calibration::OnAddColor>,
      "Adds a raw color to the raw color list associated with the current image viewer"},
@@ -193,7 +201,7 @@ constexpr CommandRow kFixedCommands[] = {
      call<&QualitySteps::OnFindChart>,
      "Find the chart in the selected picture wherever it lies, and fill the color list with it.\n Find Chart"},
     {ID_BTN_QUALITY_PANE, "Calibration Quality", "quality", "", always, flag<&S::qualityVisible>,
-     call<&F::OnTogglePane>, "Show what the calibration delivers, patch by patch.\n Calibration Quality"},
+     call<&PaneLayout::Toggle>, "Show what the calibration delivers, patch by patch.\n Calibration Quality"},
     {ID_BTN_SAVE_REPORT, "Save Report", "save-report", "", flag<&S::hasReport>, kUnchecked,
      call<&QualitySteps::OnSaveReport>, "Save the figures of the last preview as a page.\n Save Report"},
     {ID_BTN_SEND_COEFFICIENTS, "Send Coefficients", "send-coefficients", "", isOtherCamera, kUnchecked,
@@ -202,15 +210,14 @@ constexpr CommandRow kFixedCommands[] = {
      "Coefficients"},
     {ID_BTN_READ_COEFFICIENTS, "Read Coefficients", "read-coefficients", "", isOtherCamera, kUnchecked,
      call<&Devices::OnReadCoefficients>, "Save the coefficients that the camera has now to disk.\n Read Coefficients"},
-    {ID_BTN_RESET_LAYOUT, "Reset Layout", "reset-layout", "", always, kUnchecked, call<&F::OnResetLayout>,
+    {ID_BTN_RESET_LAYOUT, "Reset Layout", "reset-layout", "", always, kUnchecked, call<&PaneLayout::Reset>,
      "Put all panes back to where they first were.\n Reset Layout"},
     {ID_BTN_CHROME, "Appearance", "appearance", "", always, kUnchecked, kNothing,
      "Choose the colors of the window.\n Appearance"},
-    {ID_BTN_CHROME_SYSTEM, "System", "", "", always, chromeIs<0>, call<&F::OnChrome>,
-     "Light or dark, as the desktop is.\n System"},
-    {ID_BTN_CHROME_LIGHT, "Light", "", "", always, chromeIs<1>, call<&F::OnChrome>, ""},
-    {ID_BTN_CHROME_DARK, "Dark", "", "", always, chromeIs<2>, call<&F::OnChrome>, ""},
-    {ID_BTN_CHROME_NEUTRAL, "Neutral Gray", "", "", always, chromeIs<3>, call<&F::OnChrome>,
+    {ID_BTN_CHROME_SYSTEM, "System", "", "", always, chromeIs<0>, dress, "Light or dark, as the desktop is.\n System"},
+    {ID_BTN_CHROME_LIGHT, "Light", "", "", always, chromeIs<1>, dress, ""},
+    {ID_BTN_CHROME_DARK, "Dark", "", "", always, chromeIs<2>, dress, ""},
+    {ID_BTN_CHROME_NEUTRAL, "Neutral Gray", "", "", always, chromeIs<3>, dress,
      "Gray without any hue, for judging the colors of pictures.\n Neutral Gray"},
     {ID_SELECT_RAW_VIEWER, "Select Raw Viewer", "", "Ctrl+1", always, kUnchecked, call<&F::OnSelectViewer>, ""},
     {ID_SELECT_REF_VIEWER, "Select Reference Viewer", "", "Ctrl+2", always, kUnchecked, call<&F::OnSelectViewer>, ""},

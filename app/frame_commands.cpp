@@ -54,6 +54,14 @@ QList<QKeySequence> keysOf(const CommandRow& row) {
     return keys;
 }
 
+void showChoice(QAction& button, const CommandTip& tip, const QString& choice, const QFontMetrics& metrics) {
+    constexpr const char* kChoice = "choice";
+    if (button.property(kChoice).toString() == choice) return;
+    button.setProperty(kChoice, choice);
+    button.setToolTip(toolTipHtml(tip, choice, metrics));
+    button.setWhatsThis(button.toolTip());
+}
+
 }  // namespace
 
 void CMainFrame::CreateActions() {
@@ -136,24 +144,25 @@ void CMainFrame::ShowChoices() {
     for (const ribbon::Tab& tab : StudioRibbon().tabs) {
         for (const ribbon::Panel& panel : tab.panels) {
             for (const ribbon::Item& item : panel.items) {
-                if (!item.menuIds.empty()) ShowChoice(item.id, item.menuIds);
+                QString choice;
+                for (const int entry : item.menuIds) {
+                    const QAction* const action = GetAction(entry);
+                    if (action && action->isChecked()) choice = action->text();
+                }
+                if (item.menuIds.empty()) continue;
+                showChoice(*m_actions.at(item.id), SplitTip(FindCommand(item.id)->tip), choice, fontMetrics());
             }
         }
     }
 }
 
-void CMainFrame::ShowChoice(int id, std::span<const int> menuIds) {
-    constexpr const char* kChoice = "choice";
-    QString choice;
-    for (const int entry : menuIds) {
-        const QAction* const action = GetAction(entry);
-        if (action && action->isChecked()) choice = action->text();
-    }
-    QAction* const button = m_actions.at(id);
-    if (button->property(kChoice).toString() == choice) return;
-    button->setProperty(kChoice, choice);
-    button->setToolTip(toolTipHtml(SplitTip(FindCommand(id)->tip), choice, fontMetrics()));
-    button->setWhatsThis(button->toolTip());
+// While colors are picked by hand, for the side to which the next one goes. Entries count and not rows: they are what
+// reaches the calibration.
+void CMainFrame::ShowNextPatch(const StudioState& state) {
+    if (!state.manualColors || !(state.rawSelected || state.refSelected)) return m_status->HideNextPatch();
+    const RawColorLists& lists = m_rawColorWnd->Lists();
+    const RawColorSide& side = state.rawSelected ? lists.raw : lists.reference;
+    m_status->ShowNextPatch(side.Entries().size(), *m_spectrumWnd->GetChartSize());
 }
 
 // What was typed and not committed counts for the command that is pressed next, but not for leaving.

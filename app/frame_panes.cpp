@@ -1,8 +1,4 @@
-// The panes of the main window: their titles, numbers, first sizes and places.
-
-#include <QLayout>
-#include <QMainWindow>
-#include <algorithm>
+// The panes of the main window: their titles and numbers.
 
 #include "app/CMainFrame.h"
 #include "app/CommandIds.h"
@@ -11,20 +7,11 @@
 #include "app/panes/CQualityWnd.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
-#include "app/toolkit/RibbonBar.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "app/workflow/Workflow.h"
 
 namespace {
-
-constexpr int kListPaneWidth = 240;
-constexpr int kImagePaneWidth = 800;
-constexpr int kQualityPaneWidth = 260;
-constexpr int kLoggerHeight = 180;
-constexpr int kRawViewerWidth = 320;
-constexpr int kRoomForAll =
-    800;  // a window as wide as this has room for the raw viewer beside the panes at their least
 
 void setUp(QDockWidget& pane, int id, const QString& title, Qt::DockWidgetAreas areas, const char* icon) {
     pane.setObjectName(QString::number(id));
@@ -84,101 +71,16 @@ bool CMainFrame::CreatePanes() {
           ":/icons/list-pane.svg");
     m_rawViewer->SetChartSize(m_spectrumWnd->GetChartSize());
     m_refViewer->SetChartSize(m_spectrumWnd->GetChartSize());
+    m_panes = std::make_unique<PaneLayout>(
+        *this, StudioPanes{*m_logger, *m_rawColorWnd, *m_spectrumWnd, *m_qualityWnd, *m_refPane, *m_calibPane,
+                           *m_rawViewer, *m_refViewer, *m_calibViewer});
     return true;
-}
-
-void CMainFrame::DockPanes() {
-    addDockWidget(Qt::LeftDockWidgetArea, m_rawColorWnd.get());
-    splitDockWidget(m_rawColorWnd.get(), m_qualityWnd.get(), Qt::Horizontal);  // before it has tabs, or it becomes one
-    tabifyDockWidget(m_rawColorWnd.get(), m_spectrumWnd.get());
-    addDockWidget(Qt::BottomDockWidgetArea, m_logger.get());
-    addDockWidget(Qt::RightDockWidgetArea, m_calibPane.get());
-    tabifyDockWidget(m_calibPane.get(), m_refPane.get());
-    m_qualityWnd->hide();  // at once, so that the lists beside it get their width alone
-    resizeDocks({m_rawColorWnd.get(), m_calibPane.get()}, {kListPaneWidth, kImagePaneWidth}, Qt::Horizontal);
-    resizeDocks({m_logger.get()}, {kLoggerHeight}, Qt::Vertical);
-    for (QDockWidget* pane :
-         {static_cast<QDockWidget*>(m_rawColorWnd.get()), static_cast<QDockWidget*>(m_spectrumWnd.get()),
-          static_cast<QDockWidget*>(m_qualityWnd.get()), static_cast<QDockWidget*>(m_calibPane.get()),
-          static_cast<QDockWidget*>(m_refPane.get())}) {
-        pane->hide();
-    }
-    m_logger->show();
-    // An image can come to a viewer before its pane is first shown, and is then fitted to the size to come.
-    const QSize viewerSize(kImagePaneWidth, height() - kLoggerHeight - m_ribbon->sizeHint().height());
-    m_refViewer->resize(viewerSize);
-    m_calibViewer->resize(viewerSize);
-}
-
-QDockWidget* CMainFrame::PaneOf(int id) const {
-    switch (id) {
-        case ID_CBTN_LOG:
-            return m_logger.get();
-        case ID_CBTN_RAW_COLOR_LIST:
-            return m_rawColorWnd.get();
-        case ID_CBTN_SPECTRUM_VALUES:
-            return m_spectrumWnd.get();
-        case ID_BTN_QUALITY_PANE:
-            return m_qualityWnd.get();
-        case ID_CBTN_REF_IMG_VIEW:
-            return m_refPane.get();
-        case ID_CBTN_CALIB_IMG_VIEW:
-            return m_calibPane.get();
-        default:
-            return nullptr;
-    }
-}
-
-// The picture to work on and the lists keep their least widths while there is room, and the image panes give way. In a
-// narrow window they must not, or it could not become narrower.
-void CMainFrame::KeepLeastWidths() {
-    if (!m_spectrumWnd) return;  // still being built
-    const bool hasRoom = width() >= kRoomForAll;
-    m_rawViewer->setMinimumWidth(hasRoom ? kRawViewerWidth : 0);
-    for (QDockWidget* pane :
-         {static_cast<QDockWidget*>(m_rawColorWnd.get()), static_cast<QDockWidget*>(m_spectrumWnd.get()),
-          static_cast<QDockWidget*>(m_qualityWnd.get())}) {
-        pane->setMinimumWidth(hasRoom ? kListPaneWidth : 0);
-    }
-}
-
-// An image pane that gave way gets its width back before the raw viewer gets more than its least.
-void CMainFrame::GiveRoomBack(int grown) {
-    if (grown <= 0 || !m_rawViewer || m_rawViewer->width() - grown > kRawViewerWidth) return;
-    for (CDockableImgPane* pane : {m_calibPane.get(), m_refPane.get()}) {
-        const bool isBeside =
-            !pane->isFloating() && dockWidgetArea(pane) & (Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
-        if (!isBeside || pane->visibleRegion().isEmpty() || pane->width() >= kImagePaneWidth) continue;
-        resizeDocks({pane}, {std::min(kImagePaneWidth, pane->width() + grown)}, Qt::Horizontal);
-        return;
-    }
-}
-
-// In front of its tabs, and with its size: what is drawn into the pane next is fitted to it.
-void CMainFrame::ShowPane(QDockWidget& pane) {
-    const bool isNew = &pane == m_qualityWnd.get() && pane.isHidden();
-    pane.show();
-    pane.raise();
-    if (isNew && pane.width() < kQualityPaneWidth) resizeDocks({&pane}, {kQualityPaneWidth}, Qt::Horizontal);
-    if (isVisible()) {
-        layout()->activate();
-        pane.layout()->activate();
-    }
-}
-
-void CMainFrame::OnTogglePane(int id) {
-    QDockWidget* const pane = PaneOf(id);
-    if (pane->isHidden()) {
-        ShowPane(*pane);
-    } else {
-        pane->hide();
-    }
 }
 
 // Ready for the keyboard, its pane in view.
 void CMainFrame::OnSelectViewer(int id) {
-    if (id == ID_SELECT_REF_VIEWER) ShowPane(*m_refPane);
-    if (id == ID_SELECT_CALIB_VIEWER) ShowPane(*m_calibPane);
+    if (id == ID_SELECT_REF_VIEWER) m_panes->Show(ID_CBTN_REF_IMG_VIEW);
+    if (id == ID_SELECT_CALIB_VIEWER) m_panes->Show(ID_CBTN_CALIB_IMG_VIEW);
     CImageViewerCtrl* const viewer = id == ID_SELECT_RAW_VIEWER   ? m_rawViewer.get()
                                      : id == ID_SELECT_REF_VIEWER ? m_refViewer.get()
                                                                   : m_calibViewer.get();

@@ -10,6 +10,7 @@
 #include <cmath>
 
 #include "app/StringTable.h"
+#include "app/appearance.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Profile.h"
@@ -121,16 +122,16 @@ TEST_F(FramePanes, KeyTipsLeaveTextsAndBoxesReadable) {
 }
 
 TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
-    EXPECT_FALSE(frame->RestoreLayout()) << "nothing to remember yet";
+    EXPECT_FALSE(frame->GetPanes().Restore()) << "nothing to remember yet";
     frame->setGeometry(10, 40, 700, 600);
     frame->show();
     Run(ID_CBTN_LOG);
     Run(ID_CBTN_RAW_COLOR_LIST);
     frame->addDockWidget(Qt::RightDockWidgetArea, &frame->RawColorPane());
-    frame->SaveLayout();
+    frame->GetPanes().Save();
     Start();
     EXPECT_FALSE(frame->Logger().isHidden()) << "a start without a memory is as ever";
-    ASSERT_TRUE(frame->RestoreLayout());
+    ASSERT_TRUE(frame->GetPanes().Restore());
     frame->show();
     EXPECT_EQ(frame->geometry(), QRect(10, 40, 700, 600));
     EXPECT_TRUE(frame->Logger().isHidden());
@@ -148,12 +149,12 @@ TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
 TEST_F(FramePanes, AMemoryThatIsNoneIsLeftAlone) {
     GetProfile().WriteString("Window", "Place", "1 2 3");
     GetProfile().WriteInt("Window", "Chrome", 77);
-    EXPECT_FALSE(frame->RestoreLayout());
-    CMainFrame::RestoreChrome();
+    EXPECT_FALSE(frame->GetPanes().Restore());
+    RestoreAppearance();
     EXPECT_EQ(theme::GetChrome(), theme::Chrome::System);
     GetProfile().WriteString("Window", "Place", "10 20 700 600 0");
     GetProfile().WriteString("Window", "Panes", "bm8gbGF5b3V0");
-    EXPECT_TRUE(frame->RestoreLayout());
+    EXPECT_TRUE(frame->GetPanes().Restore());
     EXPECT_FALSE(frame->Logger().isHidden());
 }
 
@@ -241,7 +242,7 @@ TEST_F(FramePanes, KeysSelectAViewerAndBringItIntoView) {
 }
 
 TEST_F(FramePanes, TheRawViewerKeepsItsWidthWhileThereIsRoomAndThePanesTheirs) {
-    CMainFrame::RestoreChrome();  // the widths are those of the program's own look
+    RestoreAppearance();  // the widths are those of the program's own look
     Start();
     LoadChart();
     frame->resize(1700, 800);
