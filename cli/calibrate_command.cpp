@@ -7,7 +7,6 @@
 #include "calibration/CTivTonewrightDC.h"
 #include "calibration/calibrate_at_depth.h"
 #include "calibration/execute_transform.h"
-#include "calibration/fit_transform.h"
 #include "cli/arguments.h"
 #include "cli/chart_reading.h"
 #include "cli/command.h"
@@ -18,27 +17,14 @@
 #include "cli/report_outputs.h"
 #include "cli/target_options.h"
 #include "imagefile/picture_file.h"
-#include "quality/CalibrationQuality.h"
-#include "quality/findings.h"
+#include "quality/chart_calibration.h"
 
 namespace {
-
-enum SaturationMode : int { kAutomatic = 0, kManual = 1, kNone = 2 };
-
-struct Saturation {
-    SaturationMode mode = kAutomatic;
-    std::vector<int> value;  ///< red, green, blue; manual only
-};
-
-constexpr int kAutomaticTerms = 0;
 
 struct CalibrateOptions {
     ChartOptions chart;
     TargetOptions target;
-    int terms = 4;  ///< or kAutomaticTerms
-    FitMethod method = FitMethod::LeastSquares;
-    float gamma = 0.45f;
-    Saturation saturation;
+    CalibrationSettings settings;
     std::string coefficients;
     std::string parameters;
     std::string corrected;
@@ -57,15 +43,15 @@ std::optional<FitMethod> parseMethod(const std::string& text) {
     return text == "perceptual" ? std::optional(FitMethod::Perceptual) : std::nullopt;
 }
 
-std::optional<Saturation> parseSaturation(const std::string& text) {
-    if (text == "auto") return Saturation{};
-    if (text == "none") return Saturation{kNone, {}};
+std::optional<SaturationChoice> parseSaturation(const std::string& text) {
+    if (text == "auto") return SaturationChoice{};
+    if (text == "none") return SaturationChoice{SaturationChoice::None, {}};
     auto value = ParseIntegers(text, 3);
     if (!value) return std::nullopt;
     for (const int channel : *value) {
         if (channel < 0 || channel > 0xFFFF) return std::nullopt;
     }
-    return Saturation{kManual, std::move(*value)};
+    return SaturationChoice{SaturationChoice::Manual, std::move(*value)};
 }
 
 int fullScale(CTivData::Format format) {
@@ -76,7 +62,7 @@ int fullScale(CTivData::Format format) {
 /// Loads the picture. A saturation above 255 is wrong unless the picture turns out to be that deep.
 CTivImage loadPicture(const CalibrateOptions& options) {
     int highest = 0;
-    for (const int channel : options.saturation.value) highest = std::max(highest, channel);
+    for (const int channel : options.settings.saturation.value) highest = std::max(highest, channel);
     const auto requireScale = [&](int scale) {
         if (highest > scale) throw UsageFailure("--saturation: above " + std::to_string(scale));
     };
@@ -90,76 +76,7 @@ CTivImage loadPicture(const CalibrateOptions& options) {
     }
 }
 
-CTivData saturationValue(const std::vector<int>& value, CTivData::Format format) {
-    if (format == CTivData::FormatRgb10) {
-        return CTivData::Rgb10(static_cast<std::uint32_t>(value[0]), static_cast<std::uint32_t>(value[1]),
-                               static_cast<std::uint32_t>(value[2]));
-    }
-    if (format == CTivData::FormatRgb16) {
-        return CTivData::Rgb16(static_cast<std::uint16_t>(value[0]), static_cast<std::uint16_t>(value[1]),
-                               static_cast<std::uint16_t>(value[2]));
-    }
-    return CTivData::Rgb(static_cast<std::uint8_t>(value[0]), static_cast<std::uint8_t>(value[1]),
-                         static_cast<std::uint8_t>(value[2]));
-}
-
-/// A calibration, and all that is told of it.
-struct Calibration {
-    CTivTonewrightDC engine;
-    CTivVector transform;  ///< the one in force: the operator's, or a better one
-    CalibrationQuality quality;
-    std::vector<Finding> findings;
-};
-
-void addFindings(std::vector<Finding>& findings, std::vector<Finding> more, const std::string& subject = {}) {
-    for (Finding& finding : more) {
-        finding.text.insert(0, subject);
-        findings.push_back(std::move(finding));
-    }
-}
-
-/// Takes colors, targets and settings over and runs the operator's own calibration.
-void prepare(Calibration& calibration, const CalibrateOptions& options, ChartReading& reading) {
-    CTivTonewrightDC& engine = calibration.engine;
-    const CTivVector& raw = reading.colors.colors;
-    Require([&] { return engine.SetRawColors(raw); }, options.chart.image, "cannot take the raw colors");
-    engine.SetXformSize(options.terms == kAutomaticTerms ? 4 : options.terms);
-    engine.SetGamma(options.gamma);
-    const auto reference = SetTargets(engine, options.target, options.chart, raw.GetSize());
-    engine.SetSaturationMode(options.saturation.mode);
-    if (options.saturation.mode == kManual) {
-        const CTivData value = saturationValue(options.saturation.value, raw.GetFormat());
-        Require([&] { return engine.SetSaturationValueEx(value); }, "--saturation", "not taken");
-    }
-    Require([&] { return CalibrateAtDepth(engine); }, options.chart.image, "the calibration failed");
-    if (!reference) reading.measured.targets = ToXyz(GetTargets(engine));
-    addFindings(calibration.findings, FindInPicture(reading.measured));
-    if (reference) addFindings(calibration.findings, FindInPicture(reference->measured), "Reference: ");
-}
-
-/// Finds the transform in force, and judges it.
-void fit(Calibration& calibration, const CalibrateOptions& options, const ChartReading& reading) {
-    CTivTonewrightDC& engine = calibration.engine;
-    const auto judge = [&] {
-        calibration.quality = JudgeCalibration(engine, calibration.transform, reading.measured.patches, options.method);
-    };
-    calibration.transform = *engine.GetTransform();
-    if (options.terms == kAutomaticTerms) {
-        judge();
-        engine.SetXformSize(ChooseTerms(calibration.quality.candidates));
-        Require([&] { return CalibrateAtDepth(engine); }, options.chart.image, "the calibration failed");
-        calibration.transform = *engine.GetTransform();
-    }
-    if (options.method == FitMethod::Perceptual) {
-        if (auto better = FitCalibration(engine, options.method, engine.GetXformSize())) {
-            calibration.transform = std::move(*better);
-        }
-    }
-    judge();
-    addFindings(calibration.findings, FindInCalibration(calibration.quality, calibration.transform));
-}
-
-void write(OutputSet& outputs, const Calibration& calibration, const CalibrateOptions& options,
+void write(OutputSet& outputs, const ChartCalibration& calibration, const CalibrateOptions& options,
            const CTivImage& image) {
     const CTivTonewrightDC& engine = calibration.engine;
     const CTivVector& transform = calibration.transform;
@@ -183,29 +100,22 @@ void write(OutputSet& outputs, const Calibration& calibration, const CalibrateOp
     }
 }
 
-void writeReports(OutputSet& outputs, const Calibration& calibration, const CalibrateOptions& options,
+void writeReports(OutputSet& outputs, const ChartCalibration& calibration, const CalibrateOptions& options,
                   const ChartReading& reading) {
-    const auto& [engine, transform, quality, findings] = calibration;
-    const std::string name = std::filesystem::path(options.chart.image).filename().string();
-    Report report =
-        ReportCalibration(quality, findings, engine.GetXformSize(), options.chart.GetSize(), OutlinesOf(reading));
-    report.title = "Calibration of " + name;
-    report.settings = {{"Picture", options.chart.image}};
-    if (options.target.reference) report.settings.push_back({"Reference", *options.target.reference});
-    for (ReportRow& row : ReportSettings(engine, options.method == FitMethod::Perceptual)) {
-        report.settings.push_back(std::move(row));
-    }
+    const Report report = ReportOn(calibration, reading, options.settings.method, options.chart.image,
+                                   options.target.reference.value_or(""));
     WriteReport(outputs, options.report, report, reading.image);
-    WriteExports(outputs, options.report, name, engine, transform, report);
+    WriteExports(outputs, options.report, std::filesystem::path(options.chart.image).filename().string(),
+                 calibration.engine, calibration.transform, report);
 }
 
-void describeFit(Json& document, const Calibration& calibration, const CalibrateOptions& options) {
+void describeFit(Json& document, const ChartCalibration& calibration, const CalibrateOptions& options) {
     const CTivTonewrightDC& engine = calibration.engine;
     const bool isRelative = options.target.reference.has_value();
     document["mode"] = isRelative ? "relative" : "absolute";
     document["illuminant"] = isRelative ? Json() : Json(options.target.GetIlluminant().word);
     document["terms"] = engine.GetXformSize();
-    document["fit"] = options.method == FitMethod::Perceptual ? "perceptual" : "least-squares";
+    document["fit"] = options.settings.method == FitMethod::Perceptual ? "perceptual" : "least-squares";
     document["gamma"] = ToNumber(engine.GetGamma());
     document["saturation"] = ToJson(GetSaturationInForce(engine));
     document["transform"] = TransformRows(calibration.transform, engine.GetXformSize());
@@ -223,9 +133,8 @@ void tellDelivered(const DifferenceSummary& delivered) {
 Outcome calibrate(const CalibrateOptions& options) {
     ChartReading reading = ReadChart(loadPicture(options), options.chart.image, options.chart.roi, options.chart);
     RequireOrder(reading, options.chart.image);
-    Calibration calibration;
-    prepare(calibration, options, reading);
-    fit(calibration, options, reading);
+    const CalibrationAim aim = ReadAim(options.target, options.chart, reading.colors.colors.GetSize());
+    const ChartCalibration calibration = CalibrateChart(reading, options.chart.image, options.settings, aim);
     TellFindings(calibration.findings);
     tellDelivered(calibration.quality.delivered.deltaE00);
     Json document = DescribeReading(options.chart, reading, calibration.findings);
@@ -246,7 +155,7 @@ Outcome calibrate(const CalibrateOptions& options) {
 void check(const CalibrateOptions& options) {
     CheckChartOptions(options.chart);
     CheckTargetOptions(options.target);
-    if (options.method == FitMethod::Perceptual && !options.parameters.empty()) {
+    if (options.settings.method == FitMethod::Perceptual && !options.parameters.empty()) {
         throw UsageFailure("--parameters cannot carry a perceptual fit: loading the file fits by least squares");
     }
     std::vector<std::string> outputs = {options.coefficients, options.parameters, options.corrected,
@@ -256,15 +165,16 @@ void check(const CalibrateOptions& options) {
 }
 
 void addSettings(CLI::App& command, CalibrateOptions& options) {
-    AddParsed(command, "--terms", options.terms, parseTerms, "4, 7, 10 or auto",
+    AddParsed(command, "--terms", options.settings.terms, parseTerms, "4, 7, 10 or auto",
               "Terms of the transform; auto takes what does best on patches left out (default: 4)")
         ->type_name("4|7|10|auto");
-    AddParsed(command, "--fit", options.method, parseMethod, "least-squares or perceptual",
+    AddParsed(command, "--fit", options.settings.method, parseMethod, "least-squares or perceptual",
               "Perceptual minimises the mean CIEDE2000 of what is delivered (default: least-squares)")
         ->type_name("least-squares|perceptual");
-    AddParsed(command, "--gamma", options.gamma, ParseGamma, "a decimal above 0", "Gamma of the output (default: 0.45)")
+    AddParsed(command, "--gamma", options.settings.gamma, ParseGamma, "a decimal above 0",
+              "Gamma of the output (default: 0.45)")
         ->type_name("G");
-    AddParsed(command, "--saturation", options.saturation, parseSaturation,
+    AddParsed(command, "--saturation", options.settings.saturation, parseSaturation,
               "auto, none or three integers R,G,B from 0 to full scale",
               "From which raw value on a channel counts as saturated (default: auto)")
         ->type_name("auto|none|R,G,B");

@@ -1,11 +1,7 @@
 #include "cli/chart_finding.h"
 
-#include "calibration/illuminants.h"
-#include "chart/ChartFinder.h"
-#include "chart/patch_colors.h"
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
-#include "quality/measured_chart.h"
 
 namespace {
 
@@ -58,27 +54,6 @@ Json describePatches(const ChartReading& reading) {
 
 }  // namespace
 
-ChartNotFound::ChartNotFound(const std::string& path, const FoundChart& chart, Json document)
-    : WorkFailure(path + ": " + chart.text), document_(std::move(document)) {
-    document_["found"] = false;
-    document_["reason"] = {{"code", refusalCode(chart.refusal)}, {"text", chart.text}, {"seen", chart.seen}};
-}
-
-void FindChart(ChartReading& reading, const std::string& path, const std::optional<ChartRoi>& roi,
-               const ChartOptions& options) {
-    const ChartLayout& layout = options.GetLayout();
-    reading.measured.chart = options.GetSize();
-    FoundChart found = ChartFinder(layout).Find(reading.image, roi);
-    if (!found.found) throw ChartNotFound(path, found, describePicture(path, reading));
-    if (!found.isOriented) Tell(path + ": " + found.text);
-    MeasuredChart& measured = reading.measured;
-    measured = MeasureFound(reading.image, found, layout);
-    if (options.HasLayout()) measured.targets.clear();
-    reading.colors = ToPatchColors(measured.patches, measured.format);
-    if (!reading.colors.measured) throw WorkFailure(path + ": cannot measure the colors");
-    reading.found = std::move(found);
-}
-
 Json DescribeFound(const std::string& path, const ChartReading& reading, const std::vector<Finding>& findings) {
     const FoundChart& found = *reading.found;
     Json colors = Json::array();
@@ -95,5 +70,13 @@ Json DescribeFound(const std::string& path, const ChartReading& reading, const s
     document["colors"] = std::move(colors);
     document["saturated"] = reading.colors.saturated;
     document["findings"] = Describe(findings);
+    return document;
+}
+
+Json DescribeNotFound(const std::string& path, const ChartNotFound& failure) {
+    const FoundChart& chart = *failure.GetReading().found;
+    Json document = describePicture(path, failure.GetReading());
+    document["found"] = false;
+    document["reason"] = {{"code", refusalCode(chart.refusal)}, {"text", chart.text}, {"seen", chart.seen}};
     return document;
 }

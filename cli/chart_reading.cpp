@@ -15,30 +15,6 @@
 
 namespace {
 
-ChartRoi defaultRoi(const CTivImage& image) {
-    const int marginX = image.GetWidth() / 50;
-    const int marginY = image.GetHeight() / 50;
-    return {marginX, marginY, image.GetWidth() - marginX, image.GetHeight() - marginY};
-}
-
-std::string toText(const ChartRoi& roi) {
-    return std::to_string(roi.left) + "," + std::to_string(roi.top) + "," + std::to_string(roi.right) + "," +
-           std::to_string(roi.bottom);
-}
-
-/// Takes an image's region over, as the detection will. @throw WorkFailure for an empty one and one outside the image
-void requireRoi(CTivImage& image, const std::string& path, const ChartRoi& roi) {
-    const std::int64_t width = std::int64_t{roi.right} - roi.left;
-    const std::int64_t height = std::int64_t{roi.bottom} - roi.top;
-    if (width < 1 || height < 1) throw WorkFailure(path + ": the ROI " + toText(roi) + " is empty");
-    const bool isInside =
-        roi.left >= 0 && roi.top >= 0 && roi.right <= image.GetWidth() && roi.bottom <= image.GetHeight();
-    if (isInside) return;
-    throw WorkFailure("CTivImage::SetRoi => ROI rectangle out of range\n" + path + ": the ROI " + toText(roi) +
-                      " leaves the image of " + std::to_string(image.GetWidth()) + " x " +
-                      std::to_string(image.GetHeight()) + " pixels");
-}
-
 /// A list of {"center", "corners", "mean", "deviation", "clipped"}. The sampling area is the inner half of a patch.
 Json describePatches(const ChartReading& reading) {
     Json list = Json::array();
@@ -57,20 +33,6 @@ Json describePatches(const ChartReading& reading) {
                         {"clipped", patch.clipped}});
     }
     return list;
-}
-
-/// The straight grid inside the ROI.
-void readGrid(ChartReading& reading, const std::string& path, const ChartSize& chart) {
-    Require([&] { return reading.detector.DetectPatches(reading.image, reading.roi, chart); }, path,
-            "no patch of a chart found");
-    Require(
-        [&] {
-            reading.colors = reading.detector.GetRawColors(reading.image, reading.roi, chart, PatchDepth::AsImage);
-            return reading.colors.measured;
-        },
-        path, "cannot measure the colors");
-    reading.image.SetRoi({});
-    reading.measured = MeasureGrid(reading.image, reading.detector, chart, reading.colors.brightest);
 }
 
 }  // namespace
@@ -116,29 +78,18 @@ ChartSize ChartOptions::GetSize() const {
     return {GetLayout().columns, GetLayout().rows};
 }
 
+ChartSearch ChartOptions::GetSearch() const { return {GetSize(), isFind, HasLayout() ? &GetLayout() : nullptr}; }
+
 ChartReading ReadChart(const std::string& path, const std::optional<ChartRoi>& roi, const ChartOptions& options) {
     return ReadChart(LoadImage(path), path, roi, options);
 }
 
 ChartReading ReadChart(CTivImage image, const std::string& path, const std::optional<ChartRoi>& roi,
                        const ChartOptions& options) {
-    ChartReading reading;
-    reading.image = std::move(image);
-    const ChartRoi whole = {0, 0, reading.image.GetWidth(), reading.image.GetHeight()};
-    reading.roi = roi.value_or(options.isFind ? whole : defaultRoi(reading.image));
-    requireRoi(reading.image, path, reading.roi);
-    if (options.isFind) {
-        FindChart(reading, path, reading.roi, options);
-    } else {
-        readGrid(reading, path, options.GetSize());
-        if (options.HasLayout()) reading.measured.targets.clear();  // those are the 24-patch chart's
-    }
+    ChartReading reading = ReadChart(std::move(image), path, roi, options.GetSearch());
+    if (reading.found && !reading.found->isOriented) Tell(path + ": " + reading.found->text);
     if (reading.colors.saturated) Tell(std::string(kSaturatedTitle) + ": " + path + ": " + kSaturatedText);
     return reading;
-}
-
-void RequireOrder(const ChartReading& reading, const std::string& path) {
-    if (reading.found && !reading.found->isOriented) throw WorkFailure(path + ": " + reading.found->text);
 }
 
 Json DescribeReading(const ChartOptions& options, const ChartReading& reading, const std::vector<Finding>& findings) {

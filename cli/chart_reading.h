@@ -4,11 +4,8 @@
 #include <string>
 
 #include "chart/ChartLayout.h"
-#include "chart/FoundChart.h"
-#include "chart/PatchDetector.h"
 #include "cli/command.h"
-#include "foundation/CTivImage.h"
-#include "quality/findings.h"
+#include "quality/chart_reading.h"
 
 namespace CLI {
 class App;
@@ -26,6 +23,7 @@ struct ChartOptions {
     bool HasLayout() const { return !layout.empty(); }
     const ChartLayout& GetLayout() const;  ///< @throw WorkFailure for a file that holds none
     ChartSize GetSize() const;             ///< of the layout, or as told; 6 x 4 otherwise
+    ChartSearch GetSearch() const;         ///< which points into this
 
 private:
     mutable std::optional<ChartLayout> read_;  // from the file, once
@@ -37,31 +35,14 @@ void AddChartOptions(CLI::App& command, ChartOptions& options);
 /// What the single options cannot see of each other. @throw UsageFailure
 void CheckChartOptions(const ChartOptions& options);
 
-/// A picture in which the chart was found.
-struct ChartReading {
-    CTivImage image;
-    ChartRoi roi;
-    PatchDetector detector;           ///< of the straight grid
-    std::optional<FoundChart> found;  ///< instead of it, where the chart was looked for
-    PatchColors colors;               ///< at the image's own depth
-    /// What the patches measure. Its targets are those of the 24-patch chart under D65 until others are known, none for
-    /// a chart of another number.
-    MeasuredChart measured;
-};
-
-/// Loads the picture, finds the patches by the straight grid or wherever they lie, and measures them; a saturated patch
-/// is told on standard error.
+/// Loads the picture, finds the patches and measures them; a saturated patch is told on standard error.
 /// @param roi of this picture; the options' own is that of the first one
-/// @throw WorkFailure where the image does not load, the ROI is empty or outside it, nothing is found, or the image
-///        has no colors
+/// @throw as ReadChart of quality/, and where the image does not load
 ChartReading ReadChart(const std::string& path, const std::optional<ChartRoi>& roi, const ChartOptions& options);
 
 /// The same for an image that is loaded already. @param path for the messages
 ChartReading ReadChart(CTivImage image, const std::string& path, const std::optional<ChartRoi>& roi,
                        const ChartOptions& options);
-
-/// @throw WorkFailure for a chart of which it is not known which patch is the first
-void RequireOrder(const ChartReading& reading, const std::string& path);
 
 /// The document of `detect`.
 Json DescribeReading(const ChartOptions& options, const ChartReading& reading, const std::vector<Finding>& findings);

@@ -17,7 +17,7 @@ Outcome detect(const ChartOptions& options) {
                 options.isStrict && HasWarning(findings) ? kWorkFailed : kDone};
     } catch (const ChartNotFound& failure) {
         Tell(failure.what());
-        return {failure.GetDocument(), kWorkFailed};
+        return {DescribeNotFound(options.image, failure), kWorkFailed};
     }
 }
 

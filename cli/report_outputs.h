@@ -5,7 +5,7 @@
 
 #include "cli/chart_reading.h"
 #include "cli/output_set.h"
-#include "report/calibration_report.h"
+#include "report/calibration_outputs.h"
 
 /// What `calibrate` and `verify` are told to write for others.
 struct ReportOptions {
@@ -17,9 +17,6 @@ struct ReportOptions {
 void AddReportOption(CLI::App& command, ReportOptions& options);
 /// Adds --export.
 void AddExportOption(CLI::App& command, ReportOptions& options);
-
-/// Where the patches were measured, for the report's picture.
-PatchOutlines OutlinesOf(const ChartReading& reading);
 
 /// Writes the page where one is asked for, with the picture, date and version added.
 /// @param report title, figures and settings filled in

@@ -23,7 +23,7 @@ std::string illuminantWords(const std::string& separator, const std::string& las
     return words + lastSeparator + FindIlluminant(kUserIlluminant)->word;
 }
 
-void setUserIlluminant(CTivTonewrightDC& engine, const TargetOptions& options, int count) {
+CalibrationAim::UserLight readUserLight(const TargetOptions& options, int count) {
     CTivVector values(count, CTivData::FormatColorFloat, nullptr, true);
     RequireText(options.values);
     try {
@@ -33,9 +33,7 @@ void setUserIlluminant(CTivTonewrightDC& engine, const TargetOptions& options, i
         throw WorkFailure(options.values + ": " + failure.what());
     }
     const std::vector<float>& white = *options.white;
-    const std::array<float, 4> value = {white[0], white[1], white[2], 0.0f};
-    Require([&] { return engine.SetSpectrumValues(values) && engine.SetIlluminantValue(value); }, "--values",
-            "not taken");
+    return {std::move(values), {white[0], white[1], white[2]}};
 }
 
 }  // namespace
@@ -69,16 +67,14 @@ void CheckTargetOptions(const TargetOptions& options) {
     if (!isUser && options.white) throw UsageFailure("--white is for --illuminant user alone");
 }
 
-std::optional<ChartReading> SetTargets(CTivTonewrightDC& engine, const TargetOptions& options,
-                                       const ChartOptions& chart, int count) {
-    const CalibrationIlluminant& illuminant = options.GetIlluminant();
-    engine.SetCalibrationMode(options.reference ? 1 : 0);
-    engine.SetIlluminant(illuminant.index);
-    if (illuminant.index == kUserIlluminant) setUserIlluminant(engine, options, count);
-    if (!options.reference) return std::nullopt;
-    ChartReading reference = ReadChart(*options.reference, options.referenceRoi, chart);
-    RequireOrder(reference, *options.reference);
-    Require([&] { return engine.SetReferenceColors(reference.colors.colors); }, *options.reference,
-            "cannot take the reference");
-    return reference;
+CalibrationAim ReadAim(const TargetOptions& options, const ChartOptions& chart, int count) {
+    CalibrationAim aim;
+    aim.illuminant = options.GetIlluminant().index;
+    aim.subject = options.reference.value_or("--values");
+    if (aim.illuminant == kUserIlluminant) aim.user = readUserLight(options, count);
+    if (options.reference) {
+        aim.reference = ReadChart(*options.reference, options.referenceRoi, chart);
+        RequireOrder(*aim.reference, *options.reference);
+    }
+    return aim;
 }

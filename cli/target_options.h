@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "calibration/CTivTonewrightDC.h"
 #include "calibration/illuminants.h"
 #include "cli/chart_reading.h"
+#include "quality/chart_calibration.h"
 
 /// What the patches of a chart should be, as the command line has it.
 struct TargetOptions {
@@ -27,9 +27,7 @@ void AddTargetOptions(CLI::App& command, TargetOptions& options, const std::stri
 /// @throw UsageFailure for options that do not go together
 void CheckTargetOptions(const TargetOptions& options);
 
-/// Makes the operator aim at them: mode, illuminant, the user's values, the reference's colors.
+/// Reads the user's values or the reference picture.
 /// @param count of the raw colors
-/// @return the reference picture, where there is one
 /// @throw WorkFailure for a file that does not serve
-std::optional<ChartReading> SetTargets(CTivTonewrightDC& engine, const TargetOptions& options,
-                                       const ChartOptions& chart, int count);
+CalibrationAim ReadAim(const TargetOptions& options, const ChartOptions& chart, int count);

@@ -60,7 +60,7 @@ std::vector<Xyz> findTargets(const VerifyOptions& options, const Subject& subjec
     if (!isOwn) {
         Require([&] { return aim.SetRawColors(raw); }, options.chart.image, "cannot take the raw colors");
         aim.SetXformSize(4);
-        SetTargets(aim, options.target, options.chart, raw.GetSize());
+        SetAim(aim, ReadAim(options.target, options.chart, raw.GetSize()));
         Require([&] { return CalibrateAtDepth(aim); }, options.chart.image, "the targets do not fit the chart");
     }
     std::vector<Xyz> targets = ToXyz(GetTargets(isOwn ? subject.engine : aim));
