@@ -145,6 +145,8 @@ void CMainFrame::DeselectAllViewers() { m_workflow->Get<PictureSteps>().Deselect
 
 void CMainFrame::RefreshManualPick() { m_workflow->Get<CalibrationSteps>().OnAddColor(); }
 
+bool CMainFrame::PicksByHand() const { return m_workflow && m_workflow->State().manualColors; }
+
 void CMainFrame::OnPixel(long x, long y, CTivData value) {
     m_status->Set(string_id::kPixelData, status_texts::Pixel(x, y, value));
     m_status->Repaint(string_id::kPixelData);

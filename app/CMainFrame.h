@@ -52,6 +52,7 @@ public:
     void OnZoomChanged(float zoom) override;
     void DeselectAllViewers() override;
     void RefreshManualPick() override;
+    bool PicksByHand() const override;
 
     /// Runs a command if its rule allows it now, and brings the state of all commands up to date. What a command throws
     /// is logged as an error. One that comes while another waits for its device or its dialog runs after that one.

@@ -3,6 +3,7 @@
 #include <QAbstractTableModel>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPixmap>
 #include <QStyledItemDelegate>
 #include <algorithm>
@@ -14,16 +15,26 @@ namespace {
 
 constexpr QSize kSwatch(32, 16);
 constexpr int kColumnWidth = 64;
+constexpr int kMarkSide = 10;
+constexpr int kColorRole = Qt::UserRole, kMixedRole = Qt::UserRole + 1;
 
-/// Draws the color of a row as it is: an icon of one picture would be tinted in a selected or disabled row.
+/// Draws the color of a row as it is: an icon of one picture would be tinted in a selected or disabled row. A color
+/// that is mixed of two has a mark behind its number.
 class SwatchDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(painter, option, index);
+        if (!index.data(kMixedRole).toBool()) return;
+        const QRect& row = option.rect;
+        m_mark.paint(painter, row.right() - kMarkSide, row.center().y() - kMarkSide / 2, kMarkSide, kMarkSide);
+    }
+
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
-        const QVariant color = index.data(Qt::UserRole);
+        const QVariant color = index.data(kColorRole);
         if (color.isNull()) return;
         QPixmap picture(kSwatch);
         picture.fill(QColor::fromRgb(color.toUInt()));
@@ -34,6 +45,9 @@ protected:
         option->decorationSize = kSwatch;
         option->features |= QStyleOptionViewItem::HasDecoration;
     }
+
+private:
+    const QIcon m_mark{":/icons/log-warning.svg"};
 };
 
 }  // namespace
@@ -50,9 +64,10 @@ public:
         if (row >= m_side.Rows().size()) return {};
         const RawColorSide::Row& shown = m_side.Rows()[row];
         if (role == Qt::DisplayRole) return shown.label;
+        if (role == kMixedRole) return shown.isMixed;
+        if (role == Qt::ToolTipRole && shown.isMixed) return "Mixed: the rectangle held two colors.";
         if (role == Qt::ForegroundRole && m_dimmed) return theme::Now().dimmed;
-        if (role == Qt::UserRole && shown.image < m_side.Images().size())
-            return m_side.Images()[shown.image] & 0xFFFFFF;
+        if (role == kColorRole && shown.image < m_side.Images().size()) return m_side.Images()[shown.image] & 0xFFFFFF;
         return {};
     }
     QVariant headerData(int, Qt::Orientation orientation, int role) const override {

@@ -96,7 +96,7 @@ std::optional<RawColorEntry> CRawColorWnd::PickFromRoi() const {
     ViewPoint centre;
     viewer->GetRoiColor(bgr, &centre);
     const std::uint32_t color = bgr[0] | std::uint32_t{bgr[1]} << 8 | std::uint32_t{bgr[2]} << 16;
-    return RawColorEntry{color, centre.x, centre.y};
+    return RawColorEntry{color, centre.x, centre.y, viewer->HoldsTwoColors()};
 }
 
 void CRawColorWnd::AddColor() {

@@ -12,7 +12,7 @@ constexpr std::size_t kMostEntries = 0xCCCCCCC;
 void RawColorSide::Append(const RawColorEntry& entry, int label, bool fromFile) {
     if (m_entries.size() >= kMostEntries) throw std::length_error("list too long");
     m_entries.push_back(entry);
-    m_rows.push_back({label, m_images.size(), fromFile ? 0 : m_images.size()});
+    m_rows.push_back({label, m_images.size(), fromFile ? 0 : m_images.size(), entry.isMixed});
     m_images.push_back(entry.color);
 }
 
@@ -23,6 +23,7 @@ void RawColorSide::ReplaceOrAdd(std::optional<std::size_t> selected, const RawCo
     const std::size_t image = m_rows[*selected].itemData;
     if (image < m_images.size()) m_images[image] = entry.color;
     m_entries[*selected] = entry;
+    m_rows[*selected].isMixed = entry.isMixed;
 }
 
 std::optional<std::size_t> RawColorSide::Remove(std::optional<std::size_t> selected) {
@@ -41,7 +42,7 @@ std::optional<std::size_t> RawColorSide::Remove(std::optional<std::size_t> selec
 }
 
 void RawColorSide::Fill(const CTivVector& colors) {
-    for (int i = 0; i < colors.GetSize(); ++i) Append({colors.GetData(i).AsRgb() & 0xFFFFFF, 0, 0}, i, true);
+    for (int i = 0; i < colors.GetSize(); ++i) Append({colors.GetData(i).AsRgb() & 0xFFFFFF}, i, true);
 }
 
 void RawColorSide::ClearRows() {

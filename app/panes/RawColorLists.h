@@ -11,6 +11,7 @@ struct RawColorEntry {
     std::uint32_t color = 0;  ///< FormatRgb word: blue in bits 0 to 7, green in 8 to 15, red in 16 to 23
     std::int32_t x = 0;       ///< centre of the ROI that it came from, image pixels; 0 for an entry from a file
     std::int32_t y = 0;
+    bool isMixed = false;  ///< the ROI held two colors, and this is neither
 };
 
 /// One side of the raw color pane, without a window: the swatches, the rows that show them, and the entries that reach
@@ -22,6 +23,7 @@ public:
         int label;             ///< the number shown
         std::size_t image;     ///< the swatch shown
         std::size_t itemData;  ///< the swatch that "Replace/Add" overwrites: 0 for every row that came from a file
+        bool isMixed;          ///< as the entry that it was made with
     };
 
     /// Appends an entry with its swatch and a row numbered from 1.

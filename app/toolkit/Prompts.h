@@ -12,6 +12,7 @@ struct FileRequest {
     QString filters;
     int filterIndex = 1;       ///< from 1
     QString defaultExtension;  ///< without a dot; appended on saving to a name that has none
+    QString title = {};        ///< of the dialog; empty: "Open" or "Save As"
 };
 
 struct FileChoice {

@@ -27,6 +27,7 @@ void makeRoom(QFileDialog& dialog) {
 
 std::optional<FileChoice> runFileDialog(QFileDialog& dialog, const FileRequest& request) {
     makeRoom(dialog);
+    if (!request.title.isEmpty()) dialog.setWindowTitle(request.title);
     const QStringList filters = ParseFileFilters(request.filters);
     dialog.setNameFilters(filters);
     if (const int index = request.filterIndex - 1; index >= 0 && index < filters.size()) {

@@ -4,8 +4,10 @@
 
 #include "app/toolkit/Prompts.h"
 #include "app/view/ViewerHost.h"
+#include "chart/PatchMeasurement.h"
 
 bool CAutoROIImageViewer::SetImage(CTivImage* image, bool resetView) {
+    m_measuredRoi.reset();
     if (!CImageViewerCtrl::SetImage(image, resetView)) return false;
     m_detector.Clear();
     EnableRoi(true);
@@ -26,7 +28,7 @@ void CAutoROIImageViewer::SetAutoDetect(bool on) {
 }
 
 ChartRoi CAutoROIImageViewer::RoiOfChart() const {
-    const ViewRect& roi = GetRoi();
+    const ViewRect roi = GetRoi();
     return {roi.left, roi.top, roi.right, roi.bottom};
 }
 
@@ -62,11 +64,25 @@ void CAutoROIImageViewer::GetRoiColor(unsigned char* bgr, ViewPoint* centre) {
     *centre = {point.x, point.y};
 }
 
+// Asked at each paint, and measured when the rectangle is another one.
+bool CAutoROIImageViewer::HoldsTwoColors() const {
+    const ViewRect roi = DrawnRoi();
+    if (!m_measuredRoi || *m_measuredRoi != roi) {
+        m_measuredRoi = roi;
+        m_holdsTwoColors = MeasureArea(Image(), {roi.left, roi.top, roi.Width() + 1, roi.Height() + 1}).isMixed;
+    }
+    return m_holdsTwoColors;
+}
+
+bool CAutoROIImageViewer::IsRoiDashed() const {
+    return Host() && Host()->PicksByHand() && Image().IsAllocated() && HoldsTwoColors();
+}
+
 void CAutoROIImageViewer::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     ViewPoint target = ClientPoint(event->position());
     ClientToImage(target, &target);  // beside the image the client coordinates serve as they are
-    const ViewRect& roi = GetRoi();
+    const ViewRect roi = GetRoi();
     SetRoi(roi.Moved(target.x - (roi.left + roi.right) / 2, target.y - (roi.top + roi.bottom) / 2));
     update();
     if (Host()) Host()->RefreshManualPick();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "app/view/CImageViewerCtrl.h"
 #include "chart/PatchDetector.h"
 #include "foundation/CTivVector.h"
@@ -30,8 +32,11 @@ public:
     /// @param bgr receives the ROI's mean color: blue, green, red
     /// @param centre receives the ROI's centre in image pixels
     void GetRoiColor(unsigned char* bgr, ViewPoint* centre);
+    /// Whether that mean is none that the picture shows, since the ROI holds two colors.
+    bool HoldsTwoColors() const;
 
 protected:
+    bool IsRoiDashed() const override;  ///< one to pick colors with that holds two
     /// Centres the ROI on the point and asks for a manual pick there.
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
@@ -41,5 +46,7 @@ private:
 
     PatchDetector m_detector;
     ChartSize* m_chartSize = nullptr;
+    mutable std::optional<ViewRect> m_measuredRoi;  // where m_holdsTwoColors was found out
+    mutable bool m_holdsTwoColors = false;
     bool m_autoDetect = false;  // kept, though only the frame's own flag decides
 };

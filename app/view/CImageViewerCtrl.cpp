@@ -166,6 +166,12 @@ void CImageViewerCtrl::NotifyRoi() {
     if (m_roiEnabled && m_comm) m_comm->OnRoiChanged(m_roi);
 }
 
+ViewRect CImageViewerCtrl::DrawnRoi() const {
+    ViewRect roi = m_roi;
+    if (m_tracker.IsFollowing()) View().TrackerToRoi(m_tracker.GetRect(), &roi);
+    return roi;
+}
+
 /// Puts the tracker over the ROI. While a corner is not on display it deliberately (C20) stays where it was.
 void CImageViewerCtrl::SyncTracker() {
     ViewRect rect;
@@ -414,7 +420,9 @@ void CImageViewerCtrl::PaintTracker(QPainter& painter) const {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(Qt::black, 1));  // under the dots, so that they show on any picture
         painter.drawRect(outline);
-        painter.setPen(QPen(Qt::white, 1, Qt::DotLine));
+        QPen line(Qt::white, 1, Qt::DotLine);
+        if (IsRoiDashed()) line.setDashPattern({6, 4});
+        painter.setPen(line);
         painter.drawRect(outline);
     }
     if (m_tracker.GetStyle() & RectTracker::ResizeInside) {

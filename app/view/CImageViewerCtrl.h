@@ -60,7 +60,7 @@ public:
     /// Shows or hides the ROI; one that was never shown becomes the displayed part less a fiftieth on each side.
     void EnableRoi(bool on);
     bool IsRoiEnabled() const { return m_roiEnabled; }
-    const ViewRect& GetRoi() const { return m_roi; }  ///< image pixels
+    ViewRect GetRoi() const override { return m_roi; }
 
     bool ClientToImage(ViewPoint in, ViewPoint* out) const { return View().ClientToImage(in, out); }
     bool ImageToClient(ViewPoint in, ViewPoint* out) const { return View().ImageToClient(in, out); }
@@ -78,6 +78,10 @@ public:
 protected:
     /// Replaces the ROI without telling anyone.
     void SetRoi(const ViewRect& roi) { m_roi = roi; }
+    /// The ROI as it is drawn: under a tracker that is being dragged, where it would come to now.
+    ViewRect DrawnRoi() const;
+    /// Whether the ROI is drawn dashed and not dotted.
+    virtual bool IsRoiDashed() const { return false; }
     /// Puts the tracker to its start and the ROI under it, without telling anyone.
     void ResetTracker();
     void NotifyRoi();

@@ -9,4 +9,6 @@ public:
     virtual void DeselectAllViewers() = 0;
     /// A double click moved a viewer's ROI: a color is picked from it where colors are selected by hand.
     virtual void RefreshManualPick() = 0;
+    /// Whether colors are selected by hand.
+    virtual bool PicksByHand() const = 0;
 };

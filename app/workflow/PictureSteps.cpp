@@ -71,15 +71,18 @@ bool PictureSteps::LoadImageFile(const QString& path) {
 }
 
 void PictureSteps::OnLoadImage() {
-    if (GetSelectedViewer() == &m_work.calibrated) {
+    const PictureView* const viewer = GetSelectedViewer();
+    if (viewer == &m_work.calibrated) {
         m_work.news.Log("Acces denied. Impossible to load image in calibrated image window.", LogWarning);
         return;
     }
+    const QString title = viewer == &m_work.raw ? "Open Raw Image" : viewer ? "Open Reference Image" : QString();
     const auto choice = GetPrompts().OpenFile(
         {GetProfile().ReadString(kImageSection, kLoadName, DefaultPath(m_work.baseDir, kImages, "*.bmp")),
          kOpenImageFilters,
          GetProfile().ReadInt(kImageSection, kLoadType, 1),
-         {}});
+         {},
+         title});
     if (!choice || !LoadImageFile(choice->path)) return;
     GetProfile().WriteString(kImageSection, kLoadName, choice->path);
     GetProfile().WriteInt(kImageSection, kLoadType, choice->filterIndex);

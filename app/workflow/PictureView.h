@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "app/toolkit/ViewRect.h"
 #include "chart/PatchDetector.h"
 #include "chart/patch_outline.h"
 #include "foundation/CTivImage.h"
@@ -35,6 +36,8 @@ public:
     /// The selected picture is the target of Load Image and the source of colors picked by hand.
     virtual void SetSelected(int selected) = 0;
     virtual int IsSelected() const = 0;
+    /// The rectangle of interest in the picture's pixels.
+    virtual ViewRect GetRoi() const { return {}; }
 
     // What a view that finds charts does besides.
     virtual void SetAutoDetect(bool) {}

@@ -5,9 +5,11 @@
 #include <string_view>
 
 #include "app/CommandIds.h"
+#include "app/StringTable.h"
 #include "app/toolkit/Profile.h"
 #include "app/toolkit/Prompts.h"
 #include "app/toolkit/WaitCursor.h"
+#include "app/workflow/StatusTexts.h"
 #include "app/workflow/StudioFiles.h"
 #include "calibration/fit_transform.h"
 #include "calibration/illuminants.h"
@@ -211,6 +213,7 @@ void QualitySteps::OnFindChart() {
         m_work.lists.FillReferenceColors(colors);
     }
     view->ShowOutlines(OutlineFound(found));
+    m_work.news.SetStatus(string_id::kRoi, status_texts::Roi(view->GetRoi()));  // a square to pick with by now
     m_work.news.Log(QString("Find Chart: 24 patches found, turned by %1 degrees%2.")
                         .arg(std::lround(found.rotation))
                         .arg(found.mirrored ? ", mirrored" : ""),

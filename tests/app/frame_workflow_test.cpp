@@ -6,8 +6,11 @@
 
 #include "acquisition/zvn/CAbortDlg.h"
 #include "app/StringTable.h"
+#include "app/panes/CRawColorListCtrl.h"
 #include "app/toolkit/RibbonField.h"
+#include "app/workflow/StatusTexts.h"
 #include "tests/app/studio.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -123,6 +126,39 @@ TEST_F(FrameWorkflow, TheStatusBarNamesThePatchThatIsNext) {
     EXPECT_EQ(next(), "picked: 4 of 3");
     Run(ID_BTN_COLOR_AUTO);
     EXPECT_EQ(next(), "");
+}
+
+TEST_F(FrameWorkflow, FindChartLeavesTheRectangleToPickWithAndSaysWhereItIs) {
+    prompts.path = QString::fromStdString(sampleFile("Tonewright/Images/chart.bmp"));
+    Run(ID_BTN_ACQ_LOAD_RAW_IMAGE);
+    Run(ID_BTN_FIND_CHART);
+    const int tenth = frame->RawViewer().Image().GetHeight() / 10;
+    EXPECT_EQ(frame->RawViewer().GetRoi(), (ViewRect{tenth, tenth, 2 * tenth, 2 * tenth}));
+    EXPECT_EQ(Status(107), status_texts::Roi(frame->RawViewer().GetRoi()).toStdString());
+}
+
+// Two patches in one rectangle: what is picked says so in the list.
+TEST_F(FrameWorkflow, AColorPickedOverAnEdgeIsMarkedInItsRow) {
+    LoadChart();
+    Run(ID_BTN_COLOR_MANUAL);
+    const auto isMarked = [this](int row) {
+        const QModelIndex index = frame->RawColorPane().RawList().model()->index(row, 0);
+        return !index.data(Qt::ToolTipRole).toString().isEmpty();
+    };
+    frame->RawViewer().FitToWindow();
+    const auto pickAt = [this](int x, int y) {
+        CAutoROIImageViewer& viewer = frame->RawViewer();
+        ViewPoint at;
+        ASSERT_TRUE(viewer.ImageToClient({x, y}, &at));
+        const QPoint corner = viewer.contentsRect().topLeft();
+        QTest::mouseDClick(&viewer, Qt::LeftButton, {}, corner + QPoint(at.x, at.y));
+    };
+    pickAt(50, 50);
+    pickAt(70, 50);  // the first patch ends there
+    pickAt(50, 110);
+    EXPECT_FALSE(isMarked(0));
+    EXPECT_TRUE(isMarked(1));
+    EXPECT_FALSE(isMarked(2));
 }
 
 // A picture, its preview, another picture dropped on the preview, a preview over that, a picture from the device.

@@ -43,6 +43,24 @@ TEST(RawColorSide, RemovingTheSelectedRowRenumbersWhatFollowsAndKeepsItsSwatch) 
     EXPECT_EQ(side.GetColors().GetSize(), 4);
 }
 
+// The mark goes with the color that was picked: not with the number, and not with the row's place.
+TEST(RawColorSide, AColorOfTwoIsMarkedUntilItIsPickedAnew) {
+    const auto marks = [](const RawColorSide& side) {
+        std::string text;
+        for (const auto& row : side.Rows()) text += row.isMixed ? '!' : '.';
+        return text;
+    };
+    RawColorSide side = handMade(3);
+    side.Add({0x600000, 7, 8, true});
+    side.Fill(vectorOf(1));
+    EXPECT_EQ(marks(side), "...!.");
+    side.Remove(0);
+    EXPECT_EQ(marks(side), "..!.");
+    side.ReplaceOrAdd(2, {0x700000, 7, 9});
+    side.ReplaceOrAdd(0, {0x700000, 7, 9, true});
+    EXPECT_EQ(marks(side), "!...");
+}
+
 TEST(RawColorSide, RemovingFromAnEmptyListDoesNothing) {
     RawColorSide side;
     side.Remove(std::nullopt);

@@ -34,12 +34,14 @@ public:
     void OnZoomChanged(float zoom) override { zooms.push_back(zoom); }
     void DeselectAllViewers() override { ++deselections; }
     void RefreshManualPick() override { ++picks; }
+    bool PicksByHand() const override { return byHand; }
 
     std::vector<std::array<std::uint32_t, 3>> pixels;
     std::vector<ViewRect> rois;
     std::vector<float> zooms;
     int deselections = 0;
     int picks = 0;
+    bool byHand = false;
 };
 
 /// An image in which each pixel tells its own place: 0x00yyyxxx.
@@ -413,6 +415,44 @@ TEST_F(DetectingViewer, TheRoisMeanColorIsPicked) {
     viewer.GetRoiColor(bgr, &centre);
     EXPECT_THAT(bgr, ElementsAre(50, 100, 200));
     EXPECT_EQ(centre, (ViewPoint{31, 31}));
+}
+
+// On one patch, over the edge of two, back, while it is dragged, and where no color is picked by hand.
+TEST_F(DetectingViewer, ARectangleToPickWithThatHoldsTwoColorsIsDashed) {
+    Show(DrawnChart().Draw());
+    viewer.SetZoom(2.0f);  // from the corner; the first patch from (10, 10) to (49, 49) of the image
+    viewer.SetAutoDetect(false);
+    listener.byHand = true;
+    const auto upperLine = [this] {  // of the outline, between the handles
+        const QImage shown = viewer.grab().toImage();
+        const ViewRect outline = viewer.Tracker().GetRect();
+        int runs = 0;
+        for (int x = outline.left + 8; x < outline.left + 18; ++x) {
+            const auto isWhite = [&](int at) { return qGray(shown.pixel(at + kEdge, outline.top + kEdge)) > 200; };
+            runs += isWhite(x) != isWhite(x - 1);
+        }
+        return runs;
+    };
+    const auto centreOn = [this](int x, int y) { Mouse(QEvent::MouseButtonDblClick, {2 * x, 2 * y}); };
+    centreOn(30, 30);
+    EXPECT_FALSE(viewer.HoldsTwoColors());
+    const int dotted = upperLine();
+    centreOn(50, 30);
+    EXPECT_TRUE(viewer.HoldsTwoColors());
+    const int dashed = upperLine();
+    EXPECT_LT(dashed, dotted);
+    listener.byHand = false;
+    EXPECT_EQ(upperLine(), dotted);
+    listener.byHand = true;
+
+    Press({2 * 50, 2 * 30});
+    Move({2 * 30, 2 * 30});
+    EXPECT_EQ(upperLine(), dotted) << "before the button is released";
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(upperLine(), dashed);
+    CTivImage plain(310, 210, CTivData::FormatRgb, nullptr, true);
+    ASSERT_TRUE(viewer.SetImage(&plain, false));
+    EXPECT_FALSE(viewer.HoldsTwoColors());
 }
 
 class CountingPrompts : public CancellingPrompts {

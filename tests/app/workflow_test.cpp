@@ -44,6 +44,21 @@ TEST_F(WorkflowSteps, TheCalibratedPictureTakesADropButNoLoadCommand) {
     EXPECT_TRUE(workflow->GetStudioState().calibHasImage);
 }
 
+TEST_F(WorkflowSteps, TheDialogSaysWhichPictureItFills) {
+    const auto title = [this] { return prompts.opened.back().title.toStdString(); };
+    Pictures().OnLoadImage();
+    EXPECT_EQ(title(), "Open Raw Image");
+    Parameters().OnRelative();
+    EXPECT_EQ(title(), "Open Reference Image");
+    Pictures().OnLoadRawImage();
+    EXPECT_EQ(title(), "Open Raw Image");
+    Pictures().OnLoadReferenceImage();
+    Pictures().OnLoadImage();
+    EXPECT_EQ(title(), "Open Reference Image");
+    Files().OnLoadCoefficients();
+    EXPECT_EQ(title(), "") << "as ever";
+}
+
 TEST_F(WorkflowSteps, PreviewCorrectsTheRawImageAndIsSavedByFilter) {
     LoadChart();
     Calibration().OnCalibratePreview();
