@@ -1,10 +1,6 @@
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <iostream>
 #include <memory>
-#include <mutex>
 #include <set>
 
 #include "calibration/CTivTonewrightDC.h"
@@ -13,6 +9,7 @@
 #include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/engine.h"
+#include "cli/progress.h"
 #include "cli/side_by_side.h"
 #include "cli/signals.h"
 #include "imagefile/picture_file.h"
@@ -20,8 +17,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr int kMostJobs = 1000;
 
 struct ApplyOptions {
     std::vector<std::string> inputs;
@@ -108,35 +103,6 @@ void correct(const CTivTonewrightDC& engine, const ApplyOptions& options, const 
     SaveImage(corrected, job.output, FindFileFormat(job.output));
 }
 
-/// How far the work is, on one line of a terminal that the next one writes over; and what went wrong, above it.
-class Progress {
-public:
-    explicit Progress(std::size_t count) : count_(count), isShown_(count > 1 && ::isatty(STDERR_FILENO)) {}
-    ~Progress() { Clear(); }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    void TellDone(const std::string& name, const std::string& problem) {
-        const std::lock_guard lock(gate_);
-        if (!problem.empty()) {
-            Clear();
-            Tell(problem);
-        }
-        ++done_;
-        if (isShown_) std::cerr << "\r\033[K" << done_ << " of " << count_ << "  " << name << std::flush;
-    }
-
-private:
-    void Clear() const {
-        if (isShown_) std::cerr << "\r\033[K" << std::flush;
-    }
-
-    std::mutex gate_;
-    std::size_t count_;
-    std::size_t done_ = 0;
-    bool isShown_;
-};
-
 std::string tryToCorrect(const CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job,
                          CTivImage& corrected) {
     try {
@@ -156,11 +122,13 @@ std::vector<std::string> correctAll(const CTivTonewrightDC& engine, const ApplyO
                                     const std::vector<Job>& jobs) {
     std::vector<std::string> problems(jobs.size());
     std::vector<CTivImage> corrected(std::min(jobs.size(), static_cast<std::size_t>(options.jobs)));
-    Progress progress(jobs.size());
+    Progress progress(jobs.size(), true);
     SignalWatch::TakeRequests();
     const std::size_t begun = DoSideBySide(jobs.size(), options.jobs, [&](std::size_t i, std::size_t worker) {
         problems[i] = tryToCorrect(engine, options, jobs[i], corrected[worker]);
-        progress.TellDone(jobs[i].input, problems[i]);
+        progress.TellDone(jobs[i].input, [&] {
+            if (!problems[i].empty()) Tell(problems[i]);
+        });
     });
     for (std::size_t i = begun; i < jobs.size(); ++i) problems[i] = jobs[i].input + ": not begun, since the call ended";
     return problems;
@@ -194,11 +162,6 @@ Outcome applyTo(const ApplyOptions& options) {
     return outcome;
 }
 
-std::optional<int> parseJobs(const std::string& text) {
-    const auto jobs = ParseInteger(text);
-    return jobs && *jobs >= 1 && *jobs <= kMostJobs ? jobs : std::nullopt;
-}
-
 void check(const ApplyOptions& options) {
     if (options.parameters.empty() == options.coefficients.empty()) {
         throw UsageFailure("--parameters or --coefficients is needed, one of them");
@@ -227,9 +190,7 @@ void AddApplyCommand(CLI::App& tool, Work& work) {
     AddParsed(*command, "--type", options->extension, parseType, "bmp, tif or zvk",
               "What kind of files goes into a folder (default: bmp)")
         ->type_name("bmp|tif|zvk");
-    AddParsed(*command, "--jobs", options->jobs, parseJobs, "a number from 1 to " + std::to_string(kMostJobs),
-              "How many images are worked on at a time (default: the number of processors)")
-        ->type_name("N");
+    AddJobsOption(*command, options->jobs, "images");
     command->callback([options, &work] {
         check(*options);
         work = [options] { return applyTo(*options); };

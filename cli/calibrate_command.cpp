@@ -1,8 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 #include <memory>
+#include <sstream>
 
 #include "calibration/CTivTonewrightDC.h"
 #include "calibration/calibrate_at_depth.h"
@@ -13,6 +13,7 @@
 #include "cli/engine.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
+#include "cli/picture_list.h"
 #include "cli/quality_json.h"
 #include "cli/report_outputs.h"
 #include "cli/target_options.h"
@@ -22,6 +23,8 @@
 namespace {
 
 struct CalibrateOptions {
+    PictureList list;
+    std::vector<std::string> types;  ///< extensions of what goes into the folder; none: the two files
     ChartOptions chart;
     TargetOptions target;
     CalibrationSettings settings;
@@ -126,8 +129,8 @@ void tellDelivered(const DifferenceSummary& delivered) {
     if (delivered.patches.empty()) return;
     const auto worst = std::max_element(delivered.patches.begin(), delivered.patches.end());
     const auto index = static_cast<std::size_t>(worst - delivered.patches.begin());
-    std::cerr << "delivered: mean " << ToText(delivered.mean, 1) << ", worst " << ToText(*worst, 1) << " (patch "
-              << PatchWord(index, delivered.patches.size()) << ")\n";
+    TellOfFile("delivered: mean " + ToText(delivered.mean, 1) + ", worst " + ToText(*worst, 1) + " (patch " +
+               PatchWord(index, delivered.patches.size()) + ")");
 }
 
 Outcome calibrate(const CalibrateOptions& options) {
@@ -151,17 +154,101 @@ Outcome calibrate(const CalibrateOptions& options) {
     return {document, isRefused ? kWorkFailed : kDone, outputs};
 }
 
+std::vector<std::string> getOutputs(const CalibrateOptions& options) {
+    std::vector<std::string> outputs = {options.coefficients, options.parameters, options.corrected,
+                                        options.report.report};
+    outputs.insert(outputs.end(), options.report.exports.begin(), options.report.exports.end());
+    return outputs;
+}
+
+/// What is written into a folder by its extension.
+struct FolderType {
+    const char* extension;
+    void (*take)(CalibrateOptions& options, const std::string& path);
+};
+void takeCorrected(CalibrateOptions& options, const std::string& path) {
+    options.corrected = path;
+    options.correctedFormat = FindFileFormat(path);
+}
+void takeExport(CalibrateOptions& options, const std::string& path) { options.report.exports.push_back(path); }
+constexpr FolderType kFolderTypes[] = {
+    {"ccor", [](CalibrateOptions& options, const std::string& path) { options.coefficients = path; }},
+    {"twkp", [](CalibrateOptions& options, const std::string& path) { options.parameters = path; }},
+    {"html", [](CalibrateOptions& options, const std::string& path) { options.report.report = path; }},
+    {"bmp", takeCorrected},
+    {"tif", takeCorrected},
+    {"zvk", takeCorrected},
+    {"cube", takeExport},
+    {"icc", takeExport},
+    {"ti3", takeExport},
+    {"csv", takeExport},
+};
+
+const FolderType* findFolderType(const std::string& extension) {
+    const auto found = std::find_if(std::begin(kFolderTypes), std::end(kFolderTypes),
+                                    [&](const FolderType& type) { return extension == type.extension; });
+    return found == std::end(kFolderTypes) ? nullptr : found;
+}
+
+/// "ccor,html": none twice, and one kind of picture at most.
+std::optional<std::vector<std::string>> parseTypes(const std::string& text) {
+    std::vector<std::string> types;
+    int pictures = 0;
+    std::istringstream words(text + ",");
+    for (std::string word; std::getline(words, word, ',');) {
+        const FolderType* type = findFolderType(word);
+        if (!type || std::ranges::count(types, word) != 0) return std::nullopt;
+        pictures += type->take == takeCorrected;
+        types.push_back(word);
+    }
+    return types.empty() || pictures > 1 ? std::nullopt : std::optional(types);
+}
+
+/// The options for one picture of many.
+CalibrateOptions forPicture(const CalibrateOptions& options, const std::string& picture) {
+    CalibrateOptions one = options;
+    one.chart.image = picture;
+    if (options.list.folder.empty()) return one;
+    std::vector<std::string> types = options.types;
+    if (types.empty()) types = {"ccor"};
+    if (options.types.empty() && options.settings.method == FitMethod::LeastSquares) types.push_back("twkp");
+    for (const std::string& type : types) {
+        findFolderType(type)->take(one, PlaceFor(options.list.folder, picture, "." + type));
+    }
+    return one;
+}
+
+Outcome calibrateAll(const CalibrateOptions& options) {
+    if (!options.list.IsMany()) return calibrate(forPicture(options, options.list.pictures.front()));
+    options.chart.GetSize();  // reads the layout, once for all
+    return WorkOnEach(options.list,
+                      [&](const std::string& picture) { return calibrate(forPicture(options, picture)); });
+}
+
+void checkMany(const CalibrateOptions& options) {
+    RequireNoSingleFile({{"--coefficients", options.coefficients},
+                         {"--parameters", options.parameters},
+                         {"--corrected", options.corrected},
+                         {"--report", options.report.report},
+                         {"--export", options.report.exports.empty() ? "" : options.report.exports.front()}},
+                        "--output-folder and --write say what is written");
+    if (options.settings.method == FitMethod::Perceptual && std::ranges::count(options.types, "twkp") != 0) {
+        throw UsageFailure("--write twkp cannot carry a perceptual fit: loading the file fits by least squares");
+    }
+    RequireOwnPlaces(options.list, [&](const std::string& picture) { return getOutputs(forPicture(options, picture)); },
+                     {options.target.reference.value_or(""), options.target.values, options.chart.layout});
+}
+
 /// What the single options cannot see of each other.
 void check(const CalibrateOptions& options) {
     CheckChartOptions(options.chart);
     CheckTargetOptions(options.target);
+    if (options.list.IsMany()) checkMany(options);
+    if (!options.types.empty() && options.list.folder.empty()) throw UsageFailure("--write is for --output-folder");
     if (options.settings.method == FitMethod::Perceptual && !options.parameters.empty()) {
         throw UsageFailure("--parameters cannot carry a perceptual fit: loading the file fits by least squares");
     }
-    std::vector<std::string> outputs = {options.coefficients, options.parameters, options.corrected,
-                                        options.report.report};
-    outputs.insert(outputs.end(), options.report.exports.begin(), options.report.exports.end());
-    RequireDifferentPlaces(outputs);
+    RequireDifferentPlaces(getOutputs(options));
 }
 
 void addSettings(CLI::App& command, CalibrateOptions& options) {
@@ -192,6 +279,10 @@ void addSettings(CLI::App& command, CalibrateOptions& options) {
         ->type_name("FILE");
     AddReportOption(command, options.report);
     AddExportOption(command, options.report);
+    AddParsed(command, "--write", options.types, parseTypes,
+              "a list of ccor, twkp, html, cube, icc, ti3, csv and one of bmp, tif, zvk",
+              "What goes into --output-folder for each picture, by its extension (default: ccor,twkp)")
+        ->type_name("TYPE,...");
 }
 
 }  // namespace
@@ -200,11 +291,12 @@ void AddCalibrateCommand(CLI::App& tool, Work& work) {
     CLI::App* command =
         AddCommand(tool, "calibrate", "Finds a chart, fits the color transform to it, and writes what is asked for.");
     const auto options = std::make_shared<CalibrateOptions>();
+    AddPictureOptions(*command, options->list, "what --write says");
     AddChartOptions(*command, options->chart);
     AddTargetOptions(*command, options->target, "A");
     addSettings(*command, *options);
     command->callback([options, &work] {
         check(*options);
-        work = [options] { return calibrate(*options); };
+        work = [options] { return calibrateAll(*options); };
     });
 }

@@ -38,7 +38,6 @@ Json describePatches(const ChartReading& reading) {
 }  // namespace
 
 void AddChartOptions(CLI::App& command, ChartOptions& options) {
-    command.add_option("IMAGE", options.image, "The picture of the chart")->required();
     AddParsed(command, "--roi", options.roi, ParseRoi, "four integers L,T,R,B",
               "Left, top, right, bottom of the chart in pixels, right and bottom exclusive (default: the image less a "
               "fiftieth at each side)")

@@ -29,7 +29,7 @@ private:
     mutable std::optional<ChartLayout> read_;  // from the file, once
 };
 
-/// Adds IMAGE, --roi, --chart, --find, --layout and --strict.
+/// Adds --roi, --chart, --find, --layout and --strict.
 void AddChartOptions(CLI::App& command, ChartOptions& options);
 
 /// What the single options cannot see of each other. @throw UsageFailure

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -32,7 +33,7 @@ class OutputSet;
 
 /// What a command ends with.
 struct Outcome {
-    Json document;  ///< for standard output
+    Json document;  ///< for standard output; null: all is told already
     int status = kDone;
     std::shared_ptr<OutputSet> outputs = nullptr;  ///< files that stay only if the document could be told
 };
@@ -51,8 +52,38 @@ void AddConvertCommand(CLI::App& tool, Work& work);
 void AddDeviceCommands(CLI::App& tool, Work& work);  ///< devices, grab, send, receive
 void AddGrabCommand(CLI::App& tool, Work& work);
 
-/// Writes a line for a person to standard error.
+/// Writes a line for a person to standard error, as a message of the tool's.
 void Tell(const std::string& text);
+
+/// Writes a line about the one file that is worked on, without a name in front.
+void TellOfFile(const std::string& line);
+
+/// While it lives, what the thread that made it tells is kept, with the file's name in front of lines about it.
+class KeptWords {
+public:
+    explicit KeptWords(std::string file);
+    KeptWords(const KeptWords&) = delete;
+    KeptWords& operator=(const KeptWords&) = delete;
+    ~KeptWords();
+
+    void Keep(const std::string& line) { text_ += line; }
+    const std::string& GetFile() const { return file_; }
+    const std::string& GetText() const { return text_; }
+
+private:
+    std::string file_;
+    std::string text_;
+};
+
+/// Why work ended early, and the exit status for it.
+struct Failure {
+    int status;
+    std::string text;
+};
+
+/// Does the work. The last fence: whatever a file makes the library throw ends here.
+/// @return nothing where it came to its end
+std::optional<Failure> WhyFailed(const std::function<void()>& work);
 
 /// Adds a subcommand with what all share: --help and --version, and that nothing unknown is taken.
 CLI::App* AddCommand(CLI::App& tool, const std::string& name, const std::string& description);

@@ -26,6 +26,7 @@ Outcome detect(const ChartOptions& options) {
 void AddDetectCommand(CLI::App& tool, Work& work) {
     CLI::App* command = AddCommand(tool, "detect", "Finds the patches of a chart in a picture and measures them.");
     const auto options = std::make_shared<ChartOptions>();
+    command->add_option("IMAGE", options->image, "The picture of the chart")->required();
     AddChartOptions(*command, *options);
     command->callback([options, &work] {
         CheckChartOptions(*options);

@@ -1,8 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <exception>
 #include <iostream>
-#include <new>
 
 #include "cli/command.h"
 #include "cli/json_values.h"
@@ -31,24 +29,16 @@ bool print(const Json& document) {
     return static_cast<bool>(std::cout);
 }
 
-/// Runs the work and prints its document. The last fence: whatever a file makes the library throw ends here.
 int run(const Work& work) {
-    try {
+    int status = kDone;
+    const auto failure = WhyFailed([&] {
         const Outcome outcome = work();
+        status = outcome.status;
+        if (outcome.document.is_null()) return;
         const std::shared_ptr<OutputSet> outputs = outcome.outputs ? outcome.outputs : std::make_shared<OutputSet>();
         outputs->Commit([&] { return print(outcome.document); });
-        return outcome.status;
-    } catch (const UsageFailure& failure) {
-        return fail(kWrongUsage, failure.what());
-    } catch (const std::bad_alloc&) {
-        return fail(kWorkFailed, "not enough memory");
-    } catch (const std::exception& failure) {
-        return fail(kWorkFailed, failure.what());
-    } catch (const char* text) {  // the fit throws plain text
-        return fail(kWorkFailed, text);
-    } catch (...) {
-        return fail(kWorkFailed, "unknown error");
-    }
+    });
+    return failure ? fail(failure->status, failure->text) : status;
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <iostream>
 
 #include "chart/patch_names.h"
 
@@ -52,7 +51,7 @@ Json Describe(const std::vector<Finding>& findings) {
 void TellFindings(const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
         if (finding.severity == Severity::Note) continue;
-        std::cerr << GetSeverityName(finding.severity) << ": " << finding.text << '\n';
+        TellOfFile(std::string(GetSeverityName(finding.severity)) + ": " + finding.text);
     }
 }
 

@@ -1,13 +1,26 @@
 #include "cli/side_by_side.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
 #include <system_error>
 #include <thread>
 #include <vector>
 
+#include "cli/arguments.h"
 #include "cli/signals.h"
 #include "foundation/library_texts.h"
+
+namespace {
+
+constexpr int kMostJobs = 1000;
+
+std::optional<int> parseJobs(const std::string& text) {
+    const auto jobs = ParseInteger(text);
+    return jobs && *jobs >= 1 && *jobs <= kMostJobs ? jobs : std::nullopt;
+}
+
+}  // namespace
 
 std::size_t DoSideBySide(std::size_t pieces, int workers,
                          const std::function<void(std::size_t piece, std::size_t worker)>& work) {
@@ -37,3 +50,9 @@ std::size_t DoSideBySide(std::size_t pieces, int workers,
 }
 
 int CountProcessors() { return static_cast<int>(std::max(std::thread::hardware_concurrency(), 1u)); }
+
+void AddJobsOption(CLI::App& command, int& jobs, const std::string& what) {
+    AddParsed(command, "--jobs", jobs, parseJobs, "a number from 1 to " + std::to_string(kMostJobs),
+              "How many " + what + " are worked on at a time (default: the number of processors)")
+        ->type_name("N");
+}

@@ -2,6 +2,11 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
+
+namespace CLI {
+class App;
+}
 
 /// Does pieces of work side by side: calls `work(piece, worker)` for the pieces 0 to `pieces` - 1, each once and begun
 /// in this order. Once the tool was asked to end none begins; those begun are finished.
@@ -14,3 +19,6 @@ std::size_t DoSideBySide(std::size_t pieces, int workers,
 
 /// The processors at hand, at least 1.
 int CountProcessors();
+
+/// Adds --jobs. @param what is worked on, for the help
+void AddJobsOption(CLI::App& command, int& jobs, const std::string& what);

@@ -12,6 +12,7 @@
 #include "cli/command.h"
 #include "cli/engine.h"
 #include "cli/json_values.h"
+#include "cli/picture_list.h"
 #include "cli/quality_json.h"
 #include "cli/report_outputs.h"
 #include "cli/target_options.h"
@@ -21,6 +22,7 @@
 namespace {
 
 struct VerifyOptions {
+    PictureList list;
     ChartOptions chart;
     std::string parameters;
     std::string coefficients;
@@ -161,12 +163,44 @@ Outcome verify(const VerifyOptions& options) {
             writeReport(options, subject, reading, quality, findings, isPassed)};
 }
 
+/// The options for one picture of many. A calibration that is a folder holds a file of each picture's name.
+VerifyOptions forPicture(const VerifyOptions& options, const std::string& picture) {
+    VerifyOptions one = options;
+    one.chart.image = picture;
+    if (!options.list.IsMany()) return one;
+    std::error_code error;
+    for (const auto& [path, extension] : {std::pair(&one.parameters, ".twkp"), {&one.coefficients, ".ccor"}}) {
+        if (std::filesystem::is_directory(*path, error)) *path = PlaceFor(*path, picture, extension);
+    }
+    if (!options.list.folder.empty()) one.report.report = PlaceFor(options.list.folder, picture, ".html");
+    return one;
+}
+
+Outcome verifyAll(const VerifyOptions& options) {
+    if (!options.list.IsMany()) return verify(forPicture(options, options.list.pictures.front()));
+    options.chart.GetSize();  // reads the layout, once for all
+    std::error_code error;
+    const std::string& calibration = options.parameters.empty() ? options.coefficients : options.parameters;
+    if (!std::filesystem::is_directory(calibration, error)) loadSubject(options);  // before any picture
+    return WorkOnEach(options.list, [&](const std::string& picture) { return verify(forPicture(options, picture)); });
+}
+
+void checkMany(const VerifyOptions& options) {
+    RequireNoSingleFile({{"--report", options.report.report}}, "--output-folder takes one of each");
+    RequireOwnPlaces(
+        options.list,
+        [&](const std::string& picture) { return std::vector{forPicture(options, picture).report.report}; },
+        {options.parameters, options.coefficients, options.target.reference.value_or(""), options.target.values,
+         options.chart.layout});
+}
+
 void check(const VerifyOptions& options) {
     if (options.parameters.empty() == options.coefficients.empty()) {
         throw UsageFailure("--parameters or --coefficients is needed, one of them");
     }
     CheckChartOptions(options.chart);
     CheckTargetOptions(options.target);
+    if (options.list.IsMany()) checkMany(options);
 }
 
 }  // namespace
@@ -174,10 +208,15 @@ void check(const VerifyOptions& options) {
 void AddVerifyCommand(CLI::App& tool, Work& work) {
     CLI::App* command = AddCommand(tool, "verify", "Judges a calibration on another picture of the chart.");
     const auto options = std::make_shared<VerifyOptions>();
+    AddPictureOptions(*command, options->list, "the page of --report");
     AddChartOptions(*command, options->chart);
-    command->add_option("--parameters", options->parameters, "The calibration, for images of any depth")
+    command
+        ->add_option("--parameters", options->parameters,
+                     "The calibration, for images of any depth; for many, or a folder of each one's")
         ->type_name("FILE.twkp");
-    command->add_option("--coefficients", options->coefficients, "A transform, for 8-bit images")
+    command
+        ->add_option("--coefficients", options->coefficients,
+                     "A transform, for 8-bit images; for many, or a folder of each one's")
         ->type_name("FILE.ccor");
     AddTargetOptions(*command, options->target, "that of the parameter file; A with --coefficients");
     AddParsed(*command, "--max-mean", options->maxMean, parseLimit, "a decimal of 0 or above",
@@ -189,6 +228,6 @@ void AddVerifyCommand(CLI::App& tool, Work& work) {
     AddReportOption(*command, options->report);
     command->callback([options, &work] {
         check(*options);
-        work = [options] { return verify(*options); };
+        work = [options] { return verifyAll(*options); };
     });
 }

@@ -40,7 +40,8 @@ page() {
       items "$title" <<<"$help"
     done
     printf '.SH OUTPUT\n%s\n' "Results are one JSON document on standard output, words for a person go to standard error."
-    printf '.SH "EXIT STATUS"\n0 for done, 1 where the work failed, 2 where the command line is wrong.\n'
+    printf '.SH "EXIT STATUS"\n0 for done, 1 where the work failed, 2 where the command line is wrong%s.\n' \
+      "$(grep -q 'exit status is 3' <<<"$help" && echo ', 3 where a limit is not kept')"
     printf '.SH "SEE ALSO"\n'
   } > "$folder/$name.1"
 }
