@@ -21,6 +21,7 @@
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/toolkit/Prompts.h"
 #include "app/view/CAutoROIImageViewer.h"
+#include "app/view/CCompareViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "app/workflow/StatusTexts.h"
 #include "app/workflow/Workflow.h"

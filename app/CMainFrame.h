@@ -15,6 +15,7 @@
 #include "app/view/ViewerHost.h"
 
 class CAutoROIImageViewer;
+class CCompareViewer;
 class CDockableImgPane;
 class CImageViewerCtrl;
 class CLoggerWnd;
@@ -79,6 +80,7 @@ public:
     void OnHelp();
     void OnContextHelp();
     void OnSelectViewer(int id);
+    void OnCompare();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -113,7 +115,7 @@ private:
     std::unique_ptr<CDockableImgPane> m_calibPane;
     std::unique_ptr<CAutoROIImageViewer> m_rawViewer;
     std::unique_ptr<CAutoROIImageViewer> m_refViewer;
-    std::unique_ptr<CImageViewerCtrl> m_calibViewer;
+    std::unique_ptr<CCompareViewer> m_calibViewer;
     std::unique_ptr<PaneLayout> m_panes;
     std::unique_ptr<RibbonControls> m_controls;
     std::unique_ptr<Workflow> m_workflow;

@@ -29,6 +29,7 @@ bool canUpload(State s) {
     return s.deviceKind != DeviceKindNone && s.deviceKind != DeviceKindOther &&
            (s.deviceKind == DeviceKindFrameGrabber || s.hasCoefficientFile);
 }
+bool canCompare(State s) { return s.comparing || (s.rawHasImage && s.calibHasImage); }
 bool isOtherCamera(State s) { return s.deviceKind == DeviceKindOther; }
 bool canEditColors(State s) {
     return s.rawColorListEnabled && (s.rawSelected || (s.calibrationMode == 1 && s.refSelected));
@@ -202,6 +203,9 @@ constexpr CommandRow kFixedCommands[] = {
      "Find the chart in the selected picture wherever it lies, and fill the color list with it.\n Find Chart"},
     {ID_BTN_QUALITY_PANE, "Calibration Quality", "quality", "", always, flag<&S::qualityVisible>,
      call<&PaneLayout::Toggle>, "Show what the calibration delivers, patch by patch.\n Calibration Quality"},
+    {ID_BTN_COMPARE, "Compare", "compare", "", canCompare, flag<&S::comparing>, call<&F::OnCompare>,
+     "Look at the raw and the calibrated picture at the same place, with a divider between before and after.\n "
+     "Compare"},
     {ID_BTN_SAVE_REPORT, "Save Report", "save-report", "", flag<&S::hasReport>, kUnchecked,
      call<&QualitySteps::OnSaveReport>, "Save the figures of the last preview as a page.\n Save Report"},
     {ID_BTN_SEND_COEFFICIENTS, "Send Coefficients", "send-coefficients", "", isOtherCamera, kUnchecked,

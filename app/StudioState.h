@@ -25,6 +25,7 @@ struct StudioState {
     bool refPaneVisible = false;
     bool calibPaneVisible = false;
     bool qualityVisible = false;
+    bool comparing = false;
     bool hasReport = false;  ///< a preview was judged
     int chrome = 0;          ///< how the window is dressed, a theme::Chrome
 };

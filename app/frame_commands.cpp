@@ -19,6 +19,7 @@
 #include "app/toolkit/RibbonBar.h"
 #include "app/toolkit/Theme.h"
 #include "app/view/CAutoROIImageViewer.h"
+#include "app/view/CCompareViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "app/workflow/Workflow.h"
 #include "calibration/parameter_limits.h"
@@ -120,6 +121,7 @@ StudioState CMainFrame::GetState() const {
     state.refPaneVisible = !m_refPane->isHidden();
     state.calibPaneVisible = !m_calibPane->isHidden();
     state.qualityVisible = !m_qualityWnd->isHidden();
+    state.comparing = m_calibViewer->IsComparing();
     state.hasReport = m_workflow->Get<QualitySteps>().GetReport().has_value();
     state.chrome = static_cast<int>(theme::GetChrome());
     return state;

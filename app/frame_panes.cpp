@@ -8,6 +8,7 @@
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
 #include "app/view/CAutoROIImageViewer.h"
+#include "app/view/CCompareViewer.h"
 #include "app/view/CDockableImgPane.h"
 #include "app/workflow/Workflow.h"
 
@@ -49,7 +50,7 @@ bool CMainFrame::CreatePanes() {
     m_refViewer = std::make_unique<CAutoROIImageViewer>(m_refPane.get());
     setUp(*m_refViewer, string_id::kReferenceImage, "Reference Image", *this);
     m_refPane->SetChild(m_refViewer.get());
-    m_calibViewer = std::make_unique<CImageViewerCtrl>(m_calibPane.get());
+    m_calibViewer = std::make_unique<CCompareViewer>(m_calibPane.get());
     setUp(*m_calibViewer, string_id::kCalibrationImage, "Calibrated Image", *this);
     m_calibPane->SetChild(m_calibViewer.get());
 
@@ -81,9 +82,15 @@ bool CMainFrame::CreatePanes() {
 void CMainFrame::OnSelectViewer(int id) {
     if (id == ID_SELECT_REF_VIEWER) m_panes->Show(ID_CBTN_REF_IMG_VIEW);
     if (id == ID_SELECT_CALIB_VIEWER) m_panes->Show(ID_CBTN_CALIB_IMG_VIEW);
-    CImageViewerCtrl* const viewer = id == ID_SELECT_RAW_VIEWER   ? m_rawViewer.get()
-                                     : id == ID_SELECT_REF_VIEWER ? m_refViewer.get()
-                                                                  : m_calibViewer.get();
+    CImageViewerCtrl* viewer = m_rawViewer.get();
+    if (id == ID_SELECT_REF_VIEWER) viewer = m_refViewer.get();
+    if (id == ID_SELECT_CALIB_VIEWER) viewer = m_calibViewer.get();
     m_workflow->Get<PictureSteps>().SelectViewer(*viewer);
     viewer->setFocus(Qt::ShortcutFocusReason);
+}
+
+void CMainFrame::OnCompare() {
+    const bool begins = !m_calibViewer->IsComparing();
+    if (begins) m_panes->Show(ID_CBTN_CALIB_IMG_VIEW);
+    m_calibViewer->CompareWith(begins ? m_rawViewer.get() : nullptr);
 }

@@ -3,6 +3,7 @@
 #include "app/CMainFrame.h"
 #include "app/panes/CQualityWnd.h"
 #include "app/view/CAutoROIImageViewer.h"
+#include "app/view/CCompareViewer.h"
 #include "app/workflow/Workflow.h"
 
 void CMainFrame::FollowQuality() {

@@ -21,6 +21,7 @@ constexpr int kOverlayFontPoints = 10;
 constexpr float kZoomByKey = 1.25f;
 constexpr int kFarByKey = 10;     // image pixels
 constexpr int kCornerMargin = 6;  // around words in a corner of the picture
+constexpr QColor kCaptionGround(0, 0, 0, 160);
 constexpr int kTrackerStyle = RectTracker::DottedLine | RectTracker::ResizeInside;
 
 /// The pattern behind the image: cells of 4 by 4 pixels, drawn row by row. A cell is light when both toggles are false.
@@ -122,6 +123,14 @@ void CImageViewerCtrl::SetSelected(int selected) {
 void CImageViewerCtrl::ZoomChanged() {
     update();
     if (m_comm) m_comm->OnZoomChanged(m_geometry.GetZoom());
+    emit viewMoved();
+}
+
+void CImageViewerCtrl::GoTo(const ViewPlace& place) {
+    const float before = GetZoom();
+    View().GoTo(place);
+    update();
+    if (m_comm && GetZoom() != before) m_comm->OnZoomChanged(GetZoom());
 }
 
 void CImageViewerCtrl::SetZoom(float zoom) {
@@ -201,11 +210,15 @@ void CImageViewerCtrl::wheelEvent(QWheelEvent* event) {
     if (View().Wheel(ClientPoint(event->position()), turn > 0, fast)) ZoomChanged();
 }
 
-void CImageViewerCtrl::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
+void CImageViewerCtrl::Select() {
     setFocus(Qt::MouseFocusReason);
     if (m_host) m_host->DeselectAllViewers();
     SetSelected(1);
+}
+
+void CImageViewerCtrl::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    Select();
     const ViewPoint point = ClientPoint(event->position());
     SyncTracker();
     if (m_roiEnabled && m_tracker.Begin(point)) return;
@@ -223,11 +236,14 @@ void CImageViewerCtrl::mouseMoveEvent(QMouseEvent* event) {
     if (View().IsDragging()) {
         View().DragTo(point);
         update();
+        emit viewMoved();
     } else if (m_comm && View().ClientToImage(point, &pixel)) {
-        m_comm->OnPixel(pixel.x, pixel.y, m_image.GetData(pixel.x, pixel.y));
+        m_comm->OnPixel(pixel.x, pixel.y, PixelUnder(point, pixel));
     }
     UpdateCursor(point);
 }
+
+CTivData CImageViewerCtrl::PixelUnder(ViewPoint, ViewPoint pixel) const { return m_image.GetData(pixel.x, pixel.y); }
 
 void CImageViewerCtrl::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
@@ -293,7 +309,8 @@ void CImageViewerCtrl::resizeEvent(QResizeEvent* event) {
     QFrame::resizeEvent(event);
     const float before = GetZoom();
     View();
-    if (GetZoom() != before) ZoomChanged();
+    if (GetZoom() != before) return ZoomChanged();
+    emit viewResized();
 }
 
 void CImageViewerCtrl::paintEvent(QPaintEvent*) {
@@ -305,9 +322,7 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
     painter.setClipRect(QRect(QPoint(0, 0), ClientSize()));
     PaintBackground(painter);
     const ViewGeometry& view = View();
-    if (m_image.IsAllocated()) {
-        CDemoUtil::DisplayImage(&m_image, &painter, &view.GetSource(), &view.GetDestination(), -1);
-    }
+    if (m_image.IsAllocated()) PaintPicture(painter, view);
     PaintCaption(painter);  // under outlines and handles, which have to be reached
     Overlay overlay = MapToClient(m_imageOverlay, view);
     overlay.SetFont(m_font);
@@ -318,6 +333,10 @@ void CImageViewerCtrl::paintEvent(QPaintEvent*) {
         PaintTracker(painter);
     }
     PaintBadge(painter);
+}
+
+void CImageViewerCtrl::PaintPicture(QPainter& painter, const ViewGeometry& view) {
+    CDemoUtil::DisplayImage(&m_image, &painter, &view.GetSource(), &view.GetDestination(), -1);
 }
 
 void CImageViewerCtrl::ShowOutlines(const PatchOutlines& outlines) {
@@ -372,28 +391,32 @@ void CImageViewerCtrl::PaintHighlight(QPainter& painter, const ViewGeometry& vie
     painter.drawPolygon(polygon);
 }
 
-void CImageViewerCtrl::PaintBadge(QPainter& painter) const {
-    if (m_badge.isEmpty()) return;
-    const QSize words = painter.fontMetrics().size(Qt::TextSingleLine, m_badge);
-    const QRect area(ClientSize().width() - words.width() - 3 * kCornerMargin, kCornerMargin,
-                     words.width() + 2 * kCornerMargin, words.height() + kCornerMargin);
-    painter.fillRect(area, QColor(0x8a, 0x1c, 0x12));
-    painter.setPen(Qt::white);
-    painter.drawText(area, Qt::AlignCenter, m_badge);
+QSize CImageViewerCtrl::WordsSize(const QPainter& painter, const QString& words) {
+    const QSize size = painter.fontMetrics().size(Qt::TextSingleLine, words);
+    return {size.width() + 2 * kCornerMargin, size.height() + kCornerMargin};
 }
 
-// In the corner opposite to the badge's, and never under it: a long file name is cut in its middle.
-void CImageViewerCtrl::PaintCaption(QPainter& painter) const {
-    const QFontMetrics metrics = painter.fontMetrics();
-    const int badge = m_badge.isEmpty() ? 0 : metrics.horizontalAdvance(m_badge) + 3 * kCornerMargin;
-    const int room = ClientSize().width() - badge - 4 * kCornerMargin;
-    const QString caption = metrics.elidedText(GetCaption(), Qt::ElideMiddle, room);
-    if (room <= 0 || caption.isEmpty()) return;
-    const QSize words = metrics.size(Qt::TextSingleLine, caption);
-    const QRect area(kCornerMargin, kCornerMargin, words.width() + 2 * kCornerMargin, words.height() + kCornerMargin);
-    painter.fillRect(area, QColor(0, 0, 0, 160));
+void CImageViewerCtrl::PaintWords(QPainter& painter, QPoint corner, const QString& words, const QColor& ground) {
+    const QRect area(corner, WordsSize(painter, words));
+    painter.fillRect(area, ground);
     painter.setPen(Qt::white);
-    painter.drawText(area, Qt::AlignCenter, caption);
+    painter.drawText(area, Qt::AlignCenter, words);
+}
+
+void CImageViewerCtrl::PaintBadge(QPainter& painter) const {
+    if (m_badge.isEmpty()) return;
+    const int left = ClientSize().width() - WordsSize(painter, m_badge).width() - kCornerMargin;
+    PaintWords(painter, {left, kCornerMargin}, m_badge, QColor(0x8a, 0x1c, 0x12));
+}
+
+// In the corner opposite to the badge's, and never under it: a long file name is cut in its middle. That of the
+// selected viewer stands on the color of its edge.
+void CImageViewerCtrl::PaintCaption(QPainter& painter) const {
+    const int badge = m_badge.isEmpty() ? 0 : WordsSize(painter, m_badge).width() + kCornerMargin;
+    const int room = ClientSize().width() - badge - 4 * kCornerMargin;
+    const QString caption = painter.fontMetrics().elidedText(GetCaption(), Qt::ElideMiddle, room);
+    if (room <= 0 || caption.isEmpty()) return;
+    PaintWords(painter, {kCornerMargin, kCornerMargin}, caption, m_selected ? theme::Now().accent : kCaptionGround);
 }
 
 /// A sunken edge, which shines while the viewer is the selected one. Filled and not drawn with a pen, which leaves

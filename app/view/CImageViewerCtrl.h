@@ -62,6 +62,10 @@ public:
     bool IsRoiEnabled() const { return m_roiEnabled; }
     ViewRect GetRoi() const override { return m_roi; }
 
+    ViewPlace GetPlace() const { return View().GetPlace(); }
+    /// As ViewGeometry's. Tells the zoom, but not that the view has moved.
+    void GoTo(const ViewPlace& place);
+
     bool ClientToImage(ViewPoint in, ViewPoint* out) const { return View().ClientToImage(in, out); }
     bool ImageToClient(ViewPoint in, ViewPoint* out) const { return View().ImageToClient(in, out); }
 
@@ -75,7 +79,18 @@ public:
 
     QSize sizeHint() const override;
 
+signals:
+    void viewMoved();    ///< zoomed, fitted, dragged, or on another picture
+    void viewResized();  ///< the window has another size, and the view is still not fitted to it
+
 protected:
+    void Select();  ///< makes this the selected viewer, as a press does
+    /// Draws the picture, under all that is drawn on it.
+    virtual void PaintPicture(QPainter& painter, const ViewGeometry& view);
+    /// What the mouse tells of a pixel. @param client where it is seen
+    virtual CTivData PixelUnder(ViewPoint client, ViewPoint pixel) const;
+    static QSize WordsSize(const QPainter& painter, const QString& words);
+    static void PaintWords(QPainter& painter, QPoint corner, const QString& words, const QColor& ground);
     /// Replaces the ROI without telling anyone.
     void SetRoi(const ViewRect& roi) { m_roi = roi; }
     /// The ROI as it is drawn: under a tracker that is being dragged, where it would come to now.

@@ -1,6 +1,7 @@
 #include "app/view/ViewGeometry.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -111,6 +112,23 @@ bool ViewGeometry::FitIfLarger() {
     if (isLarger || m_zoom == 1.0f) m_fit = Fit::Whole;
     if (isLarger) ApplyFit();
     return isLarger;
+}
+
+ViewPlace ViewGeometry::GetPlace() const {
+    const auto middle = [](int low, int high, int size) { return size > 0 ? (low + high) / 2.0 / size : 0.5; };
+    return {m_zoom, middle(m_source.left, m_source.right, m_imageWidth),
+            middle(m_source.top, m_source.bottom, m_imageHeight)};
+}
+
+void ViewGeometry::GoTo(const ViewPlace& place) {
+    m_anchor = {};
+    SetZoom(place.zoom);
+    const auto low = [](double middle, int size, int part) {
+        return static_cast<int>(std::lround(middle * size - part / 2.0));
+    };
+    m_source = m_source.Moved(low(place.x, m_imageWidth, m_source.Width()) - m_source.left,
+                              low(place.y, m_imageHeight, m_source.Height()) - m_source.top);
+    ClampSource();
 }
 
 void ViewGeometry::Layout() {

@@ -2,6 +2,12 @@
 
 #include "app/toolkit/ViewRect.h"
 
+/// What a window shows of its image, in words that another window can follow whose size, or image's size, is another.
+struct ViewPlace {
+    float zoom = 1.0f;
+    double x = 0.5, y = 0.5;  ///< the middle of the part on display, as shares of the image's width and height
+};
+
 /// How an image lies in a window: zoom, the part of the image on display (source) and where it stands in the client
 /// area (destination), and the two mappings between them. No widget and no pixel takes part.
 ///
@@ -29,6 +35,10 @@ public:
     /// with the window, so that the image stays whole, but never over 1.0.
     /// @return whether the zoom was fitted
     bool FitIfLarger();
+
+    ViewPlace GetPlace() const;
+    /// Zooms and scrolls to a place, as near as the image's edges allow, and ends a fit.
+    void GoTo(const ViewPlace& place);
 
     const ViewRect& GetSource() const { return m_source; }            ///< image pixels
     const ViewRect& GetDestination() const { return m_destination; }  ///< client pixels

@@ -161,6 +161,40 @@ TEST_F(FrameWorkflow, AColorPickedOverAnEdgeIsMarkedInItsRow) {
     EXPECT_FALSE(isMarked(2));
 }
 
+// Nothing to compare yet, a preview, its pane closed and opened, the preview again, another picture, the end.
+TEST_F(FrameWorkflow, ComparingGoesOnUntilItIsEnded) {
+    frame->resize(1600, 900);
+    frame->show();
+    const auto zooms = [this] { return std::pair(frame->RawViewer().GetZoom(), frame->CalibratedViewer().GetZoom()); };
+    EXPECT_FALSE(IsEnabled(ID_BTN_COMPARE));
+    LoadChart(120);
+    EXPECT_FALSE(IsEnabled(ID_BTN_COMPARE));
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    Run(ID_CBTN_CALIB_IMG_VIEW);
+    ASSERT_TRUE(IsEnabled(ID_BTN_COMPARE));
+    Run(ID_BTN_COMPARE);
+    EXPECT_TRUE(frame->GetAction(ID_BTN_COMPARE)->isChecked());
+    EXPECT_FALSE(frame->CalibratedPane().isHidden()) << "there is the divider";
+    frame->RawViewer().SetZoom(0.7f);
+    EXPECT_EQ(zooms(), std::pair(0.7f, 0.7f));
+    EXPECT_EQ(Status(316), "Zoom 0070.00x");
+    Run(ID_CBTN_CALIB_IMG_VIEW);
+    frame->RawViewer().SetZoom(0.9f);
+    Run(ID_CBTN_CALIB_IMG_VIEW);
+    Run(ID_BTN_CALIBRATE_PREVIEW);
+    EXPECT_EQ(zooms(), std::pair(0.9f, 0.9f)) << "not fitted anew";
+    LoadChart(40);
+    EXPECT_EQ(zooms(), std::pair(1.0f, 1.0f));
+    EXPECT_EQ(frame->RawViewer().ImageOverlay().Rectangles().size(), 24u);
+    Run(ID_SELECT_CALIB_VIEWER);
+    Run(ID_IMAGE_ZOOM_IN);
+    EXPECT_EQ(zooms(), std::pair(1.1f, 1.1f));
+    Run(ID_BTN_COMPARE);
+    EXPECT_FALSE(frame->GetAction(ID_BTN_COMPARE)->isChecked());
+    Run(ID_IMAGE_ZOOM_IN);
+    EXPECT_EQ(frame->RawViewer().GetZoom(), 1.1f);
+}
+
 // A picture, its preview, another picture dropped on the preview, a preview over that, a picture from the device.
 TEST_F(FrameWorkflow, CaptionsTellWhatEachViewerShows) {
     const auto expect = [this](const char* raw, const char* calibrated) {

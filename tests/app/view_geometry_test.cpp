@@ -43,6 +43,32 @@ TEST(ViewGeometry, AnAxisThatFitsIsCentredAndOneThatDoesNotTakesTheWindow) {
     }
 }
 
+// To the middle of what the other window shows, as near as the edges allow, and back to the pixel.
+TEST(ViewGeometry, APlaceIsFoundAgainInAnotherWindowAndOnAnotherImage) {
+    ViewGeometry from = viewOf(kLarge);
+    from.GoTo({1.0f, 0.3, 0.6});
+    EXPECT_EQ(from.GetSource(), (ViewRect{250, 550, 350, 650}));
+    struct Case {
+        Setting setting;
+        ViewRect source;
+    };
+    for (const Case& c : {Case{{300, 50, 1000, 1000, 5.0f}, {150, 575, 450, 625}},
+                          Case{{700, 100, 1000, 1000, 1.0f}, {0, 550, 700, 650}},  // no further to the left
+                          Case{{100, 100, 500, 2000, 1.0f}, {100, 1150, 200, 1250}}, Case{kSmall, {0, 0, 100, 80}},
+                          Case{{100, 100, 0, 0, 1.0f}, {0, 0, 0, 0}}}) {
+        ViewGeometry view = viewOf(c.setting);
+        view.FitToWindow();
+        view.GoTo(from.GetPlace());
+        EXPECT_EQ(view.GetZoom(), 1.0f);
+        EXPECT_EQ(view.GetSource(), c.source) << c.setting.clientWidth;
+        view.Adapt(c.setting.clientWidth / 2, c.setting.clientHeight, c.setting.imageWidth, c.setting.imageHeight);
+        EXPECT_EQ(view.GetZoom(), 1.0f) << "fitted no longer";
+    }
+    ViewGeometry back = viewOf(kLarge);
+    back.GoTo(from.GetPlace());
+    EXPECT_EQ(back.GetSource(), from.GetSource());
+}
+
 TEST(ViewGeometry, TheWayToTheImageTruncatesAndTheWayBackRounds) {
     struct Case {
         Setting setting;
