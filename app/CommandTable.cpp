@@ -208,6 +208,10 @@ constexpr CommandRow kFixedCommands[] = {
      "Compare"},
     {ID_BTN_SAVE_REPORT, "Save Report", "save-report", "", flag<&S::hasReport>, kUnchecked,
      call<&QualitySteps::OnSaveReport>, "Save the figures of the last preview as a page.\n Save Report"},
+    {ID_BTN_UNDO, "Undo", "undo", "Ctrl+Z", flag<&S::canUndo>, kUnchecked, call<&UndoSteps::OnUndo>,
+     "Take the last edit of colors, values, gamma or saturation back.\n Undo"},
+    {ID_BTN_REDO, "Redo", "redo", "Ctrl+Shift+Z", flag<&S::canRedo>, kUnchecked, call<&UndoSteps::OnRedo>,
+     "Do again what was taken back.\n Redo"},
     {ID_BTN_SEND_COEFFICIENTS, "Send Coefficients", "send-coefficients", "", isOtherCamera, kUnchecked,
      call<&Devices::OnSendCoefficients>,
      "Send the loaded or saved coefficients to the camera, or those of a new calibration where there are none.\n Send "

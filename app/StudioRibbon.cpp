@@ -111,6 +111,11 @@ constexpr Item kCalibrationQuality[] = {
     button(Kind::Large, ID_BTN_SAVE_REPORT, "SR"),
 };
 
+constexpr Item kEdit[] = {
+    button(Kind::Small, ID_BTN_UNDO, "UN"),
+    button(Kind::Small, ID_BTN_REDO, "RD"),
+};
+
 constexpr Item kCamera[] = {
     button(Kind::Large, ID_BTN_SEND_COEFFICIENTS, "SF"),
     button(Kind::Large, ID_BTN_READ_COEFFICIENTS, "RF"),
@@ -135,6 +140,7 @@ constexpr ribbon::Panel kViewPanels[] = {
 };
 constexpr ribbon::Panel kQualityPanels[] = {
     {"Calibration Quality", ":/icons/quality.svg", "ZQ", kCalibrationQuality},
+    {"Edit", ":/icons/undo.svg", "ZE", kEdit},
     {"Camera", ":/icons/send-coefficients.svg", "ZC", kCamera},
     {"Window", ":/icons/reset-layout.svg", "ZW", kWindow},
 };
@@ -149,7 +155,7 @@ constexpr RibbonShrinkStep kHomeSteps[] = {
 constexpr RibbonShrinkStep kViewSteps[] = {{1, RibbonForm::Button}, {0, RibbonForm::Button}};
 
 constexpr RibbonShrinkStep kQualitySteps[] = {
-    {2, RibbonForm::Button}, {1, RibbonForm::Button}, {0, RibbonForm::Button}};
+    {3, RibbonForm::Button}, {2, RibbonForm::Button}, {0, RibbonForm::Button}, {1, RibbonForm::Button}};
 
 constexpr ribbon::Tab kTabs[] = {{"Home", "H", kHomePanels, kHomeSteps},
                                  {"View", "V", kViewPanels, kViewSteps},

@@ -55,11 +55,11 @@ QList<QKeySequence> keysOf(const CommandRow& row) {
     return keys;
 }
 
-void showChoice(QAction& button, const CommandTip& tip, const QString& choice, const QFontMetrics& metrics) {
+void showChoice(QAction& button, const QString& choice, const QFontMetrics& metrics) {
     constexpr const char* kChoice = "choice";
     if (button.property(kChoice).toString() == choice) return;
     button.setProperty(kChoice, choice);
-    button.setToolTip(toolTipHtml(tip, choice, metrics));
+    button.setToolTip(toolTipHtml(SplitTip(FindCommand(button.data().toInt())->tip), choice, metrics));
     button.setWhatsThis(button.toolTip());
 }
 
@@ -101,6 +101,7 @@ void CMainFrame::CreateRibbon() {
     }
     connect(m_ribbon.get(), &RibbonBar::edited, this, &CMainFrame::RunCommand);
     connect(m_ribbon.get(), &RibbonBar::slid, this, &CMainFrame::RunCommand);
+    connect(m_ribbon.get(), &RibbonBar::slidEnough, this, [this] { m_workflow->Get<UndoSteps>().Settle(); });
     connect(m_ribbon.get(), &RibbonBar::recentChosen, this, &CMainFrame::OpenDroppedFile);
     // Whatever changed the state, the commands show it before the window next waits for the user.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
@@ -128,7 +129,8 @@ StudioState CMainFrame::GetState() const {
 }
 
 void CMainFrame::UpdateCommands() {
-    if (!m_workflow) return;  // still being built
+    if (!m_workflow) return;                                   // still being built
+    if (m_turns.empty()) m_workflow->Get<UndoSteps>().Note();  // a pane has buttons and cells of its own
     m_workflow->Get<QualitySteps>().CheckInputs();
     const StudioState state = GetState();
     for (const CommandRow& row : CommandTable()) {
@@ -141,8 +143,11 @@ void CMainFrame::UpdateCommands() {
     m_rawColorWnd->UpdateCommandState();
 }
 
-// A button with a menu of choices tells in its tip which one is in force.
+// A button with a menu of choices tells in its tip which one is in force, undo and redo what they bring back.
 void CMainFrame::ShowChoices() {
+    const UndoSteps& undo = m_workflow->Get<UndoSteps>();
+    showChoice(*m_actions.at(ID_BTN_UNDO), undo.GetUndoName(), fontMetrics());
+    showChoice(*m_actions.at(ID_BTN_REDO), undo.GetRedoName(), fontMetrics());
     for (const ribbon::Tab& tab : StudioRibbon().tabs) {
         for (const ribbon::Panel& panel : tab.panels) {
             for (const ribbon::Item& item : panel.items) {
@@ -152,7 +157,7 @@ void CMainFrame::ShowChoices() {
                     if (action && action->isChecked()) choice = action->text();
                 }
                 if (item.menuIds.empty()) continue;
-                showChoice(*m_actions.at(item.id), SplitTip(FindCommand(item.id)->tip), choice, fontMetrics());
+                showChoice(*m_actions.at(item.id), choice, fontMetrics());
             }
         }
     }
@@ -177,7 +182,9 @@ void CMainFrame::RunCommand(int id) {
         m_ribbon->CommitPendingEdits();
     }
     TakeTurn([this, row] {
-        if (row->run && row->enabled(GetState())) row->run(*this, row->id);
+        if (!row->run || !row->enabled(GetState())) return;
+        m_workflow->Get<UndoSteps>().Begin(row->id);
+        row->run(*this, row->id);
     });
 }
 
@@ -192,6 +199,7 @@ void CMainFrame::TakeTurn(std::function<void()> step) {
             LogException();
         }
         m_turns.pop_front();
+        m_workflow->Get<UndoSteps>().Note();
         UpdateCommands();
     }
 }

@@ -48,6 +48,13 @@ float CListCtrlEx::CellNumber(int row, int column) const {
 
 void CListCtrlEx::SetCellText(int row, int column, const QString& text) { m_cells->SetText(row, column, text); }
 
+const std::vector<QString>& CListCtrlEx::Texts() const { return m_cells->Texts(); }
+
+void CListCtrlEx::SetTexts(const std::vector<QString>& texts) {
+    EndEdit();
+    m_cells->SetTexts(texts);
+}
+
 QRect CListCtrlEx::CellRect(int row, int column) const {
     const int rowHeight = verticalHeader()->defaultSectionSize();
     const int top = row < RowCount() ? rowViewportPosition(row) : rowViewportPosition(RowCount() - 1) + rowHeight;

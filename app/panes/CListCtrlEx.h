@@ -2,6 +2,7 @@
 
 #include <QLineEdit>
 #include <QTableView>
+#include <vector>
 
 class CInPlaceEdit;
 class CellTable;
@@ -23,6 +24,8 @@ public:
     /// @return the cell's text read as a number, 0 for what does not begin with one
     float CellNumber(int row, int column) const;
     void SetCellText(int row, int column, const QString& text);
+    const std::vector<QString>& Texts() const;  ///< of all cells, row by row, without the first column
+    void SetTexts(const std::vector<QString>& texts);
 
     /// Opens the editor over a cell; a row past the last one gets an editor that commits nowhere.
     void EditCell(int row, int column);

@@ -8,8 +8,8 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
-#include "app/panes/RawColorLists.h"
 #include "app/toolkit/Theme.h"
+#include "app/workflow/RawColorLists.h"
 
 namespace {
 

@@ -141,6 +141,12 @@ void CRawColorWnd::ClearSide(bool rawSide) {
     Refresh();
 }
 
+void CRawColorWnd::Restore(const RawColorLists& lists) {
+    ClearCross();
+    m_lists = lists;
+    Refresh();
+}
+
 void CRawColorWnd::Refresh() {
     m_rawList->Refresh();
     m_referenceList->Refresh();

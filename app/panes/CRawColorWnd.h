@@ -3,8 +3,8 @@
 #include <QDockWidget>
 #include <optional>
 
-#include "app/panes/RawColorLists.h"
 #include "app/workflow/ColorLists.h"
+#include "app/workflow/RawColorLists.h"
 
 class CAutoROIImageViewer;
 class CRawColorListCtrl;
@@ -32,7 +32,8 @@ public:
     void ClearSide(bool rawSide) override;
     void UpdateCommandState();  ///< enables the buttons by mode, enabled flag and selected viewer
 
-    const RawColorLists& Lists() const { return m_lists; }
+    void Restore(const RawColorLists& lists) override;
+    const RawColorLists& Lists() const override { return m_lists; }
     CRawColorListCtrl& RawList() { return *m_rawList; }
     CRawColorListCtrl& ReferenceList() { return *m_referenceList; }
 

@@ -122,6 +122,17 @@ void CSpectrumValuesWnd::ShowIlluminantValue(const std::array<float, 4>& value) 
     }
 }
 
+UserValueTexts CSpectrumValuesWnd::GetTexts() const { return {m_illuminantList->Texts(), m_spectrumList->Texts()}; }
+
+void CSpectrumValuesWnd::ShowTexts(const UserValueTexts& texts) {
+    m_illuminantList->SetTexts(texts.white);
+    m_spectrumList->SetTexts(texts.patches);
+}
+
+bool CSpectrumValuesWnd::Shows(const UserValueTexts& texts) const {
+    return m_illuminantList->Texts() == texts.white && m_spectrumList->Texts() == texts.patches;
+}
+
 void CSpectrumValuesWnd::SetMatrixSize(int width, int height) {
     m_chartSize.Width = width;
     m_chartSize.Height = height;

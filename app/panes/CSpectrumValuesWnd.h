@@ -43,6 +43,9 @@ public:
     /// Shows whole numbers only, deliberately (C15): the operator keeps the fractions.
     void ShowIlluminantValue(const std::array<float, 4>& value) override;
     ChartSize* GetChartSize() override { return &m_chartSize; }
+    UserValueTexts GetTexts() const override;
+    void ShowTexts(const UserValueTexts& texts) override;
+    bool Shows(const UserValueTexts& texts) const override;
     void SetMatrixSize(int width, int height) override;
     void SetEnabled(bool enabled) override;  ///< undims and allows editing, or the reverse
     bool IsEnabledForEditing() const { return m_enabled; }

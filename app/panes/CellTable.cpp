@@ -43,6 +43,12 @@ void CellTable::Resize(int rows, const QString& fresh) {
     rows > before ? endInsertRows() : endRemoveRows();
 }
 
+void CellTable::SetTexts(const std::vector<QString>& texts) {
+    Resize(static_cast<int>(texts.size()) / (columnCount() - 1), {});
+    m_texts = texts;
+    if (m_rows > 0) emit dataChanged(index(0, 1), index(m_rows - 1, columnCount() - 1));
+}
+
 void CellTable::SetDimmed(bool dimmed) {
     m_dimmed = dimmed;
     if (m_rows > 0) emit dataChanged(index(0, 0), index(m_rows - 1, columnCount() - 1), {Qt::ForegroundRole});

@@ -16,6 +16,8 @@ public:
     void SetText(int row, int column, const QString& text);  ///< nothing where there is no such cell
     /// Adds rows whose cells hold `fresh`, or removes rows from the end.
     void Resize(int rows, const QString& fresh);
+    const std::vector<QString>& Texts() const { return m_texts; }  ///< row by row, without the first column
+    void SetTexts(const std::vector<QString>& texts);
     void SetDimmed(bool dimmed);  ///< gray text
 
     int rowCount(const QModelIndex& parent = {}) const override;

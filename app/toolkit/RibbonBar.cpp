@@ -77,7 +77,10 @@ void RibbonBar::AddPage(const ribbon::Tab& tab, const RibbonActions& actions) {
         connect(&body, &RibbonBody::edited, this, &RibbonBar::edited);
         connect(&body, &RibbonBody::slid, this, &RibbonBar::slid);
         for (const auto& [id, edit] : body.Edits()) m_edits[id] = edit;
-        for (const auto& [id, slider] : body.Sliders()) m_sliders[id] = slider;
+        for (const auto& [id, slider] : body.Sliders()) {
+            m_sliders[id] = slider;
+            connect(slider, &RibbonSlider::settled, this, &RibbonBar::slidEnough);
+        }
     }
 }
 

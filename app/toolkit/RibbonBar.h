@@ -48,6 +48,7 @@ public:
 signals:
     void edited(int id);
     void slid(int id);
+    void slidEnough();  ///< a slider is taken, let go or left: what follows is another move
     void recentChosen(const QString& path);
 
 protected:

@@ -27,13 +27,15 @@ void RibbonEdit::ShowText(const QString& text) {
 }
 
 // Enter belongs to the edit while it has the focus, whatever the window binds it to. Ctrl+E, which would move to the
-// end of the line, belongs to the window.
+// end of the line, belongs to the window, and so do undo and redo where the edit itself has nothing for them.
 bool RibbonEdit::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* key = static_cast<QKeyEvent*>(event);
         const bool isWindows = key->key() == Qt::Key_E && key->modifiers() == Qt::ControlModifier;
-        if (isEnter(event) || isWindows) {
-            event->setAccepted(!isWindows);
+        const bool isSpent = (key->matches(QKeySequence::Undo) && !isUndoAvailable()) ||
+                             (key->matches(QKeySequence::Redo) && !isRedoAvailable());
+        if (isEnter(event) || isWindows || isSpent) {
+            event->setAccepted(isEnter(event));
             return true;
         }
     }
@@ -74,6 +76,8 @@ RibbonSlider::RibbonSlider(ribbon::Range range, QWidget* parent) : QSlider(Qt::H
     connect(this, &QSlider::valueChanged, this, [this] {
         if (!m_quiet) emit moved();
     });
+    connect(this, &QSlider::sliderPressed, this, &RibbonSlider::settled);
+    connect(this, &QSlider::sliderReleased, this, &RibbonSlider::settled);
 }
 
 void RibbonSlider::ShowValue(int value) {
@@ -96,6 +100,11 @@ void RibbonSlider::mouseMoveEvent(QMouseEvent* event) {
 // A wheel turned over the ribbon must not change a parameter by accident.
 void RibbonSlider::wheelEvent(QWheelEvent* event) {
     if (hasFocus()) QSlider::wheelEvent(event);
+}
+
+void RibbonSlider::focusOutEvent(QFocusEvent* event) {
+    QSlider::focusOutEvent(event);
+    emit settled();
 }
 
 RibbonField::RibbonField(const ribbon::Item& item, QAction* editAction, QAction* sliderAction, QWidget* parent)

@@ -41,10 +41,12 @@ public:
 
 signals:
     void moved();
+    void settled();  ///< it was taken, let go or left
 
 protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
 
 private:
     bool m_quiet = false;

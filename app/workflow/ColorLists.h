@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/workflow/RawColorLists.h"
 #include "foundation/CTivVector.h"
 
 /// The colors that are picked by hand, as the steps of the work see them.
@@ -7,6 +8,8 @@ class ColorLists {
 public:
     virtual ~ColorLists() = default;
 
+    virtual const RawColorLists& Lists() const = 0;
+    virtual void Restore(const RawColorLists& lists) = 0;
     virtual CTivVector GetRawColors() const = 0;  ///< FormatRgb, also when empty
     virtual CTivVector GetReferenceColors() const = 0;
     virtual void FillRawColors(const CTivVector& colors) = 0;

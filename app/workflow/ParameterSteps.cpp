@@ -48,9 +48,7 @@ void ParameterSteps::SyncControlsFromEngine() {
     m_work.calibrated.ResetView();
     m_work.previewActive = false;
 
-    const int gamma = truncated(static_cast<float>(static_cast<double>(engine.GetGamma()) * 100.0));
-    m_work.controls.SetEditText(ID_EDIT_GAMMA, QString::number(gamma));
-    m_work.controls.SetSliderValue(ID_SLD_GAMMA, gamma);
+    ShowGamma();
 
     if (engine.GetCalibrationMode() == kAbsolute) {
         if (engine.GetIlluminant() == kUserIlluminant) {
@@ -65,6 +63,13 @@ void ParameterSteps::SyncControlsFromEngine() {
     }
     m_work.lists.FillRawColors(*engine.GetRawColors());
     m_work.manualColors = false;
+    emit m_work.news.parametersReplaced();
+}
+
+void ParameterSteps::ShowGamma() {
+    const int gamma = truncated(static_cast<float>(static_cast<double>(m_work.engine.GetGamma()) * 100.0));
+    m_work.controls.SetEditText(ID_EDIT_GAMMA, QString::number(gamma));
+    m_work.controls.SetSliderValue(ID_SLD_GAMMA, gamma);
 }
 
 void ParameterSteps::OnAbsolute() {
@@ -146,6 +151,26 @@ void ParameterSteps::ApplySaturation(int id, int value) {
     }
     m_work.engine.SetSaturationValue(packed);
     m_calibration.RerunPreview();
+}
+
+bool ParameterSteps::IsSlider(int id) {
+    const auto isIts = [id](const SaturationChannel& channel) { return channel.sliderId == id; };
+    return id == ID_SLD_GAMMA || std::ranges::any_of(kSaturationChannels, isIts);
+}
+
+std::array<int, 3> ParameterSteps::GetSaturationControls() const {
+    std::array<int, 3> values{};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = m_work.controls.SliderValue(kSaturationChannels[i].sliderId);
+    }
+    return values;
+}
+
+void ParameterSteps::ShowSaturation(const std::array<int, 3>& values) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        m_work.controls.SetSliderValue(kSaturationChannels[i].sliderId, values[i]);
+        m_work.controls.SetEditText(kSaturationChannels[i].editId, QString::number(values[i]));
+    }
 }
 
 void ParameterSteps::OnResetParameters() {

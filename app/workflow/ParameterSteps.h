@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "app/workflow/CalibrationSteps.h"
 #include "app/workflow/PictureSteps.h"
 #include "app/workflow/WorkflowContext.h"
@@ -24,6 +26,11 @@ public:
     void OnSaturationEdit(int id);
     void OnSaturationSlider(int id);
     void OnResetParameters();
+
+    static bool IsSlider(int id);
+    void ShowGamma();                                  ///< the engine's, in its controls
+    std::array<int, 3> GetSaturationControls() const;  ///< what red, green and blue show
+    void ShowSaturation(const std::array<int, 3>& values);
 
 private:
     void UsePredefinedIlluminant();

@@ -12,5 +12,7 @@ StudioState Workflow::GetStudioState() const {
             .calibHasImage = m_work.calibrated.Image().IsAllocated(),
             .rawSelected = m_work.raw.IsSelected() != 0,
             .refSelected = m_work.reference.IsSelected() != 0,
-            .calibSelected = m_work.calibrated.IsSelected() != 0};
+            .calibSelected = m_work.calibrated.IsSelected() != 0,
+            .canUndo = m_undo.CanUndo(),
+            .canRedo = m_undo.CanRedo()};
 }

@@ -9,6 +9,7 @@
 #include "app/workflow/ParameterSteps.h"
 #include "app/workflow/PictureSteps.h"
 #include "app/workflow/QualitySteps.h"
+#include "app/workflow/UndoSteps.h"
 #include "app/workflow/WorkflowContext.h"
 
 /// The work behind the commands, without a window: every step of loading, calibrating, setting parameters and talking
@@ -25,12 +26,14 @@ public:
           m_parameters(m_work, m_pictures, m_calibration),
           m_files(m_work, m_pictures, m_calibration, m_parameters),
           m_devices(m_work, m_pictures, m_calibration),
-          m_quality(m_work, m_pictures, m_calibration) {}
+          m_quality(m_work, m_pictures, m_calibration),
+          m_undo(m_work, m_calibration, m_parameters) {}
 
     /// The steps of one kind: Get<PictureSteps>(), ...
     template <class Steps>
     Steps& Get() {
-        return std::get<Steps&>(std::tie(m_pictures, m_calibration, m_parameters, m_files, m_devices, m_quality));
+        return std::get<Steps&>(
+            std::tie(m_pictures, m_calibration, m_parameters, m_files, m_devices, m_quality, m_undo));
     }
 
     const WorkflowParts& Parts() const { return m_work; }
@@ -47,4 +50,5 @@ private:
     FileSteps m_files;
     DeviceSteps m_devices;
     QualitySteps m_quality;
+    UndoSteps m_undo;
 };

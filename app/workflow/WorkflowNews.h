@@ -21,6 +21,8 @@ signals:
     void paneWanted(int id);    ///< by the number of the command that shows and hides the pane
     void standsStill();         ///< what was told has to be on the screen now: a step that takes long begins
 
+    void parametersReplaced();  ///< all parameters, by those of a file or of a reset
+
     void detected();   ///< the patches were looked for anew in every picture of a chart
     void previewed();  ///< the calibrated picture shows the raw one through the transform that the engine has now
 };

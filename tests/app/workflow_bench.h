@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/panes/RawColorLists.h"
+#include "app/workflow/RawColorLists.h"
 #include "app/workflow/Workflow.h"
 #include "tests/app/studio_ground.h"
 
@@ -72,6 +72,8 @@ public:
     BenchLists(BenchPicture& raw, BenchPicture& reference) : m_raw(raw), m_reference(reference) {}
     CTivVector GetRawColors() const override { return lists.raw.GetColors(); }
     CTivVector GetReferenceColors() const override { return lists.reference.GetColors(); }
+    const RawColorLists& Lists() const override { return lists; }
+    void Restore(const RawColorLists& other) override { lists = other; }
     void FillRawColors(const CTivVector& colors) override { lists.raw.Fill(colors); }
     void FillReferenceColors(const CTivVector& colors) override { lists.reference.Fill(colors); }
     void SetEnabled(bool on) override { enabled = on; }
@@ -102,6 +104,25 @@ public:
     std::array<float, 4> GetIlluminantValue() const override { return white; }
     void ShowSpectrumValues(const CTivVector& values) override { spectrum = values; }
     void ShowIlluminantValue(const std::array<float, 4>& value) override { white = value; }
+    UserValueTexts GetTexts() const override {
+        UserValueTexts texts;
+        for (int i = 0; i < spectrum.GetSize(); ++i) {
+            for (int k = 0; k < 3; ++k) texts.patches.push_back(QString::number(spectrum.GetData(i).AsColorFloat()[k]));
+        }
+        for (int k = 0; k < 3; ++k) texts.white.push_back(QString::number(white[static_cast<std::size_t>(k)]));
+        return texts;
+    }
+    void ShowTexts(const UserValueTexts& texts) override {
+        spectrum = CTivVector(static_cast<int>(texts.patches.size() / 3), CTivData::FormatColorFloat, nullptr, true);
+        for (int i = 0; i < spectrum.GetSize(); ++i) {
+            const auto at = static_cast<std::size_t>(3 * i);
+            const float xyz[4] = {texts.patches[at].toFloat(), texts.patches[at + 1].toFloat(),
+                                  texts.patches[at + 2].toFloat(), 0};
+            spectrum.SetData(i, CTivData::ColorFloat(xyz));
+        }
+        for (std::size_t k = 0; k < 3; ++k) white[k] = texts.white[k].toFloat();
+    }
+    bool Shows(const UserValueTexts& texts) const override { return GetTexts() == texts; }
     void SetEnabled(bool on) override { enabled = on; }
     void ResetValues() override {
         spectrum = CTivVector(size.Width * size.Height, CTivData::FormatColorFloat, nullptr, true);

@@ -12,6 +12,8 @@ struct RawColorEntry {
     std::int32_t x = 0;       ///< centre of the ROI that it came from, image pixels; 0 for an entry from a file
     std::int32_t y = 0;
     bool isMixed = false;  ///< the ROI held two colors, and this is neither
+
+    bool operator==(const RawColorEntry&) const = default;
 };
 
 /// One side of the raw color pane, without a window: the swatches, the rows that show them, and the entries that reach
@@ -24,6 +26,8 @@ public:
         std::size_t image;     ///< the swatch shown
         std::size_t itemData;  ///< the swatch that "Replace/Add" overwrites: 0 for every row that came from a file
         bool isMixed;          ///< as the entry that it was made with
+
+        bool operator==(const Row&) const = default;
     };
 
     /// Appends an entry with its swatch and a row numbered from 1.
@@ -46,6 +50,7 @@ public:
     CTivVector GetColors() const;
     const std::vector<Row>& Rows() const { return m_rows; }
     const std::vector<std::uint32_t>& Images() const { return m_images; }
+    bool operator==(const RawColorSide&) const = default;
     const std::vector<RawColorEntry>& Entries() const { return m_entries; }
 
 private:
@@ -60,6 +65,8 @@ private:
 struct RawColorLists {
     RawColorSide raw;        ///< left
     RawColorSide reference;  ///< right
+
+    bool operator==(const RawColorLists&) const = default;
 
     void ClearBoth();
     /// A new image came into a viewer. Deliberately (C17) lopsided: for the raw side the entries of both sides stay and

@@ -1,4 +1,4 @@
-#include "app/panes/RawColorLists.h"
+#include "app/workflow/RawColorLists.h"
 
 #include <algorithm>
 #include <stdexcept>
