@@ -4,6 +4,7 @@
 #include "bench/bench_support.h"
 #include "chart/PatchMeasurement.h"
 #include "quality/CalibrationQuality.h"
+#include "quality/delivery.h"
 #include "quality/findings.h"
 
 namespace {
@@ -50,6 +51,25 @@ void runMeasure(benchmark::State& state, CTivData::Format format, const BenchSiz
     }
 }
 
+/// A chart that fills the picture: 24 areas of the inner half of a sixth by a quarter of it.
+void runPicture(benchmark::State& state, CTivData::Format format, int terms, const BenchSize& size) {
+    CTivTonewrightDC engine = makeCalibration(terms);
+    const CTivVector transform = *engine.GetTransform();
+    if (format != CTivData::FormatRgb) engine.SetRawColors(CTivVector(24, format, nullptr, true));
+    const CTivImage image = MakeBenchImage(format, size);
+    std::vector<SamplingArea> areas;
+    const int width = size.width / 12, height = size.height / 8;
+    for (int i = 0; i < 24; ++i) {
+        SamplingArea& area = areas.emplace_back();
+        for (int y = 0; y < height; ++y) {
+            area.push_back({i % 6 * 2 * width + width / 2, i / 6 * 2 * height + height / 2 + y, width});
+        }
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        if (DeliverPicture(engine, transform, image, areas).size() != 24) state.SkipWithError("not delivered");
+    }
+}
+
 const bool kRegistered = [] {
     const auto add = [](const std::string& name, auto run) {
         benchmark::RegisterBenchmark(name.c_str(), run)->Unit(benchmark::kMillisecond);
@@ -65,6 +85,13 @@ const bool kRegistered = [] {
         RegisterAtBothSizes(
             std::string("BM_MeasureArea/") + CTivData::GetFormatName(format),
             [format](benchmark::State& state, const BenchSize& size) { runMeasure(state, format, size); });
+    }
+    for (const auto format : {CTivData::FormatRgb, CTivData::FormatRgb16}) {
+        for (const int terms : {4, 10}) {
+            RegisterAtBothSizes(
+                std::string("BM_DeliverPicture/") + CTivData::GetFormatName(format) + "/3x" + std::to_string(terms),
+                [=](benchmark::State& state, const BenchSize& size) { runPicture(state, format, terms, size); });
+        }
     }
     RegisterAtBothSizes("BM_MeasureArea/memcpy", [](benchmark::State& state, const BenchSize& size) {
         RunMemcpy(state, static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4);

@@ -312,37 +312,3 @@ FoundChart ChartFinder::Find(const CTivImage& image, const std::optional<ChartRo
     }
     return Search(image, part, layout_).Run();
 }
-
-std::vector<PatchMeasurement> MeasurePatches(const CTivImage& image, const FoundChart& chart) {
-    std::vector<PatchMeasurement> measured;
-    const NurImage* record = image.GetRecord();
-    const std::int64_t pixelBytes = CTivData::GetFormatBits(image.GetFormat()) / 8;
-    for (const FoundPatch& patch : chart.patches) {
-        PatchAccumulator accumulator(image.GetFormat());
-        std::array<ChartPoint, 4> inner;
-        double top = image.GetHeight(), bottom = -1;
-        for (std::size_t i = 0; i < 4; ++i) {
-            inner[i] = {(patch.corners[i].x + patch.center.x) / 2, (patch.corners[i].y + patch.center.y) / 2};
-            top = std::min(top, inner[i].y);
-            bottom = std::max(bottom, inner[i].y);
-        }
-        const int first = std::max(0, static_cast<int>(std::ceil(top)));
-        const int last = std::min(image.GetHeight() - 1, static_cast<int>(std::floor(bottom)));
-        for (int y = first; y <= last; ++y) {
-            double left = image.GetWidth(), right = -1;
-            for (std::size_t i = 0; i < 4; ++i) {  // where the row crosses the outline
-                const ChartPoint &a = inner[i], &b = inner[(i + 1) % 4];
-                if ((a.y <= y) == (b.y <= y) && a.y != y && b.y != y) continue;
-                const double x = a.y == b.y ? a.x : a.x + (y - a.y) / (b.y - a.y) * (b.x - a.x);
-                left = std::min(left, x);
-                right = std::max(right, x);
-            }
-            const int from = std::max(0, static_cast<int>(std::ceil(left)));
-            const int to = std::min(image.GetWidth() - 1, static_cast<int>(std::floor(right)));
-            if (from <= to)
-                accumulator.Add(record->Row(y) + from * pixelBytes, static_cast<std::size_t>(to - from + 1));
-        }
-        measured.push_back(accumulator.Measure());
-    }
-    return measured;
-}

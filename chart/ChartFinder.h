@@ -33,6 +33,3 @@ public:
 private:
     ChartLayout layout_;
 };
-
-/// Measures the inner half of each patch, in both directions: the pixels whose centres lie in it.
-std::vector<PatchMeasurement> MeasurePatches(const CTivImage& image, const FoundChart& chart);

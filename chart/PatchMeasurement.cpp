@@ -6,8 +6,6 @@
 #include <numeric>
 #include <span>
 
-#include "chart/orientation.h"
-
 namespace {
 
 // When the levels of a channel are two colors. Noise, however strong, splits at its mean into halves that lie 2.7 of
@@ -135,19 +133,4 @@ PatchMeasurement MeasureArea(const CTivImage& image, const CTivRect& area) {
         patch.Add(pixels + y * rowBytes + left * pixelBytes, static_cast<std::size_t>(right - left));
     }
     return patch.Measure();
-}
-
-std::vector<PatchMeasurement> MeasurePatches(const CTivImage& image, const PatchDetector& detector,
-                                             const ChartSize& chart, int brightest) {
-    const auto& areas = detector.GetOverlay();
-    const auto count = static_cast<std::size_t>(std::int64_t{chart.Width} * chart.Height);
-    if (GetChannelFullScale(image.GetFormat()) == 0 || areas.size() != count) return {};
-    std::vector<PatchMeasurement> patches;
-    for (std::size_t i = 0; i < count; ++i) {
-        const int index = static_cast<int>(i);
-        const int place = HasOrientation(chart) ? GetPlaceInPicture(chart, brightest, index) : index;
-        const PatchOverlay& area = areas[static_cast<std::size_t>(place)];
-        patches.push_back(MeasureArea(image, {area.x, area.y, area.width, area.height}));
-    }
-    return patches;
 }

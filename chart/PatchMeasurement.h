@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "chart/PatchDetector.h"
 #include "foundation/CTivImage.h"
 
 /// What one pass over the sampling area of a patch tells. Red, green, blue, in the image's words: 0 to 255, 1023 or
@@ -48,9 +47,3 @@ private:
 
 /// Measures a rectangle of the image, as far as it lies inside. The image's region plays no part.
 PatchMeasurement MeasureArea(const CTivImage& image, const CTivRect& area);
-
-/// Measures the sampling rectangles of the detector's last grid.
-/// @param brightest as PatchColors tells it
-/// @return Width x Height measurements in the order that the calibration wants; none for an image of another format
-std::vector<PatchMeasurement> MeasurePatches(const CTivImage& image, const PatchDetector& detector,
-                                             const ChartSize& chart, int brightest);

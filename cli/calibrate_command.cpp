@@ -125,12 +125,15 @@ void describeFit(Json& document, const ChartCalibration& calibration, const Cali
 }
 
 /// One line for a person: how good what is delivered is.
-void tellDelivered(const DifferenceSummary& delivered) {
+void tellDelivered(const CalibrationQuality& quality) {
+    const DifferenceSummary& delivered = quality.delivered.deltaE00;
     if (delivered.patches.empty()) return;
     const auto worst = std::max_element(delivered.patches.begin(), delivered.patches.end());
     const auto index = static_cast<std::size_t>(worst - delivered.patches.begin());
     TellOfFile("delivered: mean " + ToText(delivered.mean, 1) + ", worst " + ToText(*worst, 1) + " (patch " +
                PatchWord(index, delivered.patches.size()) + ")");
+    const std::string inPicture = TellPicture(quality.delivered, quality.picture);
+    if (!inPicture.empty()) TellOfFile(inPicture);
 }
 
 Outcome calibrate(const CalibrateOptions& options) {
@@ -139,7 +142,7 @@ Outcome calibrate(const CalibrateOptions& options) {
     const CalibrationAim aim = ReadAim(options.target, options.chart, reading.colors.colors.GetSize());
     const ChartCalibration calibration = CalibrateChart(reading, options.chart.image, options.settings, aim);
     TellFindings(calibration.findings);
-    tellDelivered(calibration.quality.delivered.deltaE00);
+    tellDelivered(calibration.quality);
     Json document = DescribeReading(options.chart, reading, calibration.findings);
     describeFit(document, calibration, options);
 

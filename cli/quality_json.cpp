@@ -30,6 +30,7 @@ Json Describe(const CalibrationQuality& quality) {
     Json document = Describe(quality.fitted);
     document["before"] = Describe(quality.before);
     document["delivered"] = Describe(quality.delivered);
+    document["picture"] = Describe(quality.picture.delivered);
     document["unseen"] = Describe(quality.unseen);
     document["candidates"] = std::move(candidates);
     document["white"] = quality.whiteChroma;

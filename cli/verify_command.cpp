@@ -73,8 +73,9 @@ std::vector<Xyz> findTargets(const VerifyOptions& options, const Subject& subjec
     return targets;
 }
 
-VerifiedQuality judge(const VerifyOptions& options, const Subject& subject, const CTivVector& raw,
+VerifiedQuality judge(const VerifyOptions& options, const Subject& subject, const ChartReading& reading,
                       const std::vector<Xyz>& targets) {
+    const CTivVector& raw = reading.colors.colors;
     if (!options.coefficients.empty() && raw.GetFormat() != CTivData::FormatRgb) {
         throw WorkFailure(
             options.chart.image +
@@ -84,7 +85,7 @@ VerifiedQuality judge(const VerifyOptions& options, const Subject& subject, cons
     if (raw.GetFormat() != subject.engine.GetCalibratedFormat()) {
         throw WorkFailure(options.chart.image + ": the calibration was made for another depth of pixels");
     }
-    VerifiedQuality quality = JudgeDelivery(subject.engine, subject.transform, raw, targets);
+    VerifiedQuality quality = JudgeDelivery(subject.engine, subject.transform, raw, targets, InPicture(reading));
     if (quality.patches.empty()) throw WorkFailure(options.chart.image + ": the calibration cannot be executed");
     return quality;
 }
@@ -144,7 +145,7 @@ Outcome verify(const VerifyOptions& options) {
     ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart);
     RequireOrder(reading, options.chart.image);
     const std::vector<Xyz> targets = findTargets(options, subject, reading.colors.colors);
-    const VerifiedQuality quality = judge(options, subject, reading.colors.colors, targets);
+    const VerifiedQuality quality = judge(options, subject, reading, targets);
     const bool isAbsolute =
         !options.target.reference && (options.target.IsGiven() || subject.engine.GetCalibrationMode() == 0);
     if (isAbsolute) reading.measured.targets = targets;
@@ -155,6 +156,7 @@ Outcome verify(const VerifyOptions& options) {
     const bool isPassed = checkLimits(options, quality.delivered.deltaE00);
     Json document = DescribeReading(options.chart, reading, findings);
     document["delivered"] = Describe(quality.delivered);
+    document["picture"] = Describe(quality.picture.delivered);
     document["before"] = Describe(quality.before);
     document["limits"] = {{"maxMean", describeLimit(options.maxMean)}, {"maxPatch", describeLimit(options.maxPatch)}};
     document["passed"] = isPassed;

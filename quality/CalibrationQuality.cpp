@@ -5,6 +5,7 @@
 
 #include "calibration/fit_transform.h"
 #include "quality/delivery.h"
+#include "quality/finding_words_impl.h"
 #include "quality/perceptual_fit.h"
 
 namespace {
@@ -122,6 +123,34 @@ void judgeNeutrals(CalibrationQuality& quality) {
     if (sum > 0) quality.whiteChroma = sum / static_cast<double>(quality.neutralPatches.size());
 }
 
+std::vector<double> toDoubles(const CTivVector& transform) {
+    std::vector<double> coefficients;
+    for (int i = 0; i < transform.GetSize(); ++i)
+        coefficients.push_back(static_cast<double>(transform.GetData(i).AsFloat()));
+    return coefficients;
+}
+
+PictureQuality judgePicture(const CTivTonewrightDC& settings, const CTivVector& transform,
+                            const ChartInPicture& picture, std::span<const Lab> targets) {
+    PictureQuality quality;
+    if (!picture.image || picture.areas.size() != targets.size() || picture.measurements.size() != targets.size()) {
+        return quality;
+    }
+    const auto delivered = DeliverPicture(settings, transform, *picture.image, picture.areas);
+    if (delivered.size() != targets.size()) return quality;
+    quality.delivered = Compare(linearToLab(delivered), targets);
+    const DeliveryModel model(settings, transform.GetSize() / 3);
+    const std::vector<double> coefficients = toDoubles(transform);
+    std::vector<Lab> ofMeans;
+    for (const PatchMeasurement& patch : picture.measurements) {
+        LinearRgb mean = patch.mean;
+        for (double& channel : mean) channel /= GetChannelFullScale(settings.GetCalibratedFormat());
+        ofMeans.push_back(ToLab(model.Deliver(coefficients, mean)));
+    }
+    quality.ofMeans = Compare(ofMeans, targets).deltaE00.mean;
+    return quality;
+}
+
 /// Passes a patch's spread through `show`, a function of a raw color, by its slopes over the width of the spread.
 template <class Show>
 std::array<double, 3> passNoise(const PatchMeasurement& patch, double fullScale, Show show) {
@@ -151,9 +180,7 @@ std::vector<PatchNoise> judgeNoise(const CTivTonewrightDC& settings, const CTivV
                                    std::span<const PatchMeasurement> measurements) {
     const double fullScale = GetChannelFullScale(settings.GetCalibratedFormat());
     const DeliveryModel model(settings, transform.GetSize() / 3);
-    std::vector<double> coefficients;
-    for (int i = 0; i < transform.GetSize(); ++i)
-        coefficients.push_back(static_cast<double>(transform.GetData(i).AsFloat()));
+    const std::vector<double> coefficients = toDoubles(transform);
     const auto encode = [gamma = static_cast<double>(settings.GetGamma())](LinearRgb color) {
         for (double& channel : color) channel = 255.0 * std::pow(std::clamp(channel, 0.0, 1.0), gamma);
         return color;
@@ -170,24 +197,25 @@ std::vector<PatchNoise> judgeNoise(const CTivTonewrightDC& settings, const CTivV
 }  // namespace
 
 CalibrationQuality JudgeCalibration(const CTivTonewrightDC& calibrated, const CTivVector& transform,
-                                    std::span<const PatchMeasurement> measurements, FitMethod method) {
+                                    const ChartInPicture& picture, FitMethod method) {
     const Judge judge(calibrated);
     if (!judge.IsWhole()) return {};
     CalibrationQuality quality;
-    VerifiedQuality delivery = JudgeDelivery(calibrated, transform, judge.GetWords(), judge.GetTargetXyz());
+    VerifiedQuality delivery = JudgeDelivery(calibrated, transform, judge.GetWords(), judge.GetTargetXyz(), picture);
     if (delivery.patches.empty()) return {};
     quality.delivered = std::move(delivery.delivered);
+    quality.picture = std::move(delivery.picture);
     quality.before = std::move(delivery.before);
     quality.patches = std::move(delivery.patches);
     quality.fitted = JudgeFit(calibrated, transform).fitted;
     quality.candidates = compareTerms(calibrated, judge, method, transform.GetSize() / 3, quality);
     judgeNeutrals(quality);
-    quality.noise = judgeNoise(calibrated, transform, measurements);
+    quality.noise = judgeNoise(calibrated, transform, picture.measurements);
     return quality;
 }
 
 VerifiedQuality JudgeDelivery(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivVector& raw,
-                              std::span<const Xyz> targets) {
+                              std::span<const Xyz> targets, const ChartInPicture& picture) {
     const std::vector<LinearRgb> delivered = Deliver(settings, transform, raw);
     if (delivered.empty() || delivered.size() != targets.size()) return {};
     VerifiedQuality quality;
@@ -201,11 +229,26 @@ VerifiedQuality JudgeDelivery(const CTivTonewrightDC& settings, const CTivVector
     }
     quality.delivered = Compare(deliveredLab, targetLab);
     quality.before = Compare(measuredLab, targetLab);
+    quality.picture = judgePicture(settings, transform, picture, targetLab);
     return quality;
 }
 
 std::optional<CTivVector> FitCalibration(const CTivTonewrightDC& calibrated, FitMethod method, int terms) {
     return Judge(calibrated).Fit(method, terms);
+}
+
+std::string TellPicture(const ChartDifferences& delivered, const PictureQuality& picture) {
+    constexpr double kClearly = 0.3;  // CIEDE2000
+    if (picture.delivered.deltaE00.patches.empty()) return {};
+    const double single = delivered.deltaE00.mean, whole = picture.delivered.deltaE00.mean;
+    if (std::fabs(whole - single) <= kClearly) return {};
+    const bool isNoise = std::fabs(whole - picture.ofMeans) > std::fabs(picture.ofMeans - single);
+    const std::string more = whole > single ? "more" : "less";
+    return "In the corrected picture: mean " + Fixed(whole, 1) + "; " +
+           (isNoise ? "limits and tone curve bend the mean of noisy pixels, which makes it " + more +
+                          " than of single colors"
+                    : "single colors are cut to whole levels, of which dark patches have few, which makes it " + more +
+                          " than theirs");
 }
 
 int ChooseTerms(std::span<const TermsFigures> candidates) {

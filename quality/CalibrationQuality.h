@@ -3,10 +3,11 @@
 #include <array>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "calibration/CTivTonewrightDC.h"
-#include "chart/PatchMeasurement.h"
+#include "chart/SamplingArea.h"
 #include "quality/color_spaces.h"
 #include "quality/fit_quality.h"
 
@@ -14,6 +15,13 @@
 enum class FitMethod {
     LeastSquares,  ///< the operator's own
     Perceptual     ///< starts from it and minimises the mean CIEDE2000 of what is delivered
+};
+
+/// A picture of the chart, and where and what its patches measure.
+struct ChartInPicture {
+    const CTivImage* image = nullptr;  ///< null: there is none
+    std::span<const SamplingArea> areas;
+    std::span<const PatchMeasurement> measurements;  ///< as many; may be there without an image
 };
 
 /// One patch of a judged chart. Linear colors are 0 to 1 inside the range, L*a*b* is against D65.
@@ -40,9 +48,18 @@ struct PatchNoise {
     std::array<double, 3> after{};   ///< the corrected picture
 };
 
+/// What the corrected picture's own patches measure. Noise and the steps of pixels can set it apart from the figure of
+/// single colors.
+struct PictureQuality {
+    ChartDifferences delivered;  ///< without patches where there is no picture
+    /// Mean CIEDE2000 of the patches' uncut means, corrected without steps: noise lies beyond it, steps before it.
+    double ofMeans = 0;
+};
+
 /// Everything that can be told of a calibration by the chart that it was made from.
 struct CalibrationQuality {
     ChartDifferences delivered;  ///< what a user gets: the figure that comes first
+    PictureQuality picture;      ///< the same, measured on the corrected picture
     ChartDifferences unseen;     ///< each patch by a fit of all the others, delivered likewise
     ChartDifferences fitted;     ///< the bare matrix
     ChartDifferences before;     ///< the raw colors read as linear RGB
@@ -56,16 +73,20 @@ struct CalibrationQuality {
 /// Judges a calibration. Deep colors need an operator that was calibrated at their depth.
 /// @param calibrated an operator whose Calibrate succeeded with the colors and settings that it holds now
 /// @param transform in the place of the operator's own
-/// @param measurements of the same patches, for the noise; may be empty
+/// @param picture that the colors are from, for the noise and the figures of the corrected picture; may be empty
 /// @param method how `transform` was found: patches left out are judged by fits of the same kind
 /// @return without patches where the transform, the raw colors, their format and the targets do not belong together
 CalibrationQuality JudgeCalibration(const CTivTonewrightDC& calibrated, const CTivVector& transform,
-                                    std::span<const PatchMeasurement> measurements,
-                                    FitMethod method = FitMethod::LeastSquares);
+                                    const ChartInPicture& picture, FitMethod method = FitMethod::LeastSquares);
+
+/// Where the corrected picture's own patches measure clearly better or worse than single colors: by how much and why,
+/// in a sentence for a person; else empty.
+std::string TellPicture(const ChartDifferences& delivered, const PictureQuality& picture);
 
 /// A calibration judged on another picture of the chart.
 struct VerifiedQuality {
     ChartDifferences delivered;
+    PictureQuality picture;
     ChartDifferences before;
     std::vector<JudgedPatch> patches;
 };
@@ -73,9 +94,10 @@ struct VerifiedQuality {
 /// @param settings gamma, saturation and format of the correction
 /// @param raw the other picture's colors, in the operator's calibrated format
 /// @param targets XYZ under D65, as many
+/// @param picture the other picture; may be empty
 /// @return without patches where they do not belong together
 VerifiedQuality JudgeDelivery(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivVector& raw,
-                              std::span<const Xyz> targets);
+                              std::span<const Xyz> targets, const ChartInPicture& picture);
 
 /// Fits the operator's colors to its targets with any term count.
 /// @return nothing where they do not belong together

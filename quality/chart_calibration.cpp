@@ -54,8 +54,7 @@ void fit(ChartCalibration& calibration, const ChartReading& reading, const std::
          const CalibrationSettings& settings) {
     CTivTonewrightDC& engine = calibration.engine;
     const auto judge = [&] {
-        calibration.quality =
-            JudgeCalibration(engine, calibration.transform, reading.measured.patches, settings.method);
+        calibration.quality = JudgeCalibration(engine, calibration.transform, InPicture(reading), settings.method);
     };
     calibration.transform = *engine.GetTransform();
     if (settings.terms == kAutomaticTerms) {

@@ -80,3 +80,7 @@ ChartReading ReadChart(CTivImage image, const std::string& path, const std::opti
 void RequireOrder(const ChartReading& reading, const std::string& path) {
     if (reading.found && !reading.found->isOriented) throw WorkFailure(path + ": " + reading.found->text);
 }
+
+ChartInPicture InPicture(const ChartReading& reading) {
+    return {&reading.image, reading.measured.areas, reading.measured.patches};
+}

@@ -53,3 +53,6 @@ ChartReading ReadChart(CTivImage image, const std::string& path, const std::opti
 
 /// @throw WorkFailure for a chart of which it is not known which patch is the first
 void RequireOrder(const ChartReading& reading, const std::string& path);
+
+/// The picture for whoever judges a correction of it.
+ChartInPicture InPicture(const ChartReading& reading);

@@ -16,6 +16,33 @@ LinearRgb ToFractions(const CTivData& color) {
     return {channel(2 * bits), channel(bits), channel(0)};
 }
 
+namespace {
+
+template <class Word, int bits>
+LinearRgb meanOf(const CTivImage& row) {
+    constexpr std::uint64_t fullScale = (std::uint64_t{1} << bits) - 1;
+    const auto* words = static_cast<const Word*>(row.GetData());
+    const auto count = static_cast<std::size_t>(row.GetWidth());
+    std::array<std::uint64_t, 3> sums{};
+    for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t k = 0; k < 3; ++k) sums[k] += words[i] >> (2 - k) * bits & fullScale;
+    }
+    LinearRgb mean{};
+    for (std::size_t k = 0; k < 3; ++k) {
+        mean[k] = static_cast<double>(sums[k]) / static_cast<double>(count) / static_cast<double>(fullScale);
+    }
+    return mean;
+}
+
+/// The mean of an image of one row, of full scale.
+LinearRgb meanOf(const CTivImage& row) {
+    if (row.GetFormat() == CTivData::FormatRgb) return meanOf<std::uint32_t, 8>(row);
+    if (row.GetFormat() == CTivData::FormatRgb10) return meanOf<std::uint32_t, 10>(row);
+    return row.GetFormat() == CTivData::FormatRgb16 ? meanOf<std::uint64_t, 16>(row) : LinearRgb();
+}
+
+}  // namespace
+
 std::vector<LinearRgb> Deliver(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivVector& raw) {
     const int count = raw.GetSize();
     if (count < 1 || raw.GetFormat() != settings.GetCalibratedFormat()) return {};
@@ -26,6 +53,25 @@ std::vector<LinearRgb> Deliver(const CTivTonewrightDC& settings, const CTivVecto
     std::vector<LinearRgb> colors;
     for (int i = 0; i < count; ++i) {
         LinearRgb color = ToFractions(delivered.GetData(i, 0));
+        for (double& channel : color) channel = std::pow(channel, exponent);
+        colors.push_back(color);
+    }
+    return colors;
+}
+
+std::vector<LinearRgb> DeliverPicture(const CTivTonewrightDC& settings, const CTivVector& transform,
+                                      const CTivImage& image, std::span<const SamplingArea> areas) {
+    if (image.GetFormat() != settings.GetCalibratedFormat()) return {};
+    const double exponent = 1.0 / static_cast<double>(settings.GetGamma());
+    std::vector<std::byte> pixels;
+    std::vector<LinearRgb> colors;
+    for (const SamplingArea& area : areas) {
+        const int count = TakePixels(image, area, pixels);
+        if (count < 1) return {};
+        const CTivImage source(count, 1, image.GetFormat(), pixels.data(), false);
+        CTivImage corrected;
+        if (!ExecuteTransform(settings, transform, source, corrected)) return {};
+        LinearRgb color = meanOf(corrected);
         for (double& channel : color) channel = std::pow(channel, exponent);
         colors.push_back(color);
     }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "calibration/CTivTonewrightDC.h"
+#include "chart/SamplingArea.h"
 #include "quality/color_spaces.h"
 
 /// The three channels of a FormatRgb, FormatRgb10 or FormatRgb16 value, of full scale; zeros for any other.
@@ -18,6 +19,13 @@ LinearRgb ToFractions(const CTivData& color);
 /// @param raw in the operator's calibrated format
 /// @return one a color; none where Execute would refuse
 std::vector<LinearRgb> Deliver(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivVector& raw);
+
+/// Has the operator correct the pixels of each area, and takes the mean of the corrected ones back to linear: what the
+/// patches of the corrected picture measure. Nothing but the areas is corrected.
+/// @param image in the operator's calibrated format
+/// @return one an area; none where Execute would refuse or an area holds no pixel
+std::vector<LinearRgb> DeliverPicture(const CTivTonewrightDC& settings, const CTivVector& transform,
+                                      const CTivImage& image, std::span<const SamplingArea> areas);
 
 /// Execute as a smooth function, without the steps of words and tables: for fitting, and for how noise passes through.
 class DeliveryModel {

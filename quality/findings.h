@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "chart/PatchMeasurement.h"
+#include "chart/SamplingArea.h"
 #include "quality/CalibrationQuality.h"
 
 enum class Severity { Note, Warning, Error };
@@ -25,6 +25,7 @@ struct MeasuredChart {
     ChartSize chart;
     CTivData::Format format = CTivData::FormatRgb;
     std::vector<PatchMeasurement> patches;      ///< in the order that the calibration wants
+    std::vector<SamplingArea> areas;            ///< over which pixels each was measured, the same order
     std::vector<std::array<double, 2>> places;  ///< centre of each patch in pixels, the same order
     int foundRows = 0;                          ///< rows and columns of the grid in which patches were seen
     int foundColumns = 0;

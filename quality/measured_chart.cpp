@@ -17,7 +17,8 @@ MeasuredChart MeasureGrid(const CTivImage& image, const PatchDetector& detector,
     MeasuredChart measured;
     measured.chart = chart;
     measured.format = image.GetFormat();
-    measured.patches = MeasurePatches(image, detector, chart, brightest);
+    measured.areas = FindSamplingAreas(image, detector, chart, brightest);
+    measured.patches = MeasureAreas(image, measured.areas);
     measured.foundRows = detector.GetFoundRows();
     measured.foundColumns = detector.GetFoundColumns();
     if (measured.patches.size() == kClassicPatches) measured.targets = defaultTargets();
@@ -33,7 +34,8 @@ MeasuredChart MeasureFound(const CTivImage& image, const FoundChart& found, cons
     MeasuredChart measured;
     measured.chart = {layout.columns, layout.rows};
     measured.format = image.GetFormat();
-    measured.patches = MeasurePatches(image, found);
+    measured.areas = FindSamplingAreas(image, found);
+    measured.patches = MeasureAreas(image, measured.areas);
     measured.foundRows = layout.rows;
     measured.foundColumns = layout.columns;
     if (&layout == &GetClassicLayout() || layout.names == GetClassicLayout().names) measured.targets = defaultTargets();

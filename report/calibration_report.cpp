@@ -58,6 +58,7 @@ PatchOutlines OutlineFound(const FoundChart& found) {
 Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Finding>& findings, int terms,
                          const ChartSize& chart, const PatchOutlines& outlines) {
     Report report = reportPatches(quality.patches, quality.delivered, quality.before, findings, chart, outlines);
+    report.inPicture = TellPicture(quality.delivered, quality.picture);
     if (!quality.unseen.deltaE00.patches.empty()) report.unseen = quality.unseen.deltaE00.mean;
     report.candidates = quality.candidates;
     report.terms = terms;
@@ -71,7 +72,9 @@ Report ReportCalibration(const CalibrationQuality& quality, const std::vector<Fi
 
 Report ReportVerification(const VerifiedQuality& quality, const std::vector<Finding>& findings, const ChartSize& chart,
                           const PatchOutlines& outlines) {
-    return reportPatches(quality.patches, quality.delivered, quality.before, findings, chart, outlines);
+    Report report = reportPatches(quality.patches, quality.delivered, quality.before, findings, chart, outlines);
+    report.inPicture = TellPicture(quality.delivered, quality.picture);
+    return report;
 }
 
 std::vector<ReportRow> ReportSettings(const CTivTonewrightDC& engine, bool isPerceptual) {

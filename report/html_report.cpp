@@ -43,6 +43,7 @@ std::string headline(const Report& report) {
                        figure(Fixed(worst.difference, 1), "worst patch: " + nameOf(worst));
     if (report.unseen) page += figure(Fixed(*report.unseen, 1), "mean on patches left out of the fit");
     page += figure(Fixed(report.before, 1), "mean before the correction") + "</div>\n";
+    if (!report.inPicture.empty()) page += "<p>" + Escaped(report.inPicture) + ".</p>\n";
     if (!report.verdict.empty()) {
         page += "<ul class=\"findings\"><li class=\"" + std::string(report.hasPassed ? "note" : "error") +
                 "\"><strong>" + (report.hasPassed ? "Passed" : "Not passed") + "</strong>: " + Escaped(report.verdict) +

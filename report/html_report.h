@@ -35,6 +35,7 @@ struct Report {
     double mean = 0;               ///< delivered, CIEDE2000
     double before = 0;             ///< mean, CIEDE2000
     std::optional<double> unseen;  ///< mean, CIEDE2000
+    std::string inPicture;         ///< what the corrected picture measures, where that is another figure
     std::string verdict;           ///< of a verification; empty: none
     bool hasPassed = true;         ///< with a verdict
     std::vector<Finding> findings;

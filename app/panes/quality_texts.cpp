@@ -30,7 +30,8 @@ QString Figures(const Report& report) {
         text = QString("worst %1 (%2)\n").arg(Difference(worst->difference), nameOf(*worst));
     }
     if (report.unseen) text += QString("patches left out %1\n").arg(Difference(*report.unseen));
-    return text + QString("before %1").arg(Difference(report.before));
+    text += QString("before %1").arg(Difference(report.before));
+    return report.inPicture.empty() ? text : text + "\n" + QString::fromStdString(report.inPicture) + ".";
 }
 
 QString PatchNumbers(const ReportPatch& patch) {

@@ -11,7 +11,7 @@ namespace quality_texts {
 QString Difference(double value);
 /// "4.1" and what it is.
 QString Headline(const Report& report);
-/// "worst 9.0 (18 Cyan)", "unseen 4.8", "before 10.8", on one line.
+/// "worst 9.0 (18 Cyan)", "unseen 4.8", "before 10.8", a line each, and the corrected picture's where it is another.
 QString Figures(const Report& report);
 /// What a patch measures, in lines.
 QString PatchNumbers(const ReportPatch& patch);

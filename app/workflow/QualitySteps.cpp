@@ -160,7 +160,8 @@ void QualitySteps::Judge() {
     MeasuredChart chart = Measure();
     // Other colors than the engine's say nothing of its calibration.
     if (!areLike(colorsOf(chart), *engine.GetRawColors())) chart = {};
-    const CalibrationQuality quality = JudgeCalibration(engine, *engine.GetTransform(), chart.patches);
+    const CalibrationQuality quality =
+        JudgeCalibration(engine, *engine.GetTransform(), {&m_work.raw.Image(), chart.areas, chart.patches});
     if (quality.patches.empty()) return;
     std::vector<Finding> findings;
     if (!chart.patches.empty()) {

@@ -4,6 +4,7 @@
 
 #include <numeric>
 
+#include "chart/SamplingArea.h"
 #include "tests/support/staged_chart.h"
 
 namespace {
@@ -256,7 +257,7 @@ TEST(ChartFinder, SaysWhyPicturesWithoutAGridAreNoCharts) {
     EXPECT_THAT(ChartFinder().Find(flat, ChartRoi{50, 0, 50, 200}).text, HasSubstr("ROI"));
 }
 
-TEST(MeasurePatches, TakesThePixelsOfTheInnerHalf) {
+TEST(SamplingArea, OfAFoundPatchIsItsInnerHalf) {
     // A patch from 10 to 30 in both directions has 15 to 25 as its inner half: 11 x 11 pixel centres.
     CTivImage image(40, 40, CTivData::FormatRgb, nullptr, true);
     for (int y = 0; y < 40; ++y) {
@@ -273,7 +274,7 @@ TEST(MeasurePatches, TakesThePixelsOfTheInnerHalf) {
     chart.patches.push_back({{20, 20}, {{{20, 10}, {30, 20}, {20, 30}, {10, 20}}}, true});
     // Half of it is beyond the picture's corner: 0 to 5 in both directions are left.
     chart.patches.push_back({{0, 0}, {{{-10, -10}, {10, -10}, {10, 10}, {-10, 10}}}, true});
-    const auto measured = MeasurePatches(image, chart);
+    const auto measured = MeasureAreas(image, FindSamplingAreas(image, chart));
     ASSERT_EQ(measured.size(), 3u);
     EXPECT_EQ(measured[0].pixels, 121);
     EXPECT_NEAR(measured[0].mean[2], 200 + 1.0 / 11, 1e-9);

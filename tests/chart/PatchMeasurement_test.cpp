@@ -7,6 +7,7 @@
 #include <functional>
 #include <random>
 
+#include "chart/SamplingArea.h"
 #include "tests/support/drawn_chart.h"
 #include "tests/support/library.h"
 
@@ -101,7 +102,7 @@ TEST(PatchMeasurement, MeansAreInTheOrderOfTheRawColors) {
             PatchDetector detector;
             ASSERT_TRUE(detector.DetectPatches(image, roi, chart));
             const PatchColors colors = detector.GetRawColors(image, roi, chart, PatchDepth::AsImage);
-            const auto patches = MeasurePatches(image, detector, chart, colors.brightest);
+            const auto patches = MeasureAreas(image, FindSamplingAreas(image, detector, chart, colors.brightest));
             ASSERT_EQ(patches.size(), 24u);
             for (int i = 0; i < 24; ++i) {
                 const auto& mean = patches[static_cast<std::size_t>(i)].mean;
@@ -111,6 +112,29 @@ TEST(PatchMeasurement, MeansAreInTheOrderOfTheRawColors) {
                           colors.colors.GetData(i).AsRgb10());
             }
         }
+    }
+}
+
+TEST(PatchMeasurement, AreaAndColorOfAnIncompleteGridAreOfTheSamePixels) {
+    DrawnChart drawn;
+    for (std::size_t row = 0; row < 4; ++row) drawn.colors[6 * row + 2] = drawn.surround;  // a column is not seen
+    CTivImage image = drawn.Draw();
+    const ChartRoi roi{0, 0, image.GetWidth(), image.GetHeight()};
+    PatchDetector detector;
+    ASSERT_TRUE(detector.DetectPatches(image, roi, ChartSize{}));
+    ASSERT_EQ(detector.GetFoundColumns(), 5);
+    const PatchColors colors = detector.GetRawColors(image, roi, ChartSize{}, PatchDepth::AsImage);
+    image.SetRoi({});
+    const auto areas = FindSamplingAreas(image, detector, ChartSize{}, colors.brightest);
+    const auto patches = MeasureAreas(image, areas);
+    ASSERT_EQ(patches.size(), 24u);
+    EXPECT_EQ(areas[5].front().x, areas[4].front().x) << "the one before it in the place of the missing one";
+    for (int i = 0; i < 24; ++i) {
+        const auto& mean = patches[static_cast<std::size_t>(i)].mean;
+        EXPECT_EQ(colors.colors.GetData(i).AsRgb(),
+                  (static_cast<std::uint32_t>(mean[0]) << 16 | static_cast<std::uint32_t>(mean[1]) << 8 |
+                   static_cast<std::uint32_t>(mean[2])))
+            << i;
     }
 }
 

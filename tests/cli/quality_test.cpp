@@ -21,7 +21,7 @@ TEST_F(Quality, StandsBesideTheBareMatrix) {
     EXPECT_EQ(codes(document), std::vector<std::string>{});
     EXPECT_EQ(document["fit"], "least-squares");
     const json& quality = document["quality"];
-    for (const char* figure : {"delivered", "unseen", "before"}) {
+    for (const char* figure : {"delivered", "picture", "unseen", "before"}) {
         EXPECT_EQ(quality[figure]["deltaE00"]["patches"].size(), 24u) << figure;
         EXPECT_EQ(quality[figure]["deltaE76"]["patches"].size(), 24u) << figure;
     }
@@ -116,6 +116,32 @@ TEST_F(Quality, ALightWithoutAWhiteIsNoCalibration) {
     EXPECT_THAT(codes(run.Document()), testing::Contains("singular"));
     EXPECT_THAT(run.err, HasSubstr("error: This is no calibration"));
     EXPECT_THAT(Files(), testing::Not(testing::Contains("c.ccor")));
+}
+
+// A patch whose pixels spread widely comes out of the tone curve with another mean than its mean does.
+TEST_F(Quality, WhereThePictureMeasuresOtherwiseItIsTold) {
+    CTivImage noisy = CameraChart().Draw();
+    for (int y = 0; y < noisy.GetHeight(); ++y) {
+        for (int x = 0; x < noisy.GetWidth(); ++x) {
+            const std::uint32_t word = noisy.GetData(x, y).AsRgb();
+            const int step = (x + y) % 2 ? 14 : -14;
+            const auto shifted = [&](int shift) {
+                return static_cast<std::uint8_t>(std::clamp(static_cast<int>(word >> shift & 255) + step, 0, 254));
+            };
+            noisy.SetData(x, y, CTivData::Rgb(shifted(16), shifted(8), shifted(0)));
+        }
+    }
+    const std::string file = WriteImage("noisy.bmp", noisy);
+    const ToolRun run = RunTool({"calibrate", file, "--illuminant", "D65", "--terms", "7", "--report", Path("r.html")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const json quality = run.Document()["quality"];
+    const double picture = quality["picture"]["deltaE00"]["mean"], delivered = quality["delivered"]["deltaE00"]["mean"];
+    EXPECT_GT(picture, delivered + 0.3);
+    EXPECT_THAT(run.err, HasSubstr("In the corrected picture: mean "));
+    EXPECT_THAT(run.err, HasSubstr("bend the mean of noisy pixels"));
+    EXPECT_THAT(ReadBytes(Path("r.html")), HasSubstr("<p>In the corrected picture: mean "));
+    const ToolRun clean = RunTool({"calibrate", clean_, "--illuminant", "D65", "--terms", "7"});
+    EXPECT_THAT(clean.err, testing::Not(HasSubstr("In the corrected picture")));
 }
 
 }  // namespace

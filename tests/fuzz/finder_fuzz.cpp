@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "chart/ChartFinder.h"
+#include "chart/SamplingArea.h"
 #include "chart/layout_file.h"
 #include "tests/fuzz/fuzz_file.h"
 
@@ -59,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             demand(std::isfinite(patch.center.x) && std::isfinite(patch.center.y));
             for (const ChartPoint& corner : patch.corners) demand(std::isfinite(corner.x) && std::isfinite(corner.y));
         }
-        demand(MeasurePatches(image, found).size() == found.patches.size());
+        demand(MeasureAreas(image, FindSamplingAreas(image, found)).size() == found.patches.size());
     }
     return 0;
 }

@@ -137,7 +137,8 @@ TEST(CalibrationQuality, NoiseIsThatOfTheCorrectedPicture) {
             ASSERT_TRUE(engine.Execute(picture, corrected));
             const PatchMeasurement before = MeasureArea(picture, {0, 0, 300, 300});
             const PatchMeasurement after = MeasureArea(corrected, {0, 0, 300, 300});
-            const auto quality = JudgeCalibration(engine, *engine.GetTransform(), std::vector{before});
+            const std::vector measurements = {before};
+            const auto quality = JudgeCalibration(engine, *engine.GetTransform(), {nullptr, {}, measurements});
             ASSERT_EQ(quality.noise.size(), 1u);
             const double step = GetChannelFullScale(format) / 255.0;
             for (std::size_t k = 0; k < 3; ++k) {
@@ -150,6 +151,43 @@ TEST(CalibrationQuality, NoiseIsThatOfTheCorrectedPicture) {
             }
         }
     }
+}
+
+TEST(CalibrationQuality, ThePictureIsMeasuredBehindTheToneCurve) {
+    // Without a change of color and with gamma 0.5, pixels of 0 and of full scale in turn stay so. Their mean is half
+    // of full scale, a quarter in linear light, and not the half that their mean before the correction is.
+    CTivTonewrightDC engine = Calibrated(camera(CTivData::FormatRgb), 4);
+    engine.SetGamma(0.5f);
+    CTivVector unchanged(12, CTivData::FormatFloat, nullptr, true);
+    for (const int entry : {1, 6, 11}) unchanged.SetData(entry, CTivData::Float(1));
+    CTivImage picture(8, 3, CTivData::FormatRgb, nullptr, true);
+    for (int x = 0; x < 8; ++x) {
+        picture.SetData(x, 1, x % 2 ? CTivData::Rgb(255, 255, 255) : CTivData::Rgb(0, 0, 0));
+        picture.SetData(x, 2, CTivData::Rgb(64, 64, 64));  // outside of the areas
+    }
+    const std::vector<SamplingArea> areas = {{{0, 1, 4}, {4, 1, 2}}, {{1, 1, 1}}};
+    const auto delivered = DeliverPicture(engine, unchanged, picture, areas);
+    ASSERT_EQ(delivered.size(), 2u);
+    for (std::size_t k = 0; k < 3; ++k) {
+        EXPECT_NEAR(delivered[0][k], 0.25, 1e-9);
+        EXPECT_NEAR(delivered[1][k], 1, 1e-9);
+    }
+    EXPECT_TRUE(DeliverPicture(engine, unchanged, picture, std::vector<SamplingArea>(1)).empty());
+    EXPECT_TRUE(
+        DeliverPicture(engine, unchanged, CTivImage(8, 3, CTivData::FormatRgb16, nullptr, true), areas).empty());
+}
+
+TEST(CalibrationQuality, AnotherFigureOfThePictureIsToldWithItsReason) {
+    const auto of = [](double mean) { return ChartDifferences{Summarize({mean}), Summarize({mean})}; };
+    EXPECT_EQ(TellPicture(of(4), {}), "");
+    EXPECT_EQ(TellPicture(of(4), {of(4.3), 4.2}), "");
+    EXPECT_EQ(TellPicture(of(4), {of(5.1), 4.2}),
+              "In the corrected picture: mean 5.1; limits and tone curve bend the mean of noisy pixels, which makes it "
+              "more than of single colors");
+    EXPECT_EQ(
+        TellPicture(of(4), {of(3.4), 3.5}),
+        "In the corrected picture: mean 3.4; single colors are cut to whole levels, of which dark patches have few, "
+        "which makes it less than theirs");
 }
 
 TEST(CalibrationQuality, TheWeakOffsetOfFourTermsIsGivenUp) {

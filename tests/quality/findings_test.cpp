@@ -172,7 +172,7 @@ TEST(Findings, WithoutTargetsOrPatchesNothingIsGuessed) {
     encode(unknown, 0.45);
     slope(unknown, 0.5, 0);
     EXPECT_EQ(codes(FindInPicture(unknown)), std::vector<std::string>{});
-    EXPECT_EQ(codes(FindInPicture(MeasuredChart{{6, 4}, CTivData::FormatUByte, {}, {}, 4, 6, {}})),
+    EXPECT_EQ(codes(FindInPicture(MeasuredChart{{6, 4}, CTivData::FormatUByte, {}, {}, {}, 4, 6, {}})),
               std::vector<std::string>{});
 }
 

@@ -7,8 +7,7 @@
 
 #include "chart/PatchDetector.h"
 #include "chart/PatchMeasurement.h"
-#include "chart/orientation.h"
-#include "quality/findings.h"
+#include "quality/measured_chart.h"
 #include "tests/support/library.h"
 #include "tests/support/places.h"
 
@@ -83,17 +82,7 @@ inline ChartPicture ReadPicture(CTivImage image, const ChartRoi& roi) {
     EXPECT_TRUE(picture.detector.DetectPatches(picture.image, roi, size));
     picture.colors = picture.detector.GetRawColors(picture.image, roi, size, PatchDepth::AsImage);
     picture.image.SetRoi({});
-    MeasuredChart& chart = picture.chart;
-    chart.format = picture.image.GetFormat();
-    chart.patches = MeasurePatches(picture.image, picture.detector, size, picture.colors.brightest);
-    chart.foundRows = picture.detector.GetFoundRows();
-    chart.foundColumns = picture.detector.GetFoundColumns();
-    chart.targets = GetChartTargets(3);
-    for (int i = 0; i < 24; ++i) {
-        const auto place = static_cast<std::size_t>(GetPlaceInPicture(size, picture.colors.brightest, i));
-        const PatchOverlay& area = picture.detector.GetOverlay().at(place);
-        chart.places.push_back({area.x + area.width / 2.0, area.y + area.height / 2.0});
-    }
+    picture.chart = MeasureGrid(picture.image, picture.detector, size, picture.colors.brightest);
     return picture;
 }
 
