@@ -2,6 +2,7 @@
 // patches whole beside memcpy of the picture's bytes.
 
 #include "bench/bench_support.h"
+#include "calibration/calibrate_at_depth.h"
 #include "chart/PatchMeasurement.h"
 #include "quality/CalibrationQuality.h"
 #include "quality/delivery.h"
@@ -55,7 +56,10 @@ void runMeasure(benchmark::State& state, CTivData::Format format, const BenchSiz
 void runPicture(benchmark::State& state, CTivData::Format format, int terms, const BenchSize& size) {
     CTivTonewrightDC engine = makeCalibration(terms);
     const CTivVector transform = *engine.GetTransform();
-    if (format != CTivData::FormatRgb) engine.SetRawColors(CTivVector(24, format, nullptr, true));
+    if (format != CTivData::FormatRgb &&
+        (!engine.SetRawColors(CTivVector(24, format, nullptr, true)) || !CalibrateAtDepth(engine))) {
+        state.SkipWithError("not calibrated");
+    }
     const CTivImage image = MakeBenchImage(format, size);
     std::vector<SamplingArea> areas;
     const int width = size.width / 12, height = size.height / 8;

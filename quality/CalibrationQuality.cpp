@@ -243,12 +243,9 @@ std::string TellPicture(const ChartDifferences& delivered, const PictureQuality&
     const double single = delivered.deltaE00.mean, whole = picture.delivered.deltaE00.mean;
     if (std::fabs(whole - single) <= kClearly) return {};
     const bool isNoise = std::fabs(whole - picture.ofMeans) > std::fabs(picture.ofMeans - single);
-    const std::string more = whole > single ? "more" : "less";
-    return "In the corrected picture: mean " + Fixed(whole, 1) + "; " +
-           (isNoise ? "limits and tone curve bend the mean of noisy pixels, which makes it " + more +
-                          " than of single colors"
-                    : "single colors are cut to whole levels, of which dark patches have few, which makes it " + more +
-                          " than theirs");
+    return "In the corrected picture: mean " + Fixed(whole, 1) + ", since " +
+           (isNoise ? "limits and tone curve bend the mean of noisy pixels"
+                    : "single colors are cut to whole levels, of which dark patches have few");
 }
 
 int ChooseTerms(std::span<const TermsFigures> candidates) {

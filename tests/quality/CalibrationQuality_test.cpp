@@ -182,12 +182,10 @@ TEST(CalibrationQuality, AnotherFigureOfThePictureIsToldWithItsReason) {
     EXPECT_EQ(TellPicture(of(4), {}), "");
     EXPECT_EQ(TellPicture(of(4), {of(4.3), 4.2}), "");
     EXPECT_EQ(TellPicture(of(4), {of(5.1), 4.2}),
-              "In the corrected picture: mean 5.1; limits and tone curve bend the mean of noisy pixels, which makes it "
-              "more than of single colors");
-    EXPECT_EQ(
-        TellPicture(of(4), {of(3.4), 3.5}),
-        "In the corrected picture: mean 3.4; single colors are cut to whole levels, of which dark patches have few, "
-        "which makes it less than theirs");
+              "In the corrected picture: mean 5.1, since limits and tone curve bend the mean of noisy pixels");
+    EXPECT_EQ(TellPicture(of(4), {of(3.4), 3.5}),
+              "In the corrected picture: mean 3.4, since single colors are cut to whole levels, of which dark patches "
+              "have few");
 }
 
 TEST(CalibrationQuality, TheWeakOffsetOfFourTermsIsGivenUp) {
