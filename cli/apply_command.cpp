@@ -12,6 +12,8 @@
 #include "cli/progress.h"
 #include "cli/side_by_side.h"
 #include "cli/signals.h"
+#include "imagefile/CTivImageFileFormat.h"
+#include "imagefile/bmp_strips.h"
 #include "imagefile/picture_file.h"
 
 namespace fs = std::filesystem;
@@ -88,6 +90,11 @@ std::vector<Job> planJobs(const ApplyOptions& options) {
 /// @param corrected of an earlier image; its memory serves again where the sizes agree
 void correct(const CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job, CTivImage& corrected) {
     if (!job.problem.empty()) throw WorkFailure(job.problem);
+    const int fileFormat = FindFileFormat(job.output);
+    const auto execute = [&](const CTivImage& source, CTivImage& destination) {
+        return ExecuteTransform(engine, *engine.GetTransform(), source, destination);
+    };
+    if (fileFormat == ImageFileBmp && RewriteBitmap(job.input, job.output, execute)) return;
     const CTivImage image = LoadImage(job.input);
     const bool isDeep = image.GetFormat() == CTivData::FormatRgb10 || image.GetFormat() == CTivData::FormatRgb16;
     if (isDeep && !options.coefficients.empty()) {
@@ -98,9 +105,8 @@ void correct(const CTivTonewrightDC& engine, const ApplyOptions& options, const 
     const bool isAlike = corrected.GetWidth() == image.GetWidth() && corrected.GetHeight() == image.GetHeight() &&
                          corrected.GetFormat() == image.GetFormat();
     if (!isAlike) corrected.Free();
-    Require([&] { return ExecuteTransform(engine, *engine.GetTransform(), image, corrected); }, job.input,
-            "the correction failed");
-    SaveImage(corrected, job.output, FindFileFormat(job.output));
+    Require([&] { return execute(image, corrected); }, job.input, "the correction failed");
+    SaveImage(corrected, job.output, fileFormat);
 }
 
 std::string tryToCorrect(const CTivTonewrightDC& engine, const ApplyOptions& options, const Job& job,

@@ -33,5 +33,8 @@ using BmpMasks = std::array<std::uint32_t, 3>;
 inline constexpr BmpMasks kBmpOrdinaryMasks{0xFF0000, 0xFF00, 0xFF};
 inline constexpr BmpMasks kBmpTenBitMasks{0x3FF00000, 0xFFC00, 0x3FF};
 
+/// The head that writeBMP gives a picture in FormatRgb, directly before its pixels.
+BmpHead bmpColorHead(std::int32_t width, std::int32_t height);
+
 /// Bytes of a row in the file: rows are padded to four.
 inline std::int64_t bmpRowBytes(std::int64_t width, int bits) { return (width * bits + 31) / 32 * 4; }

@@ -54,16 +54,16 @@ Layout layoutOf(D::Format format) {
     return {8, BmpPlain, grays, copyBytes};
 }
 
-BmpHead headOf(const NurImage& image, const Layout& layout) {
-    const std::int64_t imageBytes = bmpRowBytes(image.roi.width, layout.bits) * image.roi.height;
+BmpHead headOf(std::int32_t width, std::int32_t height, const Layout& layout) {
+    const std::int64_t imageBytes = bmpRowBytes(width, layout.bits) * height;
     const auto offset = static_cast<std::uint32_t>(4 * layout.palette.size() + sizeof(BmpHead));
     BmpHead head{};
     std::memcpy(head.signature, "BM", 2);
     head.fileBytes = static_cast<std::uint32_t>(offset + imageBytes);
     head.pixelOffset = offset;
     head.headBytes = kBmpInfoBytes;
-    head.width = image.roi.width;
-    head.height = image.roi.height;
+    head.width = width;
+    head.height = height;
     head.planes = 1;
     head.bitsPerPixel = static_cast<std::uint16_t>(layout.bits);
     head.compression = layout.compression;
@@ -93,6 +93,8 @@ void writeRows(std::ostream& stream, const NurImage& image, const Layout& layout
 
 }  // namespace
 
+BmpHead bmpColorHead(std::int32_t width, std::int32_t height) { return headOf(width, height, layoutOf(D::FormatRgb)); }
+
 int writeBMP(const char* path, const NurImage* record) {
     SafeOutputFile file(path);
     if (!file.IsOpen()) return nur_report(1, NUR_REPORT_FORMAT, "writeBMP: cannot write to file %s\n", path);
@@ -110,7 +112,7 @@ int writeBMP(const char* path, const NurImage* record) {
         image = gray;
     }
     const Layout layout = layoutOf(image.format);
-    const BmpHead head = headOf(image, layout);
+    const BmpHead head = headOf(image.roi.width, image.roi.height, layout);
     file.Stream().write(reinterpret_cast<const char*>(&head), sizeof head);
     file.Stream().write(reinterpret_cast<const char*>(layout.palette.data()),
                         static_cast<std::streamsize>(4 * layout.palette.size()));
