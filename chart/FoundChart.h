@@ -28,6 +28,9 @@ enum class FindRefusal {
     Several         ///< more than one chart
 };
 
+/// @return the word for documents: "no-patches", "too-few", "no-grid", "no-orientation", "several"
+const char* GetRefusalCode(FindRefusal refusal);
+
 /// What ChartFinder gives.
 struct FoundChart {
     bool found = false;

@@ -60,3 +60,18 @@ FoundChart Refused(const FindTrace& trace) {
     }
     return chart;
 }
+
+const char* GetRefusalCode(FindRefusal refusal) {
+    switch (refusal) {
+        case FindRefusal::TooFew:
+            return "too-few";
+        case FindRefusal::NoGrid:
+            return "no-grid";
+        case FindRefusal::NoOrientation:
+            return "no-orientation";
+        case FindRefusal::Several:
+            return "several";
+        default:
+            return "no-patches";
+    }
+}

@@ -5,21 +5,6 @@
 
 namespace {
 
-const char* refusalCode(FindRefusal refusal) {
-    switch (refusal) {
-        case FindRefusal::TooFew:
-            return "too-few";
-        case FindRefusal::NoGrid:
-            return "no-grid";
-        case FindRefusal::NoOrientation:
-            return "no-orientation";
-        case FindRefusal::Several:
-            return "several";
-        default:
-            return "no-patches";
-    }
-}
-
 Json describe(const ChartPoint& point) { return {point.x, point.y}; }
 
 Json describe(const std::array<ChartPoint, 4>& corners) {
@@ -39,20 +24,21 @@ Json describePicture(const std::string& path, const ChartReading& reading) {
             {"chart", {chart.Width, chart.Height}}};
 }
 
-Json describePatches(const ChartReading& reading) {
+}  // namespace
+
+Json DescribePatches(const ChartReading& reading) {
     Json list = Json::array();
+    const std::vector<FoundPatch> places = PlacesOf(reading);
     for (std::size_t i = 0; i < reading.measured.patches.size(); ++i) {
         const PatchMeasurement& patch = reading.measured.patches[i];
-        list.push_back({{"center", describe(reading.found->patches[i].center)},
-                        {"corners", describe(reading.found->patches[i].corners)},
+        list.push_back({{"center", describe(places[i].center)},
+                        {"corners", describe(places[i].corners)},
                         {"mean", patch.mean},
                         {"deviation", patch.deviation},
                         {"clipped", patch.clipped}});
     }
     return list;
 }
-
-}  // namespace
 
 Json DescribeFound(const std::string& path, const ChartReading& reading, const std::vector<Finding>& findings) {
     const FoundChart& found = *reading.found;
@@ -66,7 +52,7 @@ Json DescribeFound(const std::string& path, const ChartReading& reading, const s
     document["mirrored"] = found.mirrored;
     document["confidence"] = found.confidence;
     if (!found.isOriented) document["oriented"] = false;
-    document["patches"] = describePatches(reading);
+    document["patches"] = DescribePatches(reading);
     document["colors"] = std::move(colors);
     document["saturated"] = reading.colors.saturated;
     document["findings"] = Describe(findings);
@@ -77,6 +63,6 @@ Json DescribeNotFound(const std::string& path, const ChartNotFound& failure) {
     const FoundChart& chart = *failure.GetReading().found;
     Json document = describePicture(path, failure.GetReading());
     document["found"] = false;
-    document["reason"] = {{"code", refusalCode(chart.refusal)}, {"text", chart.text}, {"seen", chart.seen}};
+    document["reason"] = {{"code", GetRefusalCode(chart.refusal)}, {"text", chart.text}, {"seen", chart.seen}};
     return document;
 }

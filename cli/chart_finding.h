@@ -2,6 +2,9 @@
 
 #include "cli/chart_reading.h"
 
+/// A list of {"center", "corners", "mean", "deviation", "clipped"}. The sampling area is the inner half of a patch.
+Json DescribePatches(const ChartReading& reading);
+
 /// The document of `detect` for a chart that was found so.
 Json DescribeFound(const std::string& path, const ChartReading& reading, const std::vector<Finding>& findings);
 

@@ -13,30 +13,6 @@
 #include "imagefile/picture_file.h"
 #include "quality/measured_chart.h"
 
-namespace {
-
-/// A list of {"center", "corners", "mean", "deviation", "clipped"}. The sampling area is the inner half of a patch.
-Json describePatches(const ChartReading& reading) {
-    Json list = Json::array();
-    const double halfWidth = reading.detector.GetPatchWidth(), halfHeight = reading.detector.GetPatchHeight();
-    for (std::size_t i = 0; i < reading.measured.patches.size(); ++i) {
-        const PatchMeasurement& patch = reading.measured.patches[i];
-        const auto [x, y] = reading.measured.places[i];
-        list.push_back({{"center", {x, y}},
-                        {"corners",
-                         {{x - halfWidth, y - halfHeight},
-                          {x + halfWidth, y - halfHeight},
-                          {x + halfWidth, y + halfHeight},
-                          {x - halfWidth, y + halfHeight}}},
-                        {"mean", patch.mean},
-                        {"deviation", patch.deviation},
-                        {"clipped", patch.clipped}});
-    }
-    return list;
-}
-
-}  // namespace
-
 void AddChartOptions(CLI::App& command, ChartOptions& options) {
     AddParsed(command, "--roi", options.roi, ParseRoi, "four integers L,T,R,B",
               "Left, top, right, bottom of the chart in pixels, right and bottom exclusive (default: the image less a "
@@ -116,6 +92,6 @@ Json DescribeReading(const ChartOptions& options, const ChartReading& reading, c
             {"colors", colors},
             {"orientation", GetOrientationName(chart, reading.colors.brightest)},
             {"saturated", reading.colors.saturated},
-            {"patches", describePatches(reading)},
+            {"patches", DescribePatches(reading)},
             {"findings", Describe(findings)}};
 }

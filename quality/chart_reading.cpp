@@ -77,6 +77,20 @@ ChartReading ReadChart(CTivImage image, const std::string& path, const std::opti
     return reading;
 }
 
+std::vector<FoundPatch> PlacesOf(const ChartReading& reading) {
+    if (reading.found) return reading.found->patches;
+    const double halfWidth = reading.detector.GetPatchWidth(), halfHeight = reading.detector.GetPatchHeight();
+    std::vector<FoundPatch> places;
+    for (const auto& [x, y] : reading.measured.places) {
+        places.push_back({{x, y},
+                          {{{x - halfWidth, y - halfHeight},
+                            {x + halfWidth, y - halfHeight},
+                            {x + halfWidth, y + halfHeight},
+                            {x - halfWidth, y + halfHeight}}}});
+    }
+    return places;
+}
+
 void RequireOrder(const ChartReading& reading, const std::string& path) {
     if (reading.found && !reading.found->isOriented) throw WorkFailure(path + ": " + reading.found->text);
 }

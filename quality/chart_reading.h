@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "chart/ChartLayout.h"
 #include "chart/FoundChart.h"
@@ -50,6 +51,9 @@ private:
 ///        ChartNotFound where the chart was looked for
 ChartReading ReadChart(CTivImage image, const std::string& path, const std::optional<ChartRoi>& roi,
                        const ChartSearch& search);
+
+/// Where the patches lie: of the straight grid upright squares of twice the sampling rectangle around each centre.
+std::vector<FoundPatch> PlacesOf(const ChartReading& reading);
 
 /// @throw WorkFailure for a chart of which it is not known which patch is the first
 void RequireOrder(const ChartReading& reading, const std::string& path);

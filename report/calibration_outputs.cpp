@@ -50,8 +50,10 @@ std::string csv(const ExportSource& source) {
 struct Export {
     const char* extension;
     std::string (*make)(const ExportSource& source);
+    bool isOfPatches;
 };
-constexpr Export kExports[] = {{".cube", cube}, {".icc", icc}, {".ti3", cgats}, {".csv", csv}};
+constexpr Export kExports[] = {
+    {".cube", cube, false}, {".icc", icc, false}, {".ti3", cgats, true}, {".csv", csv, true}};
 
 const Export* findExport(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension().string();
@@ -92,6 +94,11 @@ std::string MakeReportPage(Report report, const CTivImage& picture) {
 }
 
 bool IsExportName(const std::string& path) { return findExport(path) != nullptr; }
+
+bool IsExportOfPatches(const std::string& path) {
+    const Export* const found = findExport(path);
+    return found && found->isOfPatches;
+}
 
 std::string MakeExport(const std::string& path, const CTivTonewrightDC& engine, const CTivVector& transform,
                        const Report& report, const std::string& name) {

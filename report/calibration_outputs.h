@@ -22,6 +22,9 @@ std::string MakeReportPage(Report report, const CTivImage& picture);
 /// Whether a file is exported by this name's extension, in any case: .cube, .icc, .ti3, .csv.
 bool IsExportName(const std::string& path);
 
+/// Whether what is exported by this name tells of patches alone: .ti3, .csv.
+bool IsExportOfPatches(const std::string& path);
+
 /// @param path by whose extension it is done @param name of the picture, for the file's own title
 /// @param report for the patches' colors
 /// @return empty where it cannot be made of this calibration

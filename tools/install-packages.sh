@@ -4,11 +4,12 @@
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libpng-dev libtiff-dev liblcms2-dev libinih-dev libcli11-dev nlohmann-json3-dev
           qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins libgl1-mesa-dev libaravis-dev libglib2.0-dev fonts-dejavu-core)
+python=(pybind11-dev python3-dev python3-numpy)
 case "${1:-}" in
-  test) packages+=(libgtest-dev libgmock-dev aravis-tools) ;;
-  package) packages+=(dpkg-dev file gzip lintian desktop-file-utils appstream) ;;
+  test) packages+=(libgtest-dev libgmock-dev aravis-tools "${python[@]}" python3-pytest) ;;
+  package) packages+=("${python[@]}" dpkg-dev file gzip lintian desktop-file-utils appstream) ;;
   docs) packages=(doxygen) ;;
-  ci) packages+=(libgtest-dev libgmock-dev aravis-tools git ccache clang-format clang-tidy-14 clang-14 libclang-rt-14-dev
+  ci) packages+=(libgtest-dev libgmock-dev aravis-tools "${python[@]}" python3-pytest git ccache clang-format clang-tidy-14 clang-14 libclang-rt-14-dev
                  libomp-14-dev zlib1g-dev libbenchmark-dev) ;;
 esac
 missing=()

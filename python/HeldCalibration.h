@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "python/charts.h"
+#include "quality/chart_calibration.h"
+
+/// A calibration in Python's hands, of a chart or from a file. It stays as it is, so several threads may share it.
+struct HeldCalibration {
+    enum class Origin { Chart, Parameters, Coefficients };
+
+    Origin origin = Origin::Chart;
+    ChartCalibration calibration;
+    FitMethod method = FitMethod::LeastSquares;
+    std::string name;       ///< of the picture or the file, for titles
+    std::string reference;  ///< of the reference picture; empty: none
+
+    // Of a chart alone.
+    CTivImage picture;  ///< for the report
+    std::optional<ChartResult> chart;
+
+    const CTivTonewrightDC& Engine() const { return calibration.engine; }
+};
