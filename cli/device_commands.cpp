@@ -124,7 +124,7 @@ void addTransfer(CLI::App& tool, Work& work, bool sends) {
         AddParsed(*command, "--way", options->way, parseWay, "auto, file or features",
                   "file: the device's file; features: a camera's color transformation features; auto: the file where "
                   "there is one, else the features (default: auto)")
-            ->type_name("WAY");
+            ->type_name("auto|file|features");
         command->add_option("--backup", options->backup, "Receives the device's present coefficients before")
             ->type_name("FILE");
     }

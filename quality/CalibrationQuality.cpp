@@ -241,7 +241,7 @@ std::string TellPicture(const ChartDifferences& delivered, const PictureQuality&
     constexpr double kClearly = 0.3;  // CIEDE2000
     if (picture.delivered.deltaE00.patches.empty()) return {};
     const double single = delivered.deltaE00.mean, whole = picture.delivered.deltaE00.mean;
-    if (std::fabs(whole - single) <= kClearly) return {};
+    if (!(std::fabs(whole - single) > kClearly)) return {};  // nor where one is no number
     const bool isNoise = std::fabs(whole - picture.ofMeans) > std::fabs(picture.ofMeans - single);
     return "In the corrected picture: mean " + Fixed(whole, 1) + ", since " +
            (isNoise ? "limits and tone curve bend the mean of noisy pixels"

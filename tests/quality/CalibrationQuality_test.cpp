@@ -181,6 +181,7 @@ TEST(CalibrationQuality, AnotherFigureOfThePictureIsToldWithItsReason) {
     const auto of = [](double mean) { return ChartDifferences{Summarize({mean}), Summarize({mean})}; };
     EXPECT_EQ(TellPicture(of(4), {}), "");
     EXPECT_EQ(TellPicture(of(4), {of(4.3), 4.2}), "");
+    EXPECT_EQ(TellPicture(of(4), {of(std::nan("")), 4.2}), "") << "no cause is made up for what is no number";
     EXPECT_EQ(TellPicture(of(4), {of(5.1), 4.2}),
               "In the corrected picture: mean 5.1, since limits and tone curve bend the mean of noisy pixels");
     EXPECT_EQ(TellPicture(of(4), {of(3.4), 3.5}),
