@@ -46,7 +46,8 @@ std::optional<Finding> FindOverfit(const CalibrationQuality& quality, int terms)
 /// The transform has an entry that is no number, or a column without weight.
 std::optional<Finding> FindSingular(const CTivVector& transform);
 
-/// All that a picture tells, in the order of the list above.
+/// All that a picture tells, in the order of the list above. Nothing is held against the targets where it is not known
+/// which patch is which: of an incomplete grid and of one that was misread.
 std::vector<Finding> FindInPicture(const MeasuredChart& chart);
 /// All that a calibration tells.
 std::vector<Finding> FindInCalibration(const CalibrationQuality& quality, const CTivVector& transform);

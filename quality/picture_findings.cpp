@@ -106,9 +106,20 @@ std::optional<Finding> FindIncomplete(const MeasuredChart& chart) {
 
 std::vector<Finding> FindInPicture(const MeasuredChart& chart) {
     std::vector<Finding> findings;
-    for (const auto find :
-         {FindClipped, FindDark, FindUneven, FindNoisy, FindMixed, FindIncomplete, FindMisread, FindCoded}) {
-        if (auto finding = find(chart)) findings.push_back(std::move(*finding));
-    }
+    const auto add = [&](std::optional<Finding> finding) {
+        if (finding) findings.push_back(std::move(*finding));
+    };
+    const auto incomplete = FindIncomplete(chart);
+    const auto misread = incomplete ? std::nullopt : FindMisread(chart);
+    // Where it is not known which patch is which, none can be held against its target.
+    const bool isRead = !incomplete && !misread;
+    add(FindClipped(chart));
+    add(FindDark(chart));
+    if (isRead) add(FindUneven(chart));
+    add(FindNoisy(chart));
+    add(FindMixed(chart));
+    add(incomplete);
+    add(misread);
+    if (isRead) add(FindCoded(chart));
     return findings;
 }

@@ -136,19 +136,26 @@ constexpr Order kOrders[] = {
 
 /// How badly a linear transform explains the targets by colors: the root of the share of their squares that is left.
 /// @param place where in `colors` each target's patch is
+/// @param ignored the color that says nothing
 template <class Place>
-double orderError(const std::vector<std::array<double, 3>>& colors, const std::vector<Xyz>& targets, Place place) {
-    const auto count = static_cast<std::int32_t>(targets.size());
+double orderError(const std::vector<std::array<double, 3>>& colors, const std::vector<Xyz>& targets, Place place,
+                  std::size_t ignored) {
+    std::vector<std::pair<std::size_t, std::size_t>> pairs;  // target and color
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const auto color = static_cast<std::size_t>(place(static_cast<int>(i)));
+        if (color != ignored) pairs.emplace_back(i, color);
+    }
+    const auto count = static_cast<std::int32_t>(pairs.size());
     DoubleMatrix design(count, 3);
     for (std::int32_t i = 0; i < count; ++i) {
-        const auto& color = colors[static_cast<std::size_t>(place(i))];
+        const auto& color = colors[pairs[static_cast<std::size_t>(i)].second];
         std::copy(color.begin(), color.end(), design[i]);
     }
     const Svd svd(design);
     double left = 0, all = 0;
-    std::vector<double> wanted(targets.size());
+    std::vector<double> wanted(pairs.size());
     for (std::size_t channel = 0; channel < 3; ++channel) {
-        for (std::size_t i = 0; i < wanted.size(); ++i) wanted[i] = targets[i][channel];
+        for (std::size_t i = 0; i < wanted.size(); ++i) wanted[i] = targets[pairs[i].first][channel];
         std::array<double, 3> x{};
         svd.Solve(wanted, x);
         for (std::int32_t i = 0; i < count; ++i) {
@@ -254,8 +261,14 @@ std::optional<Finding> FindMisread(const MeasuredChart& chart) {
     if (!hasTargets(chart) || chart.targets.size() != kOrderedPatches) return std::nullopt;
     // The tone curve is not known before the order is, so that a linear and a coded reading are both tried.
     const std::vector<std::array<double, 3>> readings[] = {linearised(chart, {}), linearised(chart, {0.45, {}})};
+    // The brightest patch has decided the order. If it is not the white one it is a glare, and no patch at all.
+    const auto sum = [](const PatchMeasurement& patch) { return patch.mean[0] + patch.mean[1] + patch.mean[2]; };
+    const auto brightest = std::max_element(chart.patches.begin(), chart.patches.end(),
+                                            [&](const auto& a, const auto& b) { return sum(a) < sum(b); });
+    const auto ignored = static_cast<std::size_t>(brightest - chart.patches.begin());
     const auto errorOf = [&](auto place) {
-        return std::min(orderError(readings[0], chart.targets, place), orderError(readings[1], chart.targets, place));
+        return std::min(orderError(readings[0], chart.targets, place, ignored),
+                        orderError(readings[1], chart.targets, place, ignored));
     };
     const double taken = errorOf([](int i) { return i; });
     const Order* better = nullptr;

@@ -96,8 +96,20 @@ const Case kCases[] = {
     {"mixed", {7}, [](MeasuredChart& chart) { chart.patches[6].isMixed = true; }},
     {"incomplete", {}, [](MeasuredChart& chart) { chart.foundColumns = 5; }},
     {"incomplete", {}, [](MeasuredChart& chart) { chart.foundRows = 3; }},
+    {"incomplete",
+     {},
+     [](MeasuredChart& chart) {  // the second column was not seen, and those behind it stand one too far left
+         chart.foundColumns = 5;
+         reorder(chart, [](int i) { return i / 6 * 6 + (i % 6 == 0 ? 0 : std::min(i % 6 + 1, 5)); });
+     }},
     {"orientation", {}, [](MeasuredChart& chart) { reorder(chart, [](int i) { return 23 - i; }); }},
     {"orientation", {}, [](MeasuredChart& chart) { reorder(chart, [](int i) { return i / 6 * 6 + 5 - i % 6; }); }},
+    {"orientation",
+     {},
+     [](MeasuredChart& chart) {  // a glare on the first patch was taken for the white one
+         for (auto& mean : chart.patches[0].mean) mean = 0.98 * fullScale(chart);
+         reorder(chart, [](int i) { return 6 * (3 - i / 6) + i % 6; });
+     }},
     {"orientation",
      {},
      [](MeasuredChart& chart) {
@@ -135,14 +147,9 @@ TEST(Findings, EachIsProvokedAloneAndSilentOtherwise) {
             const auto index = &one - kCases;
             const std::vector<std::string> expected =
                 *one.code ? std::vector<std::string>{one.code} : std::vector<std::string>{};
-            // A chart that is read wrongly is not held against its neutral patches with any sense.
-            if (std::string(one.code) == "orientation") {
-                EXPECT_THAT(codes(findings), testing::Contains("orientation")) << index;
-            } else {
-                ASSERT_EQ(codes(findings), expected) << "case " << index << ", format " << format;
-                if (!findings.empty()) {
-                    EXPECT_EQ(findings.front().patches, one.patches) << index;
-                }
+            ASSERT_EQ(codes(findings), expected) << "case " << index << ", format " << format;
+            if (!findings.empty()) {
+                EXPECT_EQ(findings.front().patches, one.patches) << index;
             }
         }
     }
