@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr std::int64_t kStripPixels = 16384;  // two strips and their rows in the files stay in the second cache
+constexpr std::int64_t kStripPixels = 65536;  // the files' blocks are worth a call, and all is near in the cache
 constexpr int kColorBits = 24;
 
 /// A file that is open while this lives; reads and writes are whole or fail.
