@@ -13,12 +13,14 @@
 #include "app/CommandIds.h"
 #include "app/FrameMessage.h"
 #include "app/GetEngine.h"
+#include "app/QualityFollower.h"
 #include "app/RibbonControls.h"
 #include "app/StringTable.h"
 #include "app/panes/CLoggerWnd.h"
 #include "app/panes/CQualityWnd.h"
 #include "app/panes/CRawColorWnd.h"
 #include "app/panes/CSpectrumValuesWnd.h"
+#include "app/pdf_report.h"
 #include "app/toolkit/Prompts.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CCompareViewer.h"
@@ -66,7 +68,7 @@ void listenToDevices(CMainFrame& frame) {
 
 CMainFrame::CMainFrame() : m_baseDir(baseDirectory()) {
     registerPictures();
-    setWindowTitle("Zelvan Tonewright");
+    setWindowTitle(kStudioTitle);
     m_acq = makeSession(this);
     if (!m_acq) {
         // The sibling tool's name is deliberate (C8).
@@ -124,6 +126,7 @@ void CMainFrame::CreateWorkflow() {
                                                           .lists = *m_rawColorWnd,
                                                           .values = *m_spectrumWnd,
                                                           .controls = *m_controls,
+                                                          .makePdf = PdfReport,
                                                           .baseDir = m_baseDir});
     const WorkflowNews* news = &m_workflow->News();
     connect(news, &WorkflowNews::message, this, &CMainFrame::LogMessage);
@@ -134,7 +137,9 @@ void CMainFrame::CreateWorkflow() {
         m_panes->Show(ID_CBTN_LOG);
         m_logger->repaint();
     });
-    FollowQuality();
+    m_qualityFollower = std::make_unique<QualityFollower>(*m_workflow, *m_qualityWnd, *m_rawViewer, *m_calibViewer);
+    connect(m_qualityFollower.get(), &QualityFollower::paneWanted, this,
+            [this] { m_panes->Show(ID_BTN_QUALITY_PANE); });
 }
 
 // The viewers are the only pictures that the workflow has.

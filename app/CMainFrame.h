@@ -24,6 +24,7 @@ class CRawColorWnd;
 class CSpectrumValuesWnd;
 class CTonewrightAcq;
 class QAction;
+class QualityFollower;
 class RibbonBar;
 class RibbonControls;
 class Workflow;
@@ -94,7 +95,6 @@ private:
     void CreateRibbon();
     bool CreatePanes();
     void CreateWorkflow();
-    void FollowQuality();
     void ShowNextPatch(const StudioState& state);
     void ShowChoices();
     void TakeTurn(std::function<void()> step);
@@ -119,5 +119,6 @@ private:
     std::unique_ptr<PaneLayout> m_panes;
     std::unique_ptr<RibbonControls> m_controls;
     std::unique_ptr<Workflow> m_workflow;
+    std::unique_ptr<QualityFollower> m_qualityFollower;
     std::deque<std::function<void()>> m_turns;  ///< the step that runs, and those that wait for its end
 };

@@ -207,7 +207,9 @@ constexpr CommandRow kFixedCommands[] = {
      "Look at the raw and the calibrated picture at the same place, with a divider between before and after.\n "
      "Compare"},
     {ID_BTN_SAVE_REPORT, "Save Report", "save-report", "", flag<&S::hasReport>, kUnchecked,
-     call<&QualitySteps::OnSaveReport>, "Save the figures of the last preview as a page.\n Save Report"},
+     call<&ReportSteps::OnSaveReport>, "Save the figures on show as a page or as a PDF document.\n Save Report"},
+    {ID_BTN_VERIFY, "Verify", "verify", "", flag<&S::canVerify>, kUnchecked, call<&VerifySteps::OnVerify>,
+     "Hold the present calibration against another picture of the chart.\n Verify"},
     {ID_BTN_UNDO, "Undo", "undo", "Ctrl+Z", flag<&S::canUndo>, kUnchecked, call<&UndoSteps::OnUndo>,
      "Take the last edit of colors, values, gamma or saturation back.\n Undo"},
     {ID_BTN_REDO, "Redo", "redo", "Ctrl+Shift+Z", flag<&S::canRedo>, kUnchecked, call<&UndoSteps::OnRedo>,

@@ -4,6 +4,9 @@
 /// @return the text, "" for an unknown number
 const char* LoadStudioString(int id);
 
+/// The window's title while no parameter file is in play.
+inline constexpr const char* kStudioTitle = "Zelvan Tonewright";
+
 namespace string_id {
 inline constexpr int kOleFailed = 100;
 inline constexpr int kLoggerPane = 101;

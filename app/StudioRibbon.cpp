@@ -105,9 +105,8 @@ constexpr Item kPanes[] = {
 };
 
 constexpr Item kCalibrationQuality[] = {
-    button(Kind::Large, ID_BTN_FIND_CHART, "FC"),
-    button(Kind::Large, ID_BTN_QUALITY_PANE, "CQ"),
-    button(Kind::Large, ID_BTN_COMPARE, "CO"),
+    button(Kind::Large, ID_BTN_FIND_CHART, "FC"),  button(Kind::Large, ID_BTN_QUALITY_PANE, "CQ"),
+    button(Kind::Large, ID_BTN_COMPARE, "CO"),     button(Kind::Large, ID_BTN_VERIFY, "VE"),
     button(Kind::Large, ID_BTN_SAVE_REPORT, "SR"),
 };
 

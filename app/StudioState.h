@@ -27,6 +27,7 @@ struct StudioState {
     bool qualityVisible = false;
     bool comparing = false;
     bool hasReport = false;  ///< a preview was judged
+    bool canVerify = false;  ///< a calibration was made
     bool canUndo = false;
     bool canRedo = false;
     int chrome = 0;  ///< how the window is dressed, a theme::Chrome

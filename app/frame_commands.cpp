@@ -123,7 +123,6 @@ StudioState CMainFrame::GetState() const {
     state.calibPaneVisible = !m_calibPane->isHidden();
     state.qualityVisible = !m_qualityWnd->isHidden();
     state.comparing = m_calibViewer->IsComparing();
-    state.hasReport = m_workflow->Get<QualitySteps>().GetReport().has_value();
     state.chrome = static_cast<int>(theme::GetChrome());
     return state;
 }
@@ -132,12 +131,14 @@ void CMainFrame::UpdateCommands() {
     if (!m_workflow) return;                                   // still being built
     if (m_turns.empty()) m_workflow->Get<UndoSteps>().Note();  // a pane has buttons and cells of its own
     m_workflow->Get<QualitySteps>().CheckInputs();
+    m_workflow->Get<VerifySteps>().CheckInputs();
     const StudioState state = GetState();
     for (const CommandRow& row : CommandTable()) {
         QAction* const action = m_actions.at(row.id);
         action->setEnabled(row.enabled(state));
         if (row.checked) action->setChecked(row.checked(state));
     }
+    setWindowTitle(m_workflow->Get<FileSteps>().GetTitle());
     ShowChoices();
     ShowNextPatch(state);
     m_rawColorWnd->UpdateCommandState();

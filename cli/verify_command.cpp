@@ -16,8 +16,7 @@
 #include "cli/quality_json.h"
 #include "cli/report_outputs.h"
 #include "cli/target_options.h"
-#include "quality/CalibrationQuality.h"
-#include "quality/findings.h"
+#include "quality/verification.h"
 
 namespace {
 
@@ -65,29 +64,14 @@ std::vector<Xyz> findTargets(const VerifyOptions& options, const Subject& subjec
         SetAim(aim, ReadAim(options.target, options.chart, raw.GetSize()));
         Require([&] { return CalibrateAtDepth(aim); }, options.chart.image, "the targets do not fit the chart");
     }
-    std::vector<Xyz> targets = ToXyz(GetTargets(isOwn ? subject.engine : aim));
-    if (static_cast<int>(targets.size()) != raw.GetSize()) {
-        throw WorkFailure(options.chart.image + ": the chart has " + std::to_string(raw.GetSize()) +
-                          " patches, the calibration " + std::to_string(targets.size()));
-    }
-    return targets;
+    return ToXyz(GetTargets(isOwn ? subject.engine : aim));
 }
 
-VerifiedQuality judge(const VerifyOptions& options, const Subject& subject, const ChartReading& reading,
-                      const std::vector<Xyz>& targets) {
-    const CTivVector& raw = reading.colors.colors;
-    if (!options.coefficients.empty() && raw.GetFormat() != CTivData::FormatRgb) {
-        throw WorkFailure(
-            options.chart.image +
-            ": a coefficient file does not say which depth it was made for, so it serves FormatRgb images "
-            "only; use the parameter file");
-    }
-    if (raw.GetFormat() != subject.engine.GetCalibratedFormat()) {
-        throw WorkFailure(options.chart.image + ": the calibration was made for another depth of pixels");
-    }
-    VerifiedQuality quality = JudgeDelivery(subject.engine, subject.transform, raw, targets, InPicture(reading));
-    if (quality.patches.empty()) throw WorkFailure(options.chart.image + ": the calibration cannot be executed");
-    return quality;
+void requireDepth(const VerifyOptions& options, const CTivVector& raw) {
+    if (options.coefficients.empty() || raw.GetFormat() == CTivData::FormatRgb) return;
+    throw WorkFailure(options.chart.image +
+                      ": a coefficient file does not say which depth it was made for, so it serves FormatRgb images "
+                      "only; use the parameter file");
 }
 
 /// Whether a difference keeps within its limit; what is no number does not.
@@ -126,32 +110,30 @@ std::string describeVerdict(const VerifyOptions& options) {
 }
 
 std::shared_ptr<OutputSet> writeReport(const VerifyOptions& options, const Subject& subject,
-                                       const ChartReading& reading, const VerifiedQuality& quality,
-                                       const std::vector<Finding>& findings, bool isPassed) {
+                                       const ChartReading& reading, const Verification& verification, bool isPassed) {
     const auto outputs = std::make_shared<OutputSet>();
-    Report report = ReportVerification(quality, findings, options.chart.GetSize(), OutlinesOf(reading));
-    report.title = "Verification on " + std::filesystem::path(options.chart.image).filename().string();
+    Report report = ReportOn(verification, reading, options.chart.image);
     report.verdict = describeVerdict(options);
     report.hasPassed = isPassed;
-    report.settings = {{"Picture", options.chart.image},
-                       {"Calibration", options.parameters.empty() ? options.coefficients : options.parameters},
-                       {"Terms", std::to_string(subject.transform.GetSize() / 3)}};
+    report.settings.push_back({"Calibration", options.parameters.empty() ? options.coefficients : options.parameters});
+    report.settings.push_back({"Terms", std::to_string(subject.transform.GetSize() / 3)});
     WriteReport(*outputs, options.report, report, reading.image);
     return outputs;
 }
 
 Outcome verify(const VerifyOptions& options) {
     const Subject subject = loadSubject(options);
-    ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart);
+    const ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart);
     RequireOrder(reading, options.chart.image);
-    const std::vector<Xyz> targets = findTargets(options, subject, reading.colors.colors);
-    const VerifiedQuality quality = judge(options, subject, reading, targets);
+    const CTivVector& raw = reading.colors.colors;
+    const std::vector<Xyz> targets = findTargets(options, subject, raw);
+    requireDepth(options, raw);
     const bool isAbsolute =
         !options.target.reference && (options.target.IsGiven() || subject.engine.GetCalibrationMode() == 0);
-    if (isAbsolute) reading.measured.targets = targets;
+    const Verification verification =
+        VerifyOn(reading, options.chart.image, subject.engine, subject.transform, targets, isAbsolute);
+    const auto& [quality, findings] = verification;
 
-    std::vector<Finding> findings = FindInPicture(reading.measured);
-    if (auto singular = FindSingular(subject.transform)) findings.push_back(std::move(*singular));
     TellFindings(findings);
     const bool isPassed = checkLimits(options, quality.delivered.deltaE00);
     Json document = DescribeReading(options.chart, reading, findings);
@@ -161,8 +143,7 @@ Outcome verify(const VerifyOptions& options) {
     document["limits"] = {{"maxMean", describeLimit(options.maxMean)}, {"maxPatch", describeLimit(options.maxPatch)}};
     document["passed"] = isPassed;
     if (options.chart.isStrict && HasWarning(findings)) return {document, kWorkFailed};
-    return {document, isPassed ? kDone : kLimitBroken,
-            writeReport(options, subject, reading, quality, findings, isPassed)};
+    return {document, isPassed ? kDone : kLimitBroken, writeReport(options, subject, reading, verification, isPassed)};
 }
 
 /// The options for one picture of many. A calibration that is a folder holds a file of each picture's name.

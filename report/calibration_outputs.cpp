@@ -85,6 +85,14 @@ Report ReportOn(const ChartCalibration& calibration, const ChartReading& reading
     return report;
 }
 
+Report ReportOn(const Verification& verification, const ChartReading& reading, const std::string& picture) {
+    Report report =
+        ReportVerification(verification.quality, verification.findings, reading.measured.chart, OutlinesOf(reading));
+    report.title = "Verification on " + std::filesystem::path(picture).filename().string();
+    report.settings = {{"Picture", picture}};
+    return report;
+}
+
 std::string MakeReportPage(Report report, const CTivImage& picture) {
     const CTivImage shown = ReportPicture(picture);
     report.picture = &shown;

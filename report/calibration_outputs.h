@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "quality/chart_calibration.h"
+#include "quality/verification.h"
 #include "report/calibration_report.h"
 
 // What a calibration writes for others, as the bytes of a file.
@@ -15,6 +16,9 @@ PatchOutlines OutlinesOf(const ChartReading& reading);
 /// @param picture, reference as they were called; an empty reference is none
 Report ReportOn(const ChartCalibration& calibration, const ChartReading& reading, FitMethod method,
                 const std::string& picture, const std::string& reference);
+
+/// The same of a verification, without anything of the calibration.
+Report ReportOn(const Verification& verification, const ChartReading& reading, const std::string& picture);
 
 /// The page, with the picture, date and version added.
 std::string MakeReportPage(Report report, const CTivImage& picture);

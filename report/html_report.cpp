@@ -7,6 +7,7 @@
 #include "report/page_style_impl.h"
 #include "report/plots.h"
 #include "report/png_bytes_impl.h"
+#include "report/report_words.h"
 
 namespace {
 
@@ -21,42 +22,31 @@ constexpr int kPictureSide = 900;  // pixels of the picture in the page
 
 std::string heading(const std::string& words) { return "<h2>" + Escaped(words) + "</h2>\n"; }
 
-std::string nameOf(const ReportPatch& patch) {
-    return std::to_string(patch.number) + (patch.name.empty() ? "" : " " + patch.name);
-}
-
-const ReportPatch& worstOf(const Report& report) {
-    return *std::max_element(report.patches.begin(), report.patches.end(),
-                             [](const ReportPatch& a, const ReportPatch& b) { return a.difference < b.difference; });
-}
-
 std::string figure(const std::string& value, const std::string& words, bool isFirst = false) {
     return "<div class=\"figure" + std::string(isFirst ? " first" : "") + "\"><b>" + value + "</b><span>" +
            Escaped(words) + "</span></div>\n";
 }
 
 std::string headline(const Report& report) {
-    const ReportPatch& worst = worstOf(report);
+    const ReportPatch& worst = GetWorst(report);
     std::string page = "<h1>" + Escaped(report.title) + "</h1>\n<p class=\"soft\">" + Escaped(report.subtitle) +
                        "</p>\n<div class=\"figures\">\n" +
-                       figure(Fixed(report.mean, 1), "delivered, mean difference (CIEDE2000)", true) +
-                       figure(Fixed(worst.difference, 1), "worst patch: " + nameOf(worst));
-    if (report.unseen) page += figure(Fixed(*report.unseen, 1), "mean on patches left out of the fit");
-    page += figure(Fixed(report.before, 1), "mean before the correction") + "</div>\n";
+                       figure(Fixed(report.mean, 1), report_words::kDelivered, true) +
+                       figure(Fixed(worst.difference, 1), report_words::kWorst + GetPatchName(worst));
+    if (report.unseen) page += figure(Fixed(*report.unseen, 1), report_words::kUnseen);
+    page += figure(Fixed(report.before, 1), report_words::kBefore) + "</div>\n";
     if (!report.inPicture.empty()) page += "<p>" + Escaped(report.inPicture) + ".</p>\n";
     if (!report.verdict.empty()) {
         page += "<ul class=\"findings\"><li class=\"" + std::string(report.hasPassed ? "note" : "error") +
                 "\"><strong>" + (report.hasPassed ? "Passed" : "Not passed") + "</strong>: " + Escaped(report.verdict) +
                 "</li></ul>\n";
     }
-    return page +
-           "<p class=\"soft\">A difference of 1 is just seen side by side; up to 3 is good, above 6 is easily "
-           "seen.</p>\n";
+    return page + "<p class=\"soft\">" + Escaped(report_words::kScale) + "</p>\n";
 }
 
 std::string findings(const Report& report) {
-    std::string page = heading("Findings");
-    if (report.findings.empty()) return page + "<p>Nothing speaks against this calibration.</p>\n";
+    std::string page = heading(report_words::kFindings);
+    if (report.findings.empty()) return page + "<p>" + report_words::kNoFinding + "</p>\n";
     page += "<ul class=\"findings\">\n";
     for (const Finding& finding : report.findings) {
         const std::string severity = GetSeverityName(finding.severity);
@@ -82,46 +72,41 @@ std::string picture(const Report& report) {
     if (bytes.empty()) return {};
     const std::string width = std::to_string(report.picture->GetWidth());
     const std::string height = std::to_string(report.picture->GetHeight());
-    const ReportPatch& worst = worstOf(report);
-    std::string page = heading("Picture") + "<figure><svg class=\"chart\" viewBox=\"0 0 " + width + " " + height +
+    const ReportPatch& worst = GetWorst(report);
+    std::string page = heading(report_words::kPicture) + "<figure><svg class=\"chart\" viewBox=\"0 0 " + width + " " +
+                       height +
                        "\" role=\"img\"><title>The picture with the outlines of the patches</title><image width=\"" +
                        width + "\" height=\"" + height + "\" href=\"data:image/png;base64," + Base64(bytes) + "\"/>";
     for (const ReportPatch& patch : report.patches) {
         if (isOutlined(patch)) page += polygon(patch, "shade") + polygon(patch, "");
     }
     if (isOutlined(worst)) page += polygon(worst, "worst");
-    return page + "</svg><figcaption>What was measured lies inside the outlines; red: the worst patch, " +
-           Escaped(nameOf(worst)) + ".</figcaption></figure>\n";
+    return page + "</svg><figcaption>" + report_words::kOutlines + Escaped(GetPatchName(worst)) +
+           ".</figcaption></figure>\n";
 }
 
 std::string swatches(const Report& report) {
-    const ReportPatch& worst = worstOf(report);
-    std::string page =
-        heading("Patches") +
-        "<p class=\"soft\">Each patch from left to right: measured, wanted, delivered. Below: its number "
-        "and name, its difference after the correction, and in brackets before it.</p>\n<ol class=\"patches\" "
-        "style=\"--columns:" +
-        std::to_string(report.columns) + "\">\n";
+    const ReportPatch& worst = GetWorst(report);
+    std::string page = heading(report_words::kPatches) + "<p class=\"soft\">" + Escaped(report_words::kSwatches) +
+                       "</p>\n<ol class=\"patches\" "
+                       "style=\"--columns:" +
+                       std::to_string(report.columns) + "\">\n";
     for (const ReportPatch& patch : report.patches) {
         page += "<li" + std::string(&patch == &worst ? " class=\"worst\"" : "") + "><div class=\"swatch\">";
         for (const auto& color : {patch.color.measured, patch.color.target, patch.color.delivered}) {
             page += "<span style=\"background:" + CssColor(color) + "\"></span>";
         }
-        page += "</div><p>" + Escaped(nameOf(patch)) + "<br><b>" + Fixed(patch.difference, 1) + "</b> (" +
+        page += "</div><p>" + Escaped(GetPatchName(patch)) + "<br><b>" + Fixed(patch.difference, 1) + "</b> (" +
                 Fixed(patch.before, 1) + ")" + (&patch == &worst ? " worst" : "") + "</p></li>\n";
     }
     return page + "</ol>\n";
 }
 
 std::string plots(const Report& report) {
-    constexpr std::pair<ReportPlot, const char*> kPlots[] = {{ReportPlot::Differences, "Difference by patch"},
-                                                             {ReportPlot::LabPlane, "Where the colors go"},
-                                                             {ReportPlot::Tone, "Tone of the neutral patches"},
-                                                             {ReportPlot::Noise, "Noise before and after"}};
-    std::string page = heading("Plots") + "<div class=\"pair\">\n";
-    for (const auto& [plot, words] : kPlots) {
+    std::string page = heading(report_words::kPlots) + "<div class=\"pair\">\n";
+    for (const ReportPlot plot : kReportPlots) {
         const std::string drawn = DrawPlot(report, plot);
-        if (!drawn.empty()) page += "<figure><h3>" + Escaped(words) + "</h3>" + drawn + "</figure>\n";
+        if (!drawn.empty()) page += "<figure><h3>" + Escaped(GetPlotName(plot)) + "</h3>" + drawn + "</figure>\n";
     }
     return page + "</div>\n";
 }
@@ -129,9 +114,8 @@ std::string plots(const Report& report) {
 std::string candidates(const Report& report) {
     if (report.candidates.empty()) return {};
     std::string page =
-        heading("4, 7 and 10 terms") +
-        "<p class=\"soft\">Mean differences in CIEDE2000. More terms always fit the patches better; what "
-        "counts for every other color is the column of patches left out.</p>\n<div class=\"scroll\"><table>"
+        heading(report_words::kCandidates) + "<p class=\"soft\">" + Escaped(report_words::kTermsMean) +
+        "</p>\n<div class=\"scroll\"><table>"
         "<thead><tr><th scope=\"col\">Terms</th><th scope=\"col\">Bare fit</th><th scope=\"col\">Delivered"
         "</th><th scope=\"col\">Patches left out</th></tr></thead><tbody>\n";
     for (const TermsFigures& candidate : report.candidates) {
@@ -148,12 +132,12 @@ std::string words(const Lab& value) {
 }
 
 std::string numbers(const Report& report) {
-    std::string page = heading("Numbers") +
+    std::string page = heading(report_words::kNumbers) +
                        "<div class=\"scroll\"><table><thead><tr><th scope=\"col\">Patch</th><th scope=\"col\">Wanted "
                        "L*, a*, b*</th><th scope=\"col\">Delivered L*, a*, b*</th><th scope=\"col\">Difference</th>"
                        "<th scope=\"col\">Before</th></tr></thead><tbody>\n";
     for (const ReportPatch& patch : report.patches) {
-        page += "<tr><td class=\"name\">" + Escaped(nameOf(patch)) + "</td><td>" + words(patch.color.targetLab) +
+        page += "<tr><td class=\"name\">" + Escaped(GetPatchName(patch)) + "</td><td>" + words(patch.color.targetLab) +
                 "</td><td>" + words(patch.color.deliveredLab) + "</td><td>" + Fixed(patch.difference, 2) + "</td><td>" +
                 Fixed(patch.before, 2) + "</td></tr>\n";
     }
@@ -161,7 +145,7 @@ std::string numbers(const Report& report) {
 }
 
 std::string settings(const Report& report) {
-    std::string page = heading("Settings") + "<table class=\"settings\"><tbody>\n";
+    std::string page = heading(report_words::kSettings) + "<table class=\"settings\"><tbody>\n";
     for (const ReportRow& row : report.settings) {
         page += "<tr><td>" + Escaped(row.name) + "</td><td class=\"name\">" + Escaped(row.value) + "</td></tr>\n";
     }
@@ -169,6 +153,31 @@ std::string settings(const Report& report) {
 }
 
 }  // namespace
+
+const ReportPatch& GetWorst(const Report& report) {
+    return *std::max_element(report.patches.begin(), report.patches.end(),
+                             [](const ReportPatch& a, const ReportPatch& b) { return a.difference < b.difference; });
+}
+
+std::string GetPatchName(const ReportPatch& patch) {
+    return std::to_string(patch.number) + (patch.name.empty() ? "" : " " + patch.name);
+}
+
+std::string GetReportColor(const LinearRgb& linear) { return CssColor(linear); }
+
+const char* GetPlotName(ReportPlot plot) {
+    switch (plot) {
+        case ReportPlot::Differences:
+            return "Difference by patch";
+        case ReportPlot::LabPlane:
+            return "Where the colors go";
+        case ReportPlot::Tone:
+            return "Tone of the neutral patches";
+        case ReportPlot::Noise:
+            return "Noise before and after";
+    }
+    return "";
+}
 
 std::string DrawPlot(const Report& report, ReportPlot plot) {
     std::vector<PatchBar> bars;

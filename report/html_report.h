@@ -47,7 +47,14 @@ struct Report {
     std::vector<ReportRow> settings;
 };
 
+const ReportPatch& GetWorst(const Report& report);    ///< by what is delivered
+std::string GetPatchName(const ReportPatch& patch);   ///< "18 Cyan", or the number alone
+std::string GetReportColor(const LinearRgb& linear);  ///< "#rrggbb", coded for a screen
+
 enum class ReportPlot { Differences, LabPlane, Tone, Noise };
+inline constexpr std::array kReportPlots = {ReportPlot::Differences, ReportPlot::LabPlane, ReportPlot::Tone,
+                                            ReportPlot::Noise};
+const char* GetPlotName(ReportPlot plot);
 
 /// One of the report's plots, as report/plots.h makes them. @return empty where the report has nothing for it
 std::string DrawPlot(const Report& report, ReportPlot plot);

@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -31,6 +32,9 @@ CQualityWnd::CQualityWnd(QWidget* parent) : QDockWidget("Calibration Quality", p
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     layout->setSpacing(6);
+    m_verified = addLabel(*layout, "verified");
+    m_back = new QPushButton("Back to the Calibration", content);
+    layout->addWidget(m_back);
     m_outOfDate = addLabel(*layout, "outOfDate");
     m_headline = addLabel(*layout, "headline");
     QFont large = m_headline->font();
@@ -57,6 +61,7 @@ CQualityWnd::CQualityWnd(QWidget* parent) : QDockWidget("Calibration Quality", p
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->setWidget(content);
     setWidget(scroll);
+    connect(m_back, &QPushButton::clicked, this, &CQualityWnd::backWanted);
     connect(m_cells, &PatchCells::pointed, this, [this](int index) {
         ShowPatch(index);
         emit patchPointed(index);
@@ -82,6 +87,19 @@ void CQualityWnd::ShowReport(const Report& report) {
     ShowPatch(m_cells->GetPointed());
     ShowPlot();
     SetOutOfDate({});
+    SetVerified({});
+}
+
+void CQualityWnd::ShowVerification(const Report& report, const QString& fileName) {
+    ShowReport(report);
+    SetVerified(fileName);
+}
+
+void CQualityWnd::SetVerified(const QString& fileName) {
+    m_verified->setText(
+        QString("<b>Verification</b> of the present calibration on<br><b>%1</b>").arg(fileName.toHtmlEscaped()));
+    m_verified->setVisible(!fileName.isEmpty());
+    m_back->setVisible(!fileName.isEmpty());
 }
 
 void CQualityWnd::ShowPicture(const QString& summary, const std::vector<Finding>& findings) {
@@ -101,6 +119,7 @@ void CQualityWnd::Clear() {
           static_cast<QWidget*>(m_patch), static_cast<QWidget*>(m_plotChoice), static_cast<QWidget*>(m_plot)}) {
         part->hide();
     }
+    SetVerified({});
     SetOutOfDate({});
 }
 

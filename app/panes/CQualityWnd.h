@@ -10,6 +10,7 @@ class PatchCells;
 class PlotView;
 class QComboBox;
 class QLabel;
+class QPushButton;
 
 /// The pane "Calibration Quality": what a user gets, patch by patch, and what speaks against it. Main thread only.
 class CQualityWnd : public QDockWidget {
@@ -19,6 +20,8 @@ public:
 
     /// Shows the figures of a calibration; they count as up to date.
     void ShowReport(const Report& report);
+    /// Shows what a calibration delivers on another picture, with a way back.
+    void ShowVerification(const Report& report, const QString& fileName);
     /// Shows what the picture of a chart tells before a calibration.
     /// @param summary a line such as how many patches were found
     void ShowPicture(const QString& summary, const std::vector<Finding>& findings);
@@ -31,13 +34,17 @@ public:
 signals:
     /// The user points at a patch, by its index in chart order; -1: at none.
     void patchPointed(int index);
+    void backWanted();  ///< from a verification
 
 private:
+    void SetVerified(const QString& fileName);  ///< empty: what is shown is the calibration
     void ShowPlot();
     void ShowPatch(int index);
 
     Report m_report;
     bool m_hasReport = false;
+    QLabel* m_verified;
+    QPushButton* m_back;
     QLabel* m_headline;
     QLabel* m_caption;
     QLabel* m_figures;

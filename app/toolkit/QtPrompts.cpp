@@ -25,6 +25,26 @@ void makeRoom(QFileDialog& dialog) {
     list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
 }
 
+/// "html" of "Reports (*.html)".
+QString extensionOf(const QString& filter) { return filter.section("*.", -1).chopped(1); }
+
+// A name that bears the extension of one kind of file gets that of the other.
+void followKind(QFileDialog& dialog, const QStringList& filters) {
+    const auto follow = [&dialog, filters](const QString& chosen) {
+        const QString extension = extensionOf(chosen);
+        dialog.setDefaultSuffix(extension);
+        const QString name = dialog.selectedFiles().isEmpty() ? QString() : dialog.selectedFiles().constFirst();
+        for (const QString& filter : filters) {
+            const QString other = "." + extensionOf(filter);
+            if (filter != chosen && name.endsWith(other)) {
+                dialog.selectFile(name.section('/', -1).chopped(other.size()) + "." + extension);
+            }
+        }
+    };
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
+    follow(dialog.selectedNameFilter());
+}
+
 std::optional<FileChoice> runFileDialog(QFileDialog& dialog, const FileRequest& request) {
     makeRoom(dialog);
     if (!request.title.isEmpty()) dialog.setWindowTitle(request.title);
@@ -36,6 +56,7 @@ std::optional<FileChoice> runFileDialog(QFileDialog& dialog, const FileRequest& 
     const DialogStart start = ParseStartPath(request.startPath);
     if (!start.directory.isEmpty()) dialog.setDirectory(start.directory);
     if (!start.fileName.isEmpty()) dialog.selectFile(start.fileName);
+    if (!request.defaultExtension.isEmpty() && filters.size() > 1) followKind(dialog, filters);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
     return FileChoice{dialog.selectedFiles().constFirst(),
                       static_cast<int>(filters.indexOf(dialog.selectedNameFilter())) + 1};

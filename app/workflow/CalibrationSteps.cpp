@@ -4,7 +4,10 @@
 #include "app/StringTable.h"
 #include "app/toolkit/Prompts.h"
 #include "app/workflow/StatusTexts.h"
+#include "calibration/fit_transform.h"
 #include "calibration/illuminants.h"
+#include "quality/fit_quality.h"
+#include "report/calibration_report.h"
 
 namespace {
 
@@ -76,9 +79,20 @@ QString CalibrationSteps::WhyChartIsIncomplete() const {
 
 bool CalibrationSteps::CalibrateForSaving() {
     PushColorsToEngine();
-    if (m_work.engine.Calibrate()) return true;
-    m_work.news.LogLastError(LogError);
-    return false;
+    if (!m_work.engine.Calibrate()) {
+        m_work.news.LogLastError(LogError);
+        return false;
+    }
+    NoteFit();
+    return true;
+}
+
+void CalibrationSteps::NoteFit() {
+    const CTivTonewrightDC& engine = m_work.engine;
+    m_work.fit = LastFit{.targets = ToXyz(GetTargets(engine)),
+                         .isAbsolute = engine.GetCalibrationMode() == kAbsolute,
+                         .transform = Checksum(*engine.GetTransform()),
+                         .settings = ReportSettings(engine, false)};
 }
 
 void CalibrationSteps::OnCalibratePreview() {
@@ -111,6 +125,7 @@ void CalibrationSteps::OnCalibratePreview() {
 bool CalibrationSteps::CalibrateAndExecute() {
     PushColorsToEngine();
     if (!m_work.engine.Calibrate()) return false;
+    NoteFit();
     CTivImage& raw = m_work.raw.Image();
     CTivImage& preview = m_work.calibrated.Image();
     raw.SetRoi({});

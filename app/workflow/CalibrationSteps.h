@@ -18,6 +18,7 @@ public:
     void PushColorsToEngine();
     /// Fits the colors in force. @return false, told in the log
     bool CalibrateForSaving();
+    void NoteFit();  ///< the engine has calibrated
     void OnCalibratePreview();
     void RerunPreview();  ///< where one is active
     /// @return a clause that says where a chart was found in part only; empty where the colors don't come from one

@@ -1,5 +1,8 @@
 #include "app/workflow/FileSteps.h"
 
+#include <filesystem>
+
+#include "app/StringTable.h"
 #include "app/toolkit/Profile.h"
 #include "app/toolkit/Prompts.h"
 #include "app/workflow/StudioFiles.h"
@@ -19,8 +22,21 @@ bool FileSteps::LoadParameterFile(const QString& path) {
         m_work.news.LogLastError(LogError);
         return false;
     }
+    m_calibration.NoteFit();
     m_parameters.SyncControlsFromEngine();
+    NoteParameterFile(path);
     return true;
+}
+
+void FileSteps::NoteParameterFile(const QString& path) {
+    m_parameterFile = QString::fromStdString(std::filesystem::path(path.toStdString()).filename().string());
+    m_inFile = TakeInputs(m_work);
+}
+
+QString FileSteps::GetTitle() const {
+    if (m_parameterFile.isEmpty()) return kStudioTitle;
+    const bool isSaved = !HaveOtherParameters(m_inFile, TakeInputs(m_work));
+    return m_parameterFile + (isSaved ? " - " : "* - ") + kStudioTitle;
 }
 
 void FileSteps::OpenDroppedFile(const QString& path) {
@@ -62,6 +78,7 @@ void FileSteps::OnSaveParameters() {
         {GetProfile().ReadString(kParameterSection, kName, DefaultPath(m_work.baseDir, kParameters, "*.twkp")),
          kParameterFilters, 1, "twkp"});
     if (!choice || !m_work.engine.Save(choice->path.toStdString())) return;
+    NoteParameterFile(choice->path);
     GetProfile().WriteString(kParameterSection, kName, choice->path);
 }
 

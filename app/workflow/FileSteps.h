@@ -21,6 +21,10 @@ public:
     /// Takes the file that the program was started with: as a drop does, and coefficients as their command does.
     void OpenStartFile(const QString& path);
 
+    /// What the window is called: the program, and before it the parameter file that was loaded or saved last, with a
+    /// star where a save would write something else than it holds.
+    QString GetTitle() const;
+
     void OnLoadParameters();
     void OnSaveParameters();
     void OnLoadCoefficients();
@@ -28,9 +32,12 @@ public:
 
 private:
     void LoadCoefficientFile(const QString& path);
+    void NoteParameterFile(const QString& path);
 
     WorkflowContext& m_work;
     PictureSteps& m_pictures;
     CalibrationSteps& m_calibration;
     ParameterSteps& m_parameters;
+    QString m_parameterFile;     ///< its name without folders; empty: none is in play
+    CalibrationInputs m_inFile;  ///< what it holds
 };

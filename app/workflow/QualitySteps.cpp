@@ -1,22 +1,13 @@
 #include "app/workflow/QualitySteps.h"
 
-#include <QDateTime>
 #include <cmath>
-#include <string_view>
 
-#include "app/CommandIds.h"
 #include "app/StringTable.h"
-#include "app/toolkit/Profile.h"
-#include "app/toolkit/Prompts.h"
 #include "app/toolkit/WaitCursor.h"
 #include "app/workflow/StatusTexts.h"
-#include "app/workflow/StudioFiles.h"
 #include "calibration/fit_transform.h"
-#include "calibration/illuminants.h"
 #include "chart/ChartFinder.h"
 #include "chart/patch_colors.h"
-#include "foundation/SafeFile.h"
-#include "foundation/version.h"
 #include "quality/measured_chart.h"
 #include "report/calibration_report.h"
 
@@ -24,23 +15,6 @@ namespace {
 
 constexpr int kMomentMs = 150;
 constexpr int kRelative = 1;
-
-std::size_t checksum(const CTivVector& vector) {
-    if (!vector.IsAllocated()) return 0;
-    const auto bytes = CTivData::GetByteCount(vector.GetFormat(), static_cast<std::uint64_t>(vector.GetSize()));
-    return std::hash<std::string_view>()({static_cast<const char*>(vector.GetDataPointer()), bytes});
-}
-
-std::size_t checksum(const PictureView& view) {
-    std::size_t sum = 0;
-    if (!view.Detector()) return sum;
-    for (const PatchOverlay& area : view.Detector()->GetOverlay()) {
-        for (const int part : {area.x, area.y, area.width, area.height}) {
-            sum = sum * 31 + static_cast<std::size_t>(part);
-        }
-    }
-    return sum;
-}
 
 /// The greatest mean of a channel as a share of full scale.
 double brightest(const MeasuredChart& chart) {
@@ -53,7 +27,7 @@ double brightest(const MeasuredChart& chart) {
 }
 
 bool areLike(const CTivVector& one, const CTivVector& other) {
-    return one.GetSize() == other.GetSize() && one.GetFormat() == other.GetFormat() && checksum(one) == checksum(other);
+    return one.GetSize() == other.GetSize() && one.GetFormat() == other.GetFormat() && Checksum(one) == Checksum(other);
 }
 
 CTivVector colorsOf(const MeasuredChart& chart) { return ToPatchColors(chart.patches, chart.format).colors; }
@@ -67,7 +41,7 @@ QualitySteps::QualitySteps(WorkflowContext& work, PictureSteps& pictures, Calibr
     connect(&m_moment, &QTimer::timeout, this, [this] { CatchUp(); });
     connect(&work.news, &WorkflowNews::previewed, this, [this] {
         m_wasPreviewed = true;
-        m_judgedInputs = Now();
+        m_judgedInputs = TakeInputs(m_work);
         m_moment.start();
     });
     connect(&work.news, &WorkflowNews::detected, this, [this] { m_moment.start(); });
@@ -84,49 +58,15 @@ void QualitySteps::CatchUp() {
     CheckInputs();
 }
 
-QualitySteps::Inputs QualitySteps::Now() const {
-    const CTivTonewrightDC& engine = m_work.engine;
-    Inputs now;
-    now.pictures = m_work.pictures;
-    now.mode = engine.GetCalibrationMode();
-    now.illuminant = now.mode == kRelative ? 0 : engine.GetIlluminant();
-    now.terms = engine.GetXformSize();
-    if (engine.GetTransform()) now.transform = checksum(*engine.GetTransform());
-    now.gamma = engine.GetGamma();
-    now.saturationMode = engine.GetSaturationMode();
-    constexpr int kManual = 1;
-    if (now.saturationMode == kManual) now.saturation = engine.GetSaturationRgb().AsRgb();
-    now.manualColors = m_work.manualColors;
-    const bool isRelative = now.mode == kRelative;
-    if (now.manualColors) {
-        now.colors = checksum(m_work.lists.GetRawColors());
-        if (isRelative) now.colors = now.colors * 31 + checksum(m_work.lists.GetReferenceColors());
-    } else {
-        now.colors = checksum(m_work.raw);
-        if (isRelative) now.colors = now.colors * 31 + checksum(m_work.reference);
-    }
-    if (!isRelative && now.illuminant == kUserIlluminant) now.values = checksum(m_work.values.GetSpectrumValues());
-    return now;
-}
-
-QString QualitySteps::WhatDiffers(const Inputs& before, const Inputs& now) {
-    if (before.pictures != now.pictures) return "another picture came";
-    if (before.mode != now.mode) return "the calibration mode was changed";
-    if (before.illuminant != now.illuminant) return "the illuminant was changed";
-    if (before.terms != now.terms) return "the number of terms was changed";
-    if (before.gamma != now.gamma) return "gamma was changed";
-    if (before.saturationMode != now.saturationMode || before.saturation != now.saturation) {
-        return "the saturation was changed";
-    }
-    if (before.manualColors != now.manualColors || before.colors != now.colors) return "the colors were changed";
-    if (before.values != now.values) return "the user's values were changed";
-    if (before.transform != now.transform) return "other coefficients were loaded";
-    return {};
+void QualitySteps::TellAgain() {
+    if (!m_report) return TellPicture();
+    emit judged(*m_report);
+    if (!m_outOfDate.isEmpty()) emit outOfDate(m_outOfDate);
 }
 
 void QualitySteps::CheckInputs() {
     if (!m_report || m_wasPreviewed) return;
-    const QString reason = WhatDiffers(m_judgedInputs, Now());
+    const QString reason = WhatDiffers(m_judgedInputs, TakeInputs(m_work));
     if (reason == m_outOfDate) return;
     m_outOfDate = reason;
     emit outOfDate(reason);
@@ -156,7 +96,7 @@ void QualitySteps::Judge() {
     const CTivTonewrightDC& engine = m_work.engine;
     if (!engine.GetTransform() || !engine.GetRawColors()) return;
     // Coefficients that were loaded since are not what was previewed.
-    if (checksum(*engine.GetTransform()) != m_judgedInputs.transform) return;
+    if (Checksum(*engine.GetTransform()) != m_judgedInputs.transform) return;
     MeasuredChart chart = Measure();
     // Other colors than the engine's say nothing of its calibration.
     if (!areLike(colorsOf(chart), *engine.GetRawColors())) chart = {};
@@ -219,30 +159,4 @@ void QualitySteps::OnFindChart() {
                         .arg(std::lround(found.rotation))
                         .arg(found.mirrored ? ", mirrored" : ""),
                     LogInformation);
-}
-
-void QualitySteps::OnSaveReport() {
-    CatchUp();
-    if (!m_report) return;
-    const auto choice =
-        GetPrompts().SaveFile({GetProfile().ReadString("ReportFile", studio_files::kSaveName, "report.html"),
-                               "Reports (*.html)|*.html||", 1, "html"});
-    if (!choice) return;
-    Report report = *m_report;
-    report.title = "Calibration report";
-    if (!m_outOfDate.isEmpty()) {
-        report.subtitle = ("Out of date when it was saved: " + m_outOfDate + ".").toStdString();
-    }
-    const CTivImage picture = ReportPicture(m_work.raw.Image());
-    if (m_judgedInputs.pictures == m_work.pictures) report.picture = &picture;
-    report.settings.push_back({"Date", QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm").toStdString()});
-    report.settings.push_back({"Made by", std::string("Tonewright Studio ") + GetTonewrightVersion()});
-    SafeOutputFile file(choice->path.toStdString());
-    if (file.IsOpen()) file.Stream() << HtmlReport(report);
-    if (!file.IsOpen() || !file.Commit()) {
-        m_work.news.Log("Save Report: cannot write " + choice->path, LogError);
-        return;
-    }
-    GetProfile().WriteString("ReportFile", studio_files::kSaveName, choice->path);
-    m_work.news.Log("Report saved to " + choice->path, LogInformation);
 }

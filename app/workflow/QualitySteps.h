@@ -23,13 +23,16 @@ public:
     const std::optional<Report>& GetReport() const { return m_report; }
     const QString& WhyOutOfDate() const { return m_outOfDate; }
 
+    /// Whether the raw viewer still shows the picture of the report.
+    bool IsPictureStillThere() const { return m_judgedInputs.pictures == m_work.pictures; }
+
+    void TellAgain();  ///< what was told last
     /// Does now what waits for its moment.
     void CatchUp();
     /// Holds what the last preview was made from against what is in force now. Called whenever a command has run.
     void CheckInputs();
 
     void OnFindChart();
-    void OnSaveReport();
 
 signals:
     void judged(const Report& report);
@@ -38,17 +41,6 @@ signals:
     void outOfDate(const QString& reason);  ///< empty: the figures are those of what is in force
 
 private:
-    /// What a preview is made from.
-    struct Inputs {
-        int pictures = 0, mode = 0, illuminant = 0, terms = 0, saturationMode = 0;
-        float gamma = 0;
-        std::uint32_t saturation = 0;
-        bool manualColors = false;
-        std::size_t colors = 0, values = 0, transform = 0;  ///< checksums
-    };
-
-    Inputs Now() const;
-    static QString WhatDiffers(const Inputs& before, const Inputs& now);
     void Judge();
     void TellPicture();
     MeasuredChart Measure() const;
@@ -62,7 +54,7 @@ private:
     bool m_wasPreviewed = false;  ///< since the last judgement
     std::optional<Report> m_report;
     QString m_outOfDate;
-    Inputs m_judgedInputs;
+    CalibrationInputs m_judgedInputs;
     FoundChart m_found;        ///< what filled the list of raw colors
     int m_foundInPicture = 0;  ///< the number of that picture
 };

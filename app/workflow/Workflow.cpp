@@ -13,6 +13,8 @@ StudioState Workflow::GetStudioState() const {
             .rawSelected = m_work.raw.IsSelected() != 0,
             .refSelected = m_work.reference.IsSelected() != 0,
             .calibSelected = m_work.calibrated.IsSelected() != 0,
+            .hasReport = m_report.HasReport(),
+            .canVerify = m_verify.CanVerify(),
             .canUndo = m_undo.CanUndo(),
             .canRedo = m_undo.CanRedo()};
 }

@@ -9,7 +9,9 @@
 #include "app/workflow/ParameterSteps.h"
 #include "app/workflow/PictureSteps.h"
 #include "app/workflow/QualitySteps.h"
+#include "app/workflow/ReportSteps.h"
 #include "app/workflow/UndoSteps.h"
+#include "app/workflow/VerifySteps.h"
 #include "app/workflow/WorkflowContext.h"
 
 /// The work behind the commands, without a window: every step of loading, calibrating, setting parameters and talking
@@ -27,13 +29,15 @@ public:
           m_files(m_work, m_pictures, m_calibration, m_parameters),
           m_devices(m_work, m_pictures, m_calibration),
           m_quality(m_work, m_pictures, m_calibration),
+          m_verify(m_work),
+          m_report(m_work, m_quality, m_verify),
           m_undo(m_work, m_calibration, m_parameters) {}
 
     /// The steps of one kind: Get<PictureSteps>(), ...
     template <class Steps>
     Steps& Get() {
-        return std::get<Steps&>(
-            std::tie(m_pictures, m_calibration, m_parameters, m_files, m_devices, m_quality, m_undo));
+        return std::get<Steps&>(std::tie(m_pictures, m_calibration, m_parameters, m_files, m_devices, m_quality,
+                                         m_verify, m_report, m_undo));
     }
 
     const WorkflowParts& Parts() const { return m_work; }
@@ -50,5 +54,7 @@ private:
     FileSteps m_files;
     DeviceSteps m_devices;
     QualitySteps m_quality;
+    VerifySteps m_verify;
+    ReportSteps m_report;
     UndoSteps m_undo;
 };

@@ -74,20 +74,23 @@ TEST_F(QualityStepsTest, LoadedCoefficientsAreNotTakenForThePreviewed) {
 }
 
 TEST_F(QualityStepsTest, ReportIsSavedAndAFailureIsTold) {
-    Quality().OnSaveReport();  // nothing to save yet: asks nothing
+    workflow->Get<ReportSteps>().OnSaveReport();  // nothing to save yet: asks nothing
     LoadChart();
     Calibration().OnCalibratePreview();  // judged only when the report is asked for
     prompts.path = folder.filePath("none/report.html");
-    Quality().OnSaveReport();
+    workflow->Get<ReportSteps>().OnSaveReport();
     ASSERT_FALSE(log.empty());
     EXPECT_EQ(log.back().type, LogError);
     prompts.path = folder.filePath("report.html");
-    Quality().OnSaveReport();
+    workflow->Get<ReportSteps>().OnSaveReport();
     QFile file(prompts.path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray page = file.readAll();
     EXPECT_TRUE(page.contains("data:image/png"));
     EXPECT_TRUE(page.contains("18 Cyan"));
+    prompts.path = folder.filePath("report.PDF");
+    workflow->Get<ReportSteps>().OnSaveReport();
+    EXPECT_EQ(Read("report.PDF"), "%PDF");
 }
 
 TEST_F(QualityStepsTest, FindingAChartFillsTheListOrSaysWhyNot) {

@@ -177,15 +177,17 @@ protected:
         for (const int id : {ID_SLD_SATURATION_R, ID_SLD_SATURATION_G, ID_SLD_SATURATION_B}) {
             controls.SetSliderValue(id, 255);
         }
-        workflow = std::make_unique<Workflow>(WorkflowParts{.engine = GetEngine(),
-                                                            .session = &session,
-                                                            .raw = raw,
-                                                            .reference = reference,
-                                                            .calibrated = calibrated,
-                                                            .lists = lists,
-                                                            .values = values,
-                                                            .controls = controls,
-                                                            .baseDir = folder.path()});
+        workflow =
+            std::make_unique<Workflow>(WorkflowParts{.engine = GetEngine(),
+                                                     .session = &session,
+                                                     .raw = raw,
+                                                     .reference = reference,
+                                                     .calibrated = calibrated,
+                                                     .lists = lists,
+                                                     .values = values,
+                                                     .controls = controls,
+                                                     .makePdf = [](const Report&) { return std::string("%PDF"); },
+                                                     .baseDir = folder.path()});
         const WorkflowNews& news = workflow->News();
         QObject::connect(&news, &WorkflowNews::message, [this](const QString& text, int type) {
             log.push_back({text.toStdString(), type});

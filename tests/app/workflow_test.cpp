@@ -322,4 +322,55 @@ TEST_F(WorkflowSteps, TheFileOfTheStartOpensAsADropDoesAndCoefficientsAsTheirCom
     EXPECT_EQ(log.back(), (LogRow{"File signature not recognized.", LogWarning}));
 }
 
+// Nobody asks when the window closes, so it shows what would be lost.
+TEST_F(WorkflowSteps, TheTitleNamesTheParameterFileAndWhatIsNotInIt) {
+    const auto title = [this] { return Files().GetTitle().toStdString(); };
+    EXPECT_EQ(title(), "Zelvan Tonewright");
+    EditGamma("50");
+    EXPECT_EQ(title(), "Zelvan Tonewright") << "no file is in play";
+    LoadChart();
+    prompts.path = Path("camera 1.twkp");
+    Files().OnSaveParameters();
+    EXPECT_EQ(title(), "camera 1.twkp - Zelvan Tonewright");
+    EditGamma("60");
+    EXPECT_EQ(title(), "camera 1.twkp* - Zelvan Tonewright");
+    EditGamma("50");
+    EXPECT_EQ(title(), "camera 1.twkp - Zelvan Tonewright") << "and back";
+    EditGamma("60");
+    prompts.path.clear();
+    Files().OnSaveParameters();  // cancelled
+    prompts.path = Path("no folder/b.twkp");
+    Files().OnSaveParameters();  // fails, without a word
+    EXPECT_EQ(title(), "camera 1.twkp* - Zelvan Tonewright");
+    prompts.path = Path("b.twkp");
+    Files().OnSaveParameters();
+    EXPECT_EQ(title(), "b.twkp - Zelvan Tonewright");
+    Calibration().OnCalibratePreview();
+    EXPECT_EQ(title(), "b.twkp - Zelvan Tonewright") << "a fit changes no parameter";
+    LoadChart(30);
+    EXPECT_EQ(title(), "b.twkp* - Zelvan Tonewright") << "a save would take its colors";
+
+    Files().OpenDroppedFile(Path("camera 1.twkp"));
+    EXPECT_EQ(title(), "camera 1.twkp - Zelvan Tonewright");
+    prompts.yes = true;
+    Parameters().OnResetParameters();
+    EXPECT_EQ(title(), "camera 1.twkp* - Zelvan Tonewright");
+    Write("broken.twkp", "no parameters");
+    Files().OpenDroppedFile(Path("broken.twkp"));
+    EXPECT_EQ(title(), "camera 1.twkp* - Zelvan Tonewright");
+}
+
+// The colors that a file brought are the same whether they stand in the list or not.
+TEST_F(WorkflowSteps, ColorsOfAFileInTheListsAreNoChange) {
+    LoadChart();
+    prompts.path = Path("a.twkp");
+    Files().OnSaveParameters();
+    Begin();
+    ASSERT_TRUE(Files().LoadParameterFile(Path("a.twkp")));
+    Calibration().OnColorsManual();
+    EXPECT_EQ(Files().GetTitle().toStdString(), "a.twkp - Zelvan Tonewright");
+    Calibration().OnRemoveLastColor();
+    EXPECT_EQ(Files().GetTitle().toStdString(), "a.twkp* - Zelvan Tonewright");
+}
+
 }  // namespace
