@@ -146,12 +146,14 @@ void QualitySteps::OnFindChart() {
     const CTivVector colors = colorsOf(chart);
     m_work.values.SetMatrixSize(chart.chart.Width, chart.chart.Height);
     m_calibration.OnColorsManual();
+    RawColorLists lists = m_work.lists.Lists();
+    RawColorSide& side = isRaw ? lists.raw : lists.reference;
+    side.Clear();  // a calibration takes the colors of one chart
+    side.Fill(colors);
+    m_work.lists.Restore(lists);
     if (isRaw) {
-        m_work.lists.FillRawColors(colors);
         m_found = found;
         m_foundInPicture = m_work.pictures;
-    } else {
-        m_work.lists.FillReferenceColors(colors);
     }
     view->ShowOutlines(OutlineFound(found));
     m_work.news.SetStatus(string_id::kRoi, status_texts::Roi(view->GetRoi()));  // a square to pick with by now

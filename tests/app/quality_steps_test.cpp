@@ -106,6 +106,12 @@ TEST_F(QualityStepsTest, FindingAChartFillsTheListOrSaysWhyNot) {
     ASSERT_TRUE(Quality().GetReport());
     EXPECT_FALSE(Quality().GetReport()->patches[0].outline.empty());
 
+    lists.AddColor();
+    lists.lists.reference.Add({0x123456, 1, 2});
+    Quality().OnFindChart();
+    EXPECT_EQ(lists.GetRawColors().GetSize(), 24) << "in the place of what was there";
+    EXPECT_EQ(lists.GetReferenceColors().GetSize(), 1);
+
     raw.image.Clear();  // a black picture
     Quality().OnFindChart();
     EXPECT_EQ(log.back().type, LogWarning);
