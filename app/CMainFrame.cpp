@@ -97,6 +97,7 @@ bool CMainFrame::OnCreate() {
     CreateRibbon();
     m_rawViewer = std::make_unique<CAutoROIImageViewer>(this);
     m_rawViewer->setObjectName("Raw Image");
+    m_rawViewer->setAccessibleName("Raw Image");
     m_rawViewer->setProperty("controlId", kRawViewerControl);
     m_rawViewer->SetComm(this);
     m_rawViewer->SetHost(this);

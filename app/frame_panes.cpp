@@ -29,6 +29,7 @@ void setUp(QDockWidget& pane, int id, const QString& title, Qt::DockWidgetAreas 
 
 void setUp(CImageViewerCtrl& viewer, int id, const QString& title, CMainFrame& frame) {
     viewer.setObjectName(title);
+    viewer.setAccessibleName(title);
     viewer.setProperty("controlId", id);
     viewer.SetComm(&frame);
     viewer.SetHost(&frame);

@@ -10,7 +10,8 @@ case "${1:-}" in
   package) packages+=("${python[@]}" dpkg-dev file gzip lintian desktop-file-utils appstream) ;;
   docs) packages=(doxygen) ;;
   ci) packages+=(libgtest-dev libgmock-dev aravis-tools "${python[@]}" python3-pytest git ccache clang-format clang-tidy-14 clang-14 libclang-rt-14-dev
-                 libomp-14-dev zlib1g-dev libbenchmark-dev) ;;
+                 libomp-14-dev zlib1g-dev libbenchmark-dev
+                 xvfb openbox xdotool imagemagick dbus at-spi2-core python3-gi gir1.2-atspi-2.0) ;;
 esac
 missing=()
 for package in "${packages[@]}"; do

@@ -51,6 +51,7 @@ CLoggerWnd::CLoggerWnd(const Clock& clock, QWidget* parent)
       m_clock(clock),
       m_list(new NewestRowList(0, ColumnCount, this)),
       m_icons{QIcon(":/icons/log-error.svg"), QIcon(":/icons/log-warning.svg"), QIcon(":/icons/log-information.svg")} {
+    m_list->setAccessibleName("Logs");
     m_list->setHorizontalHeaderLabels({"Type", "Time", "Message"});
     m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -28,6 +28,8 @@ CRawColorWnd::CRawColorWnd(QWidget* parent) : QDockWidget("Raw Color List", pare
     auto* content = new QWidget(this);
     m_rawList = new CRawColorListCtrl(m_lists.raw, content);
     m_referenceList = new CRawColorListCtrl(m_lists.reference, content);
+    m_rawList->setAccessibleName("Raw colors");
+    m_referenceList->setAccessibleName("Reference colors");
     auto* sides = new QHBoxLayout;
     sides->addLayout(captioned(" Raw colors", m_rawList), 1);
     sides->addLayout(captioned(" Reference colors", m_referenceList), 1);

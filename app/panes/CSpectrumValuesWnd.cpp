@@ -73,6 +73,8 @@ CSpectrumValuesWnd::CSpectrumValuesWnd(QWidget* parent) : QDockWidget("User Valu
     layout->setSpacing(4);
     m_illuminantList = new CIlluminantValue(content);
     m_spectrumList = new CSpectrumValuesListCtrl(content);
+    m_illuminantList->setAccessibleName("Illuminant Value");
+    m_spectrumList->setAccessibleName("Spectrum Values");
     layout->addWidget(new QLabel("Illuminant Value"));
     layout->addWidget(m_illuminantList);
     layout->addWidget(new QLabel("Spectrum Values"));
