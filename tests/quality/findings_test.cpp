@@ -171,6 +171,10 @@ TEST(Findings, TellWhatWasMeasured) {
     MeasuredChart clipped = cleanChart();
     for (const std::size_t i : {0u, 4u, 22u}) clipped.patches[i].clipped = 1;
     EXPECT_THAT(FindClipped(clipped)->text, testing::StartsWith("Patches 1, 5 and 23 are at full scale"));
+    for (const std::size_t i : {1u, 6u, 7u, 8u, 23u}) clipped.patches[i].clipped = 1;
+    EXPECT_THAT(FindClipped(clipped)->text, testing::StartsWith("Patches 1, 2, 5, 7 to 9, 23 and 24 are at full"));
+    for (auto& patch : clipped.patches) patch.clipped = 1;
+    EXPECT_THAT(FindClipped(clipped)->text, testing::StartsWith("Patches 1 to 24 are at full scale"));
 }
 
 TEST(Findings, WithoutTargetsOrPatchesNothingIsGuessed) {
