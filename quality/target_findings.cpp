@@ -118,6 +118,7 @@ bool isLinear(double exponent) { return exponent >= kLinearFrom && exponent <= k
 
 // ---- how a chart may lie ----
 
+/// The eight ways. A grid of 6 x 4 patches can lie in the first four, one of 4 x 6 in the others.
 struct Order {
     const char* name;
     int width, height;                  // of the grid in which the chart lies so
@@ -125,6 +126,7 @@ struct Order {
 };
 
 constexpr Order kOrders[] = {
+    {"lies upright, with its white patch at the lower left", 6, 4, [](int r, int c) { return 6 * r + c; }},
     {"lies the other way round (turned by 180 degrees)", 6, 4, [](int r, int c) { return 6 * (3 - r) + 5 - c; }},
     {"is mirrored, with its rows reversed", 6, 4, [](int r, int c) { return 6 * (3 - r) + c; }},
     {"is mirrored, with its columns reversed", 6, 4, [](int r, int c) { return 6 * r + 5 - c; }},
@@ -133,6 +135,33 @@ constexpr Order kOrders[] = {
     {"is mirrored and turned by 90 degrees clockwise", 4, 6, [](int r, int c) { return 4 * (5 - c) + 3 - r; }},
     {"is mirrored and turned by 90 degrees counterclockwise", 4, 6, [](int r, int c) { return 4 * c + r; }},
 };
+
+/// Which way a row and a column of the chart run: left, right, up or down, each by its first letter.
+/// @param at the place of the patch in a row and a column, x to the right and y down
+template <class At>
+std::pair<char, char> waysOf(At at) {
+    const std::array<double, 2> first = at(0, 0);
+    const auto way = [&](const std::array<double, 2>& to) {
+        const double x = to[0] - first[0], y = to[1] - first[1];
+        return std::abs(x) > std::abs(y) ? (x < 0 ? 'l' : 'r') : (y < 0 ? 'u' : 'd');
+    };
+    return {way(at(0, 5)), way(at(3, 0))};
+}
+
+/// An order is one of the patches as they were taken, which may have reversed them already. How the chart lies in the
+/// picture is what their places there tell.
+const char* nameInPicture(const MeasuredChart& chart, const Order& order) {
+    const auto ways =
+        waysOf([&](int row, int column) { return chart.places[static_cast<std::size_t>(order.place(row, column))]; });
+    for (const Order& lie : kOrders) {
+        const auto inGrid = [&](int row, int column) {
+            const int place = lie.place(row, column);
+            return std::array<double, 2>{1.0 * (place % lie.width), 1.0 * (place / lie.width)};
+        };
+        if (waysOf(inGrid) == ways) return lie.name;
+    }
+    return order.name;
+}
 
 /// How badly a linear transform explains the targets by colors: the root of the share of their squares that is left.
 /// @param place where in `colors` each target's patch is
@@ -258,7 +287,9 @@ std::optional<Finding> FindUneven(const MeasuredChart& chart) {
 }
 
 std::optional<Finding> FindMisread(const MeasuredChart& chart) {
-    if (!hasTargets(chart) || chart.targets.size() != kOrderedPatches) return std::nullopt;
+    if (!hasTargets(chart) || chart.targets.size() != kOrderedPatches || chart.places.size() != kOrderedPatches) {
+        return std::nullopt;
+    }
     // The tone curve is not known before the order is, so that a linear and a coded reading are both tried.
     const std::vector<std::array<double, 3>> readings[] = {linearised(chart, {}), linearised(chart, {0.45, {}})};
     // The brightest patch has decided the order. If it is not the white one it is a glare, and no patch at all.
@@ -284,8 +315,8 @@ std::optional<Finding> FindMisread(const MeasuredChart& chart) {
     return Finding{
         "orientation",
         Severity::Warning,
-        std::string("The patches fit their reference colors clearly better if the chart ") + better->name +
-            " (an error of " + Percent(least) + " instead of " + Percent(taken) +
+        std::string("The patches fit their reference colors clearly better if the chart ") +
+            nameInPicture(chart, *better) + " (an error of " + Percent(least) + " instead of " + Percent(taken) +
             "): turn or mirror the picture, or leave out of the rectangle what is brighter than the white patch.",
         {}};
 }

@@ -168,6 +168,17 @@ TEST(Findings, TellWhatWasMeasured) {
     MeasuredChart turned = cleanChart();
     reorder(turned, [](int i) { return 23 - i; });
     EXPECT_THAT(FindMisread(turned)->text, testing::HasSubstr("turned by 180 degrees"));
+    const auto rowsReversed = [](int i) { return 6 * (3 - i / 6) + i % 6; };
+    MeasuredChart glare = cleanChart();
+    for (auto& mean : glare.patches[0].mean) mean = 0.98 * fullScale(glare);
+    reorder(glare, rowsReversed);
+    for (int row : {0, 1}) {  // the chart itself is upright
+        for (int i = 6 * row; i < 6 * row + 6; ++i) {
+            std::swap(glare.places[static_cast<std::size_t>(i)],
+                      glare.places[static_cast<std::size_t>(rowsReversed(i))]);
+        }
+    }
+    EXPECT_THAT(FindMisread(glare)->text, testing::HasSubstr("if the chart lies upright, with its white patch at the"));
     MeasuredChart clipped = cleanChart();
     for (const std::size_t i : {0u, 4u, 22u}) clipped.patches[i].clipped = 1;
     EXPECT_THAT(FindClipped(clipped)->text, testing::StartsWith("Patches 1, 5 and 23 are at full scale"));
