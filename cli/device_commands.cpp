@@ -65,7 +65,7 @@ Json describe(const CTonewrightAcq& session, const std::string& device, const Tr
 Outcome send(const TransferOptions& options) {
     ReadWholeCoefficients(options.file);
     CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
-    const std::string device = Connect(session, options.choice);
+    const std::string device = ConnectSession(session, options.choice);
     std::optional<SentCoefficients> sent;
     Require(
         [&] {
@@ -81,7 +81,7 @@ Outcome send(const TransferOptions& options) {
 
 Outcome receive(const TransferOptions& options) {
     CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
-    const std::string device = Connect(session, options.choice);
+    const std::string device = ConnectSession(session, options.choice);
     const auto outputs = std::make_shared<OutputSet>();
     outputs->Add(options.file, [&](const std::string& name) {
         Require([&] { return session.TransferFile(name.c_str(), false); }, device, "cannot be read");
@@ -108,7 +108,7 @@ void addDevices(CLI::App& tool, Work& work) {
     command->callback([options, &work] {
         work = [options] {
             if (options->check.empty()) return listAll();
-            return BackendWords().Explain([&] { return check(*options); });
+            return BackendWords(Tell).Explain([&] { return check(*options); });
         };
     });
 }
@@ -130,7 +130,7 @@ void addTransfer(CLI::App& tool, Work& work, bool sends) {
     }
     command->callback([options, sends, &work] {
         work = [options, sends] {
-            return BackendWords().Explain([&] { return sends ? send(*options) : receive(*options); });
+            return BackendWords(Tell).Explain([&] { return sends ? send(*options) : receive(*options); });
         };
     });
 }

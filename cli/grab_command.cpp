@@ -1,10 +1,8 @@
 #include <CLI/CLI.hpp>
-#include <chrono>
-#include <condition_variable>
-#include <deque>
 #include <filesystem>
 #include <memory>
 
+#include "acquisition/FrameGrabber.h"
 #include "cli/arguments.h"
 #include "cli/devices.h"
 #include "cli/frame_mean.h"
@@ -15,7 +13,6 @@
 namespace {
 
 constexpr int kMostFrames = 100'000;
-constexpr std::chrono::milliseconds kFrameTime{1000};
 
 struct GrabOptions {
     DeviceChoice choice;
@@ -25,58 +22,6 @@ struct GrabOptions {
     int average = 1;
     std::string dark;
     std::string flat;
-};
-
-/// Frames on their way from the session's thread to the main one.
-class FrameBox {
-public:
-    CTonewrightAcq* session = nullptr;
-
-    static void Receive(void* context, int bufferIndex) {
-        auto& self = *static_cast<FrameBox*>(context);
-        const std::scoped_lock held(self.lock_);
-        self.frames_.push_back(*self.session->GetImage(bufferIndex));  // empty where the memory is short
-        self.arrived_.notify_all();
-    }
-
-    /// @throw WorkFailure where none comes, or there was no memory for it
-    CTivImage Take(const std::string& device) {
-        std::unique_lock held(lock_);
-        if (!arrived_.wait_for(held, kFrameTime, [this] { return !frames_.empty(); })) {
-            throw WorkFailure(device + ": no frame came within " + std::to_string(kFrameTime.count()) + " ms");
-        }
-        CTivImage frame = std::move(frames_.front());
-        frames_.pop_front();
-        if (!frame.IsAllocated()) throw WorkFailure(device + ": not enough memory for a frame");
-        return frame;
-    }
-
-private:
-    std::mutex lock_;
-    std::condition_variable arrived_;
-    std::deque<CTivImage> frames_;
-};
-
-/// A device that frames come from.
-class Grabber {
-public:
-    explicit Grabber(const DeviceChoice& choice) : session_(FrameBox::Receive, &box_, nullptr) {
-        box_.session = &session_;
-        device_ = Connect(session_, choice);
-    }
-
-    const std::string& GetDevice() const { return device_; }
-    const char* GetKind() const { return GetDeviceWord(session_.GetDeviceKind()); }
-
-    CTivImage Grab() {
-        Require([&] { return session_.Snap(); }, device_, "cannot grab");
-        return box_.Take(device_);
-    }
-
-private:
-    FrameBox box_;  // outlives the session, whose thread fills it
-    CTonewrightAcq session_;
-    std::string device_;
 };
 
 /// "frame.bmp" becomes "frame-07.bmp" among 12 frames.
@@ -91,7 +36,7 @@ std::string numbered(const std::string& path, int number, int count) {
 }
 
 /// The mean of as many frames as are asked for, corrected.
-CTivImage takePicture(Grabber& grabber, const GrabOptions& options, const FrameCorrection& correction) {
+CTivImage takePicture(FrameGrabber& grabber, const GrabOptions& options, const FrameCorrection& correction) {
     if (options.average == 1 && correction.IsEmpty()) return grabber.Grab();
     FrameMean mean;
     for (int i = 0; i < options.average; ++i) {
@@ -109,7 +54,7 @@ Outcome grab(const GrabOptions& options) {
     FrameCorrection correction;
     if (!options.dark.empty()) correction.dark = LoadImage(options.dark);
     if (!options.flat.empty()) correction.flat = LoadImage(options.flat);
-    Grabber grabber(options.choice);
+    FrameGrabber grabber(options.choice);
     const auto outputs = std::make_shared<OutputSet>();
     CTivImage picture;
     for (int number = 1; number <= options.count; ++number) {
@@ -161,5 +106,5 @@ void AddGrabCommand(CLI::App& tool, Work& work) {
     command->add_option("--dark", options->dark, "A picture taken without light, to subtract")->type_name("FILE");
     command->add_option("--flat", options->flat, "A picture of an even surface, to divide by")->type_name("FILE");
     command->callback(
-        [options, &work] { work = [options] { return BackendWords().Explain([&] { return grab(*options); }); }; });
+        [options, &work] { work = [options] { return BackendWords(Tell).Explain([&] { return grab(*options); }); }; });
 }

@@ -151,6 +151,11 @@ py::object saturationOf(const HeldCalibration& held) {
     return py::tuple(ToColorArray(value).attr("ravel")().attr("tolist")());
 }
 
+const HeldCalibration& requireChart(const HeldCalibration& held) {
+    if (!held.chart) throw WorkFailure(held.name + ": a file has no figures; calibrate a picture of the chart");
+    return held;
+}
+
 std::string represent(const HeldCalibration& held) {
     return "<tonewright.Calibration of " + std::to_string(held.calibration.transform.GetSize() / 3) + " terms from " +
            held.name + ">";
@@ -178,14 +183,11 @@ void addCalibration(py::module_& module) {
             "illuminant", illuminantOf,
             "The word of the light on the chart; None against a reference, and where it is not known.")
         .def_property_readonly(
-            "chart", [](const HeldCalibration& held) { return held.chart; },
-            "The Chart that it was made from; None from a file.")
+            "chart", [](const HeldCalibration& held) { return *requireChart(held).chart; },
+            "The Chart that it was made from. Raises Error for one from a file, which has none.")
         .def_property_readonly(
-            "quality",
-            [](const HeldCalibration& held) {
-                return held.chart ? std::optional(held.calibration.quality) : std::nullopt;
-            },
-            "What it delivers, a Quality; None from a file.")
+            "quality", [](const HeldCalibration& held) { return requireChart(held).calibration.quality; },
+            "What it delivers, a Quality. Raises Error for one from a file.")
         .def_property_readonly(
             "findings", [](const HeldCalibration& held) { return held.calibration.findings; },
             "What speaks against picture and fit, a list of Finding; empty from a file.")

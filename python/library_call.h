@@ -23,10 +23,11 @@ private:
 };
 
 /// Runs the library's work beside Python's other threads. What it reports becomes a WorkFailure, the module's Error.
-template <class Call>
+/// @tparam Thread LibraryThread, or NurReportingThread where threads of the library's own report to the call, too
+template <class Thread = LibraryThread, class Call>
 auto Work(Call call) {
     const Unlocked unlocked;
-    const LibraryThread thread;
+    const Thread thread;
     try {
         return call();
     } catch (const char* text) {  // the fit throws plain text

@@ -1,10 +1,15 @@
+#include <pthread.h>
+
 #include "foundation/CTivManager.h"
 #include "foundation/version.h"
+#include "primitives/acceleration.h"
 #include "python/library_call.h"
 
 PYBIND11_MODULE(_tonewright, module) {
     CTivManager::Initialize();
     ListenToLibrary();
+    // The threading runtime's team stays behind in the parent of a fork; the child works without one.
+    pthread_atfork(nullptr, nullptr, [] { ctiv_SetNumThreads(1); });
 
     py::options options;
     options.disable_function_signatures();  // which would show C++; the stubs have them
@@ -14,4 +19,5 @@ PYBIND11_MODULE(_tonewright, module) {
     AddQuality(module);
     AddCharts(module);
     AddCalibrations(module);
+    AddDevices(module);
 }

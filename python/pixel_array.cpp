@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "imagefile/picture_file.h"
+#include "primitives/color_rows.h"
 
 namespace {
 
@@ -55,9 +56,15 @@ Word readWord(const char* at) {
     return word;
 }
 
-/// Colors of any strides to the library's pixels.
+/// Colors of any strides to the library's pixels; bytes without gaps by its own wide loops.
 template <class Word>
 void packRow(const char* source, py::ssize_t step, py::ssize_t channel, Word* __restrict pixels, int width) {
+    if constexpr (sizeof(Word) == 1) {
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(source);
+        const auto count = static_cast<std::size_t>(width);
+        if (step == kColors && channel == 1) return SpreadRgb(bytes, pixels, count);
+        if (step == kColors && channel == -1) return SpreadBgr(bytes - 2, pixels, count);
+    }
     for (int x = 0; x < width; ++x, source += step, pixels += kWords) {
         pixels[2] = readWord<Word>(source);
         pixels[1] = readWord<Word>(source + channel);
@@ -68,6 +75,12 @@ void packRow(const char* source, py::ssize_t step, py::ssize_t channel, Word* __
 
 template <class Word>
 void unpackRow(const Word* pixels, char* target, py::ssize_t step, py::ssize_t channel, int width) {
+    if constexpr (sizeof(Word) == 1) {
+        auto* const bytes = reinterpret_cast<std::uint8_t*>(target);
+        const auto count = static_cast<std::size_t>(width);
+        if (step == kColors && channel == 1) return PackRgb(pixels, bytes, count);
+        if (step == kColors && channel == -1) return PackBgr(pixels, bytes - 2, count);
+    }
     for (int x = 0; x < width; ++x, target += step, pixels += kWords) {
         std::memcpy(target, &pixels[2], sizeof(Word));
         std::memcpy(target + channel, &pixels[1], sizeof(Word));

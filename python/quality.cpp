@@ -81,6 +81,9 @@ void addQuality(py::module_& module) {
                                    "number of patches, L*a*b* is against D65.")
         .def_readonly("delivered", &CalibrationQuality::delivered,
                       "Of the raw colors as a corrected picture has them: the figure that comes first.")
+        .def_property_readonly(
+            "picture", [](const CalibrationQuality& quality) { return quality.picture.delivered; },
+            "Of what the corrected picture's own patches measure; noise and steps can set it apart from `delivered`.")
         .def_readonly("unseen", &CalibrationQuality::unseen, "Each patch by a fit of all the others.")
         .def_readonly("fitted", &CalibrationQuality::fitted, "Of the bare matrix, without limits and tables.")
         .def_readonly("before", &CalibrationQuality::before, "Of the raw colors, read as linear RGB.")

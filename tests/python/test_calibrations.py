@@ -107,7 +107,7 @@ def test_calibrations_equal_the_tools(tmp_path, monkeypatch, arguments, options)
     assert numpy.float32(made.gamma) == numpy.float32(document["gamma"])
     quality = document["quality"]
     assert both(made.quality.fitted) == {k: quality[k] for k in ("deltaE00", "deltaE76")}
-    for name in ("delivered", "unseen", "before"):
+    for name in ("delivered", "picture", "unseen", "before"):
         assert both(getattr(made.quality, name)) == quality[name], name
     assert [(c.terms, c.fitted, c.delivered, c.unseen) for c in made.quality.candidates] == [
         tuple(c.values()) for c in quality["candidates"]
@@ -155,10 +155,12 @@ def test_coefficients_serve_as_in_the_tool(tmp_path, calibration, sample):
     loaded = tonewright.load_coefficients(tmp_path / "c.ccor", gamma=0.5)
     numpy.testing.assert_array_equal(loaded.apply(sample), tonewright.load_image(tmp_path / "t.zvk"))
     assert loaded.transform.tobytes() == calibration.transform.tobytes()
-    assert (loaded.quality, loaded.chart, loaded.findings, loaded.illuminant) == (None, None, [], None)
+    assert (loaded.findings, loaded.illuminant) == ([], None)
     assert loaded.saturation == (255, 255, 255)
     loaded.export(tmp_path / "c.cube")
     for refused in (
+        lambda: loaded.quality,
+        lambda: loaded.chart,
         lambda: loaded.save_parameters(tmp_path / "c.twkp"),
         lambda: loaded.report(tmp_path / "c.html"),
         lambda: loaded.export(tmp_path / "c.ti3"),

@@ -1,0 +1,80 @@
+#include "acquisition/devices.h"
+
+#include <mutex>
+
+#include "acquisition/FrameGrabber.h"
+#include "python/pixel_array.h"
+
+namespace {
+
+/// A camera or frame grabber of the machine.
+struct FoundDevice {
+    std::string name;
+    const char* kind;
+};
+
+// The devices' layer is for one thread at a time. Taken without Python's lock.
+std::mutex deviceGate;
+
+/// Works with devices, and hands what they tell to Python's warnings.
+template <class Call>
+auto workOnDevices(Call call) {
+    std::mutex gate;
+    std::vector<std::string> lines;
+    // Not by a thread of its own: what the session's thread reports belongs to the call, too.
+    auto result = Work<NurReportingThread>([&] {
+        const std::scoped_lock held(deviceGate);
+        BackendWords words([&](const std::string& line) {
+            const std::scoped_lock keeping(gate);
+            lines.push_back(line);
+        });
+        return words.Explain(call);
+    });
+    const py::object warn = py::module_::import("warnings").attr("warn");
+    for (const std::string& line : lines) warn(line, py::handle(PyExc_RuntimeWarning), 2);
+    return result;
+}
+
+std::vector<FoundDevice> listDevices() {
+    return workOnDevices([] {
+        std::vector<FoundDevice> devices;
+        for (const std::string& name : ListDevices()) {
+            devices.push_back({name, GetDeviceWord(CTonewrightAcq::Classify(ZvnLocation(name.c_str())).deviceKind)});
+        }
+        return devices;
+    });
+}
+
+py::array grab(const std::optional<std::string>& device, const py::object& config) {
+    const DeviceChoice choice = {device.value_or(""), config.is_none() ? std::string() : ToPath(config)};
+    auto [frame, name] = workOnDevices([&] {
+        FrameGrabber grabber(choice);
+        CTivImage image = grabber.Grab();
+        return std::pair(std::move(image), grabber.GetDevice());
+    });
+    return ToArray(std::move(frame), name);
+}
+
+}  // namespace
+
+void AddDevices(py::module_& module) {
+    using namespace py::literals;
+    py::class_<FoundDevice>(module, "Device", "A camera or frame grabber of the machine.")
+        .def_readonly("name", &FoundDevice::name, "As grab takes it.")
+        .def_property_readonly(
+            "kind", [](const FoundDevice& device) { return device.kind; },
+            "\"frame grabber\", \"Camera Link camera\" or \"other\".")
+        .def("__repr__",
+             [](const FoundDevice& device) { return "<tonewright.Device " + device.name + ", " + device.kind + ">"; });
+    module.def("devices", listDevices,
+               R"(Lists the cameras and frame grabbers of the machine; looking takes about a second.
+
+Where ZVN_SIMULATION names a file, they are the simulated ones that it describes. Returns a list of Device.)");
+    module.def("grab", grab, "device"_a = py::none(), "config"_a = py::none(),
+               R"(Grabs a frame.
+
+device: the name of one of devices(); None is the first. config: a file of lines "feature = value", applied on opening.
+
+Returns an array as load_image does. What a device tells of its settings goes to warnings.warn. Raises Error where there
+is no such device, or no frame comes within a second.)");
+}
