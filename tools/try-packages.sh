@@ -33,12 +33,14 @@ grep -q 'TONEWRIGHT-CALIBRATE' "$tree/tmp/man.txt"
 within timeout 20 env QT_QPA_PLATFORM=offscreen HOME=/root tonewright-studio $samples/Tonewright/Images/chart.bmp && status=0 || status=$?
 [ $status -eq 124 ] || { echo "the Studio ended by itself with $status"; exit 1; }
 echo "the Studio ran until it was ended"
-if [ -e "$tree/usr/lib/python3/dist-packages/tonewright" ] || ls "$tree"/usr/lib/python3/dist-packages/tonewright* >/dev/null 2>&1; then
-  within python3 -c 'import tonewright; print("python:", tonewright.__version__)'
+if [ -e "$tree/usr/lib/python3/dist-packages/tonewright" ]; then
+  cp "$tree/$samples/Tonewright/Images/chart.bmp" "$tree/tmp/python.bmp"
+  within python3 /usr/share/doc/python3-tonewright/calibrate_from_python.py /tmp/python.bmp /tmp/python.bmp
+  within tonewright info /tmp/python.ccor /tmp/python.twkp /tmp/python.corrected.bmp >/dev/null
 fi
 
 within sh -c "apt-get purge -q -y \$(dpkg-query -W -f='\${Package} ' '*tonewright*') && apt-get autoremove -q -y --purge" >"$tree/purge.log" 2>&1
-rm -f "$tree"/tmp/*.deb "$tree"/tmp/chart.* "$tree"/tmp/corrected.bmp "$tree"/tmp/man.txt
+rm -f "$tree"/tmp/*.deb "$tree"/tmp/chart.* "$tree"/tmp/python.* "$tree"/tmp/corrected.bmp "$tree"/tmp/man.txt
 rm -rf "$tree/root/.config/Brennick Korva" "$tree"/var/cache/man/cat*/tonewright*  # what running them left
 within find / -xdev -iname '*tonewright*' | sort > "$tree/names-after"
 diff "$tree/names-before" "$tree/names-after"

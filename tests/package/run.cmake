@@ -28,6 +28,15 @@ if(NOT result EQUAL 0 OR NOT rows MATCHES "^4 terms\n[^\n]+\n[^\n]+\n[^\n]+\n$")
   message(FATAL_ERROR "read_ccor: ${rows}")
 endif()
 run(${WORK_DIR}/installed/bin/tonewright calibrate ${chart} --parameters ${WORK_DIR}/camera.twkp)
+if(PYTHON)
+  file(GLOB packages ${WORK_DIR}/installed/lib/python3*/dist-packages)
+  file(COPY ${chart} DESTINATION ${WORK_DIR}/python)
+  run(${CMAKE_COMMAND} -E env PYTHONPATH=${packages} ${PYTHON} -B ${root}/examples/calibrate_from_python.py
+      ${WORK_DIR}/python/chart.bmp ${WORK_DIR}/python/chart.bmp)
+  if(NOT EXISTS ${WORK_DIR}/python/chart.ccor OR NOT EXISTS ${WORK_DIR}/python/chart.corrected.bmp)
+    message(FATAL_ERROR "calibrate_from_python.py wrote nothing")
+  endif()
+endif()
 string(REPEAT "abc0" 12 frames)  # two frames of 3 x 2 pixels
 file(WRITE ${WORK_DIR}/frames.bgr0 "${frames}")
 execute_process(COMMAND ${WORK_DIR}/examples/correct_stream ${WORK_DIR}/camera.twkp 3 2
