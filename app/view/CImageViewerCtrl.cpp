@@ -21,6 +21,7 @@ constexpr int kOverlayFontPoints = 10;
 constexpr float kZoomByKey = 1.25f;
 constexpr int kFarByKey = 10;     // image pixels
 constexpr int kCornerMargin = 6;  // around words in a corner of the picture
+constexpr QColor kWarning(0xE8, 0xA3, 0x17);
 constexpr QColor kCaptionGround(0, 0, 0, 160);
 constexpr int kTrackerStyle = RectTracker::DottedLine | RectTracker::ResizeInside;
 
@@ -438,19 +439,20 @@ void CImageViewerCtrl::PaintBackground(QPainter& painter) {
 void CImageViewerCtrl::PaintTracker(QPainter& painter) const {
     const ViewRect& rect = m_tracker.GetRect();
     if (rect.IsEmpty()) return;
+    const QColor ink = IsRoiDashed() ? kWarning : QColor(Qt::white);  // the handles hide a small rectangle's outline
     if (m_tracker.GetStyle() & RectTracker::DottedLine) {
         const QRect outline = toQRect(rect).adjusted(0, 0, -1, -1);
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(Qt::black, 1));  // under the dots, so that they show on any picture
         painter.drawRect(outline);
-        QPen line(Qt::white, 1, Qt::DotLine);
+        QPen line(ink, 1, Qt::DotLine);
         if (IsRoiDashed()) line.setDashPattern({6, 4});
         painter.setPen(line);
         painter.drawRect(outline);
     }
     if (m_tracker.GetStyle() & RectTracker::ResizeInside) {
         painter.setPen(QPen(Qt::black, 1));
-        painter.setBrush(Qt::white);
+        painter.setBrush(ink);
         for (int i = 0; i < RectTracker::kHandleCount; ++i) {
             painter.drawRect(toQRect(m_tracker.HandleRect(static_cast<RectTracker::Hit>(i))).adjusted(0, 0, -1, -1));
         }

@@ -95,7 +95,7 @@ protected:
     void SetRoi(const ViewRect& roi) { m_roi = roi; }
     /// The ROI as it is drawn: under a tracker that is being dragged, where it would come to now.
     ViewRect DrawnRoi() const;
-    /// Whether the ROI is drawn dashed and not dotted.
+    /// Whether the ROI is drawn dashed and in a warning's color, and not dotted in white.
     virtual bool IsRoiDashed() const { return false; }
     /// Puts the tracker to its start and the ROI under it, without telling anyone.
     void ResetTracker();

@@ -428,8 +428,8 @@ TEST_F(DetectingViewer, ARectangleToPickWithThatHoldsTwoColorsIsDashed) {
         const ViewRect outline = viewer.Tracker().GetRect();
         int runs = 0;
         for (int x = outline.left + 8; x < outline.left + 18; ++x) {
-            const auto isWhite = [&](int at) { return qGray(shown.pixel(at + kEdge, outline.top + kEdge)) > 200; };
-            runs += isWhite(x) != isWhite(x - 1);
+            const auto isDrawn = [&](int at) { return qGray(shown.pixel(at + kEdge, outline.top + kEdge)) > 120; };
+            runs += isDrawn(x) != isDrawn(x - 1);
         }
         return runs;
     };
