@@ -15,8 +15,6 @@ namespace {
 
 using D = CTivData;
 
-int refuse(const char* text) { return nur_report(1, NUR_REPORT_FORMAT, text); }
-
 struct FreeVector {
     void operator()(NurVector* vector) const { nur_vector_free(vector); }
 };
@@ -58,10 +56,11 @@ float searchLevel(std::span<const D::Point> bins, float pixels, float mean, floa
 }
 
 int findFactorLevels(const NurImage* source, int method, float lowFactor, float highFactor, float& low, float& high) {
-    if (method < kAdaptiveOffset || method > kAdaptiveDeviation) return refuse("ctiv_adaptThresh: invalid method\n");
+    if (method < kAdaptiveOffset || method > kAdaptiveDeviation)
+        return nur_refuse("ctiv_adaptThresh: invalid method\n");
     ImageStats found;
     if (stats(source, {&found.mean, &found.deviation, &found.min, &found.max}) != 0) {
-        return refuse("ctiv_adaptThresh: failed calculating image stats\n");
+        return nur_refuse("ctiv_adaptThresh: failed calculating image stats\n");
     }
     const float spans[] = {1.0f, found.mean - found.min, found.max - found.mean, found.deviation};
     low = found.mean + lowFactor * spans[method];
@@ -70,9 +69,9 @@ int findFactorLevels(const NurImage* source, int method, float lowFactor, float 
 }
 
 int findOtsu(const NurImage* source, float lowFactor, bool single, float& low) {
-    if (!single) return refuse("ctiv_adaptThresh: Only Single level supported for Histogram\n");
-    if (lowFactor != 0) return refuse("ctiv_adaptThresh: low Factor must be set to zero for Histogram\n");
-    if (!findOtsuLevel(source, &low)) return refuse("ctiv_adaptThresh: failed thresholding image\n");
+    if (!single) return nur_refuse("ctiv_adaptThresh: Only Single level supported for Histogram\n");
+    if (lowFactor != 0) return nur_refuse("ctiv_adaptThresh: low Factor must be set to zero for Histogram\n");
+    if (!findOtsuLevel(source, &low)) return nur_refuse("ctiv_adaptThresh: failed thresholding image\n");
     return 0;
 }
 
@@ -101,7 +100,7 @@ bool findOtsuLevel(const NurImage* image, float* level) {
 
 int ctiv_adaptThresh(const NurImage* source, NurImage* destination, float* low, float* high, int method,
                      float lowFactor, float highFactor, bool invert, bool single, bool binary) {
-    if (D::IsColor(source->format)) return refuse("adaptThresh: not supported for color images\n");
+    if (D::IsColor(source->format)) return nur_refuse("adaptThresh: not supported for color images\n");
     if (!nur_is_type(source->format,
                      {D::FormatByte, D::FormatShort, D::FormatUByte, D::FormatUShort, D::FormatFloat})) {
         return nur_report(1, NUR_REPORT_TYPE, "adaptThresh", nur_display_name(source->format));
@@ -116,7 +115,7 @@ int ctiv_adaptThresh(const NurImage* source, NurImage* destination, float* low, 
     if (low) *low = lowLevel;
     if (high) *high = highLevel;
     if (thresh(source, destination, lowLevel, highLevel, invert, single, binary) != 0) {
-        return refuse("ctiv_adaptThresh: failed thresholding image\n");
+        return nur_refuse("ctiv_adaptThresh: failed thresholding image\n");
     }
     return 0;
 }

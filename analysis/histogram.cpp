@@ -18,16 +18,16 @@ constexpr const char* kName = "histogram";
 
 int validateRange(int bins, int low, int high) {
     if (high < low) {
-        return nur_report(1, NUR_REPORT_FORMAT, "histogram: invalid value range %g..%g\n", static_cast<double>(low),
-                          static_cast<double>(high));
+        return nur_refuse_format("histogram: invalid value range %g..%g\n", static_cast<double>(low),
+                                 static_cast<double>(high));
     }
     if (bins < 1) {
-        return nur_report(1, NUR_REPORT_FORMAT, "histogram: invalid number of bins, must be greater than 0\n");
+        return nur_refuse("histogram: invalid number of bins, must be greater than 0\n");
     }
     const std::int64_t span = std::int64_t{high} - low + 1;
     if (span % bins != 0) {
-        return nur_report(1, NUR_REPORT_FORMAT, "histogram: invalid number of bins, must be a divisor of %d\n",
-                          static_cast<int>(std::min<std::int64_t>(span, std::numeric_limits<int>::max())));
+        return nur_refuse_format("histogram: invalid number of bins, must be a divisor of %d\n",
+                                 static_cast<int>(std::min<std::int64_t>(span, std::numeric_limits<int>::max())));
     }
     return 0;
 }
@@ -113,7 +113,7 @@ int countByFormat(const NurImage& image, const Bins& bins, CTivData::Point* poin
 int histogramInt(const NurImage* image, NurVector* histogram, bool cumulative, int bins, int low, int high) {
     using D = CTivData;
     if (nur_is_type(image->format, {D::FormatRgb, D::FormatHsv, D::FormatYuv, D::FormatLab})) {
-        return nur_report(1, NUR_REPORT_FORMAT, "histogram: not supported for color images\n");
+        return nur_refuse("histogram: not supported for color images\n");
     }
     if (!nur_is_type(image->format, {D::FormatByte, D::FormatShort, D::FormatUByte, D::FormatUShort})) {
         return nur_report(1, NUR_REPORT_TYPE, kName, nur_display_name(image->format));

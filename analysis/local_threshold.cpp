@@ -21,8 +21,6 @@ using D = CTivData;
 
 constexpr const char* kName = "localAdaptThresh";
 
-int refuse(const char* text) { return nur_report(1, NUR_REPORT_FORMAT, text); }
-
 // Half a window: `pixels` raised to 3 and to odd, the half limited to the ROI's side less one.
 int halfWindow(int pixels, int side) { return std::min(std::max(pixels, 3) / 2, side - 1); }
 
@@ -131,12 +129,12 @@ int thresholdTile(const NurImage& tile, NurImage out, float wholeLevel, bool inv
     float least = 0;
     float most = 0;
     if (stats(&tile, {nullptr, nullptr, &least, &most}) != 0) {
-        return refuse("nur_localAdaptThresh: failed calculating image stats\n");
+        return nur_refuse("nur_localAdaptThresh: failed calculating image stats\n");
     }
     float level = wholeLevel;
     const bool found = least == most || findOtsuLevel(&tile, &level);
     if (!found || thresh(&tile, &out, level, level, invert, single, binary) != 0) {
-        return refuse("nur_localAdaptThresh: failed thresholding image\n");
+        return nur_refuse("nur_localAdaptThresh: failed thresholding image\n");
     }
     return 0;
 }
@@ -144,7 +142,7 @@ int thresholdTile(const NurImage& tile, NurImage out, float wholeLevel, bool inv
 int thresholdTiles(const NurImage& source, const NurImage& destination, int tileWidth, int tileHeight, bool invert,
                    bool single, bool binary) {
     float wholeLevel = 0;
-    if (!findOtsuLevel(&source, &wholeLevel)) return refuse("nur_localAdaptThresh: failed thresholding image\n");
+    if (!findOtsuLevel(&source, &wholeLevel)) return nur_refuse("nur_localAdaptThresh: failed thresholding image\n");
     for (int y = 0; y < source.roi.height; y += tileHeight) {
         for (int x = 0; x < source.roi.width; x += tileWidth) {
             const int width = std::min(tileWidth, source.roi.width - x);
@@ -161,13 +159,13 @@ int thresholdTiles(const NurImage& source, const NurImage& destination, int tile
 
 int check(const NurImage& source, const NurImage* destination) {
     if (destination && (destination == &source || (source.data && destination->data == source.data))) {
-        return refuse("localAdaptThresh: destination image should be different than source image\n");
+        return nur_refuse("localAdaptThresh: destination image should be different than source image\n");
     }
     if (destination && destination->data &&
         (destination->roi.width != source.roi.width || destination->roi.height != source.roi.height)) {
-        return refuse("localAdaptThresh: input and output ROI must be the same size\n");
+        return nur_refuse("localAdaptThresh: input and output ROI must be the same size\n");
     }
-    if (D::IsColor(source.format)) return refuse("localAdaptThresh: not supported for color images\n");
+    if (D::IsColor(source.format)) return nur_refuse("localAdaptThresh: not supported for color images\n");
     if (!nur_is_type(source.format, {D::FormatByte, D::FormatShort, D::FormatUByte, D::FormatUShort, D::FormatFloat})) {
         return nur_report(1, NUR_REPORT_TYPE, kName, nur_display_name(source.format));
     }
@@ -179,7 +177,7 @@ int check(const NurImage& source, const NurImage* destination) {
 int localAdaptThresh(const NurImage* source, NurImage* destination, int windowWidth, int windowHeight, int method,
                      float factor1, float factor2, float factor3, bool invert, bool single, bool binary) {
     if (const int refused = check(*source, destination)) return refused;
-    if (method < kLocalOffset || method > kLocalTiles) return refuse("localMeanThresh: method not implemented\n");
+    if (method < kLocalOffset || method > kLocalTiles) return nur_refuse("localMeanThresh: method not implemented\n");
     if (!destination) return 0;
     const int width = source->roi.width;
     const int height = source->roi.height;

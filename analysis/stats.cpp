@@ -134,10 +134,10 @@ bool anyOf(const ColorStatsPointers& color) {
 // The checks that images and vectors share.
 int check(D::Format format, bool isMono, const StatsPointers& mono, const ColorStatsPointers& color) {
     if (isMono && anyOf(color)) {
-        return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot get color stats on monochrome input\n");
+        return nur_refuse("stats: cannot get color stats on monochrome input\n");
     }
     if (isColor(format) && mono.Any()) {
-        return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot get monochrome stats on color input\n");
+        return nur_refuse("stats: cannot get monochrome stats on color input\n");
     }
     return isMono || isColor(format) ? 0 : nur_report(1, NUR_REPORT_TYPE, "stats", nur_display_name(format));
 }
@@ -148,7 +148,7 @@ int stats(const NurImage* image, const StatsPointers& mono, const ColorStatsPoin
     if (const int refused = check(image->format, isMonoImage(image->format), mono, color)) return refused;
     if (!mono.Any() && !anyOf(color)) return 0;
     if (!image->data || image->roi.width <= 0 || image->roi.height <= 0) {
-        return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot process empty image\n");
+        return nur_refuse("stats: cannot process empty image\n");
     }
     return run({image->format, image->RoiRow(0), image->Pitch(), image->roi.width, image->roi.height}, mono, color);
 }
@@ -156,7 +156,7 @@ int stats(const NurImage* image, const StatsPointers& mono, const ColorStatsPoin
 int stats(const NurVector* vector, const StatsPointers& mono, const ColorStatsPointers& color) {
     if (const int refused = check(vector->format, isMonoVector(vector->format), mono, color)) return refused;
     if (!vector->data || vector->size <= 0) {
-        return nur_report(1, NUR_REPORT_FORMAT, "stats: cannot process empty vector\n");
+        return nur_refuse("stats: cannot process empty vector\n");
     }
     if (!mono.Any() && !anyOf(color)) return 0;
     return run({vector->format, static_cast<const std::uint8_t*>(vector->data), 0, vector->size, 1}, mono, color);

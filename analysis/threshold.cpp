@@ -105,18 +105,16 @@ bool covers(const NurImage& levels, int width, int height) {
     return levels.data && levels.roi.width >= width && levels.roi.height >= height;
 }
 
-int refuse(const char* text) { return nur_report(1, NUR_REPORT_FORMAT, text); }
-
 int checkLevelImages(const NurImage& source, const NurImage* destination, const NurImage* lowImage,
                      const NurImage* highImage, bool single) {
     if (!isLevelImage(source.format)) {
         return nur_report(1, NUR_REPORT_TYPE, "threshImages", nur_display_name(source.format));
     }
     if (!lowImage || lowImage->format != source.format) {
-        return refuse("threshImages: low threshold must be of same type as src");
+        return nur_refuse("threshImages: low threshold must be of same type as src");
     }
     if (!single && (!highImage || highImage->format != source.format)) {
-        return refuse("threshImages: high threshold must be of same type as src");
+        return nur_refuse("threshImages: high threshold must be of same type as src");
     }
     int width = source.roi.width;
     int height = source.roi.height;
@@ -124,8 +122,8 @@ int checkLevelImages(const NurImage& source, const NurImage* destination, const 
         width = std::min(width, destination->roi.width);
         height = std::min(height, destination->roi.height);
     }
-    if (!covers(*lowImage, width, height)) return refuse("threshImages: low threshold ROI too small");
-    if (!single && !covers(*highImage, width, height)) return refuse("threshImages: high threshold ROI too small");
+    if (!covers(*lowImage, width, height)) return nur_refuse("threshImages: low threshold ROI too small");
+    if (!single && !covers(*highImage, width, height)) return nur_refuse("threshImages: high threshold ROI too small");
     return 0;
 }
 

@@ -19,8 +19,6 @@ bool isByteColor(D::Format format) {
     return nur_is_type(format, {D::FormatRgb, D::FormatHsv, D::FormatYuv, D::FormatLab});
 }
 
-int refuse(const char* text) { return nur_report(1, NUR_REPORT_FORMAT, text); }
-
 Levels toLevels(const float levels[3]) {
     return {toElement<std::uint8_t>(levels[0]), toElement<std::uint8_t>(levels[1]), toElement<std::uint8_t>(levels[2])};
 }
@@ -104,9 +102,9 @@ int thresh_color(const NurImage* source, NurImage* destination, const float low[
     if (!source->data || source->roi.width <= 0) return 0;
     ColorMask mask(source->roi.width, low, high, invert, single);
     if (binary) {
-        return binThresh(*source, *destination, mask) ? 0 : refuse("thresh_color: fail in binThresh");
+        return binThresh(*source, *destination, mask) ? 0 : nur_refuse("thresh_color: fail in binThresh");
     }
-    return semiThresh(*source, *destination, mask) ? 0 : refuse("thresh_color: fail in semiThresh");
+    return semiThresh(*source, *destination, mask) ? 0 : nur_refuse("thresh_color: fail in semiThresh");
 }
 
 int thresh_color_consume(NurImage* image, const float low[3], const float high[3], bool invert, bool single,
@@ -114,8 +112,8 @@ int thresh_color_consume(NurImage* image, const float low[3], const float high[3
     if (!isByteColor(image->format)) {
         return nur_report(1, NUR_REPORT_TYPE, "thresh_color", nur_display_name(image->format));
     }
-    if (binary) return refuse("thresh_color_consume: cannot consume. Input type different from output");
+    if (binary) return nur_refuse("thresh_color_consume: cannot consume. Input type different from output");
     if (!image->data || image->roi.width <= 0) return 0;
     ColorMask mask(image->roi.width, low, high, invert, single);
-    return semiThresh(*image, *image, mask) ? 0 : refuse("thresh_color_consume: fail in semiThreshConsume");
+    return semiThresh(*image, *image, mask) ? 0 : nur_refuse("thresh_color_consume: fail in semiThreshConsume");
 }

@@ -105,7 +105,7 @@ int castImage(const NurImage* source, NurImage* destination, int code, int mode)
         return refuseType(source->format);
     }
     if (code < 0 || code >= kCodes) {
-        return nur_report(1, NUR_REPORT_FORMAT, "castImage: unknown result type code %d\n", code);
+        return nur_refuse_format("castImage: unknown result type code %d\n", code);
     }
     const D::Format target = kTargets[code];
     if (source != destination) {
@@ -120,7 +120,7 @@ int castImage(const NurImage* source, NurImage* destination, int code, int mode)
         NurImage converted = *destination;
         converted.format = target;
         if (!fits || !convertPixels(*source, converted, code, mode)) {
-            return nur_report(1, NUR_REPORT_FORMAT, "castImage: conversion not supported");
+            return nur_refuse("castImage: conversion not supported");
         }
     }
     destination->format = target;
@@ -135,7 +135,7 @@ struct PrimitiveFree {
     void operator()(std::uint16_t* memory) const { ctiv_ippiFree(memory); }
 };
 
-int fail(const char* step) { return nur_report(1, NUR_REPORT_FORMAT, "%s: failed in the %s\n", kMapRange, step); }
+int fail(const char* step) { return nur_refuse_format("%s: failed in the %s\n", kMapRange, step); }
 
 // How far the highest bit that any pixel of the ROI uses lies above the eighth; the highest value has it, too.
 int bitsAboveByte(const NurImage& image) {
@@ -163,7 +163,7 @@ int CTivUtilCastImage_16u8u_MapRange(const NurImage* source, NurImage* destinati
         }
     }
     if (source == destination) {
-        return nur_report(1, NUR_REPORT_FORMAT, "%s: consume operation is not allowed\n", kMapRange);
+        return nur_refuse_format("%s: consume operation is not allowed\n", kMapRange);
     }
     const int neededWidth = keepRoiSize ? width : source->width;
     const int neededHeight = keepRoiSize ? height : source->height;

@@ -47,11 +47,10 @@ int nur_output_image(NurImage* image, CTivData::Format format, std::int32_t widt
         return nur_report(1, NUR_REPORT_MEMORY, caller, static_cast<int>(nur_image_bytes(format, width, height)));
     }
     if (image->format != format && !nur_same_but_sign(image->format, format)) {
-        return nur_report(1, NUR_REPORT_FORMAT, "%s: incompatible output image type: %s\n", caller,
-                          nur_type_name(image->format));
+        return nur_refuse_format("%s: incompatible output image type: %s\n", caller, nur_type_name(image->format));
     }
     if (image->roi.width < width || image->roi.height < height) {
-        return nur_report(1, NUR_REPORT_FORMAT, "%s: output image size too small\n", caller);
+        return nur_refuse_format("%s: output image size too small\n", caller);
     }
     image->format = format;
     return 0;

@@ -75,24 +75,37 @@ CTivOpStatus* recordForReport(ReportCallback callback) {
     return record;
 }
 
+// Writes into the thread's record and tells the callback. Without a channel nothing happens.
+void report(const char* format, std::va_list arguments) {
+    const ReportCallback callback = reportCallback;
+    if (!callback) return;
+    CTivOpStatus* record = recordForReport(callback);
+    if (!record) return;
+    std::vsnprintf(record->message.get(), kMessageBytes, format, arguments);
+    callback(record->message.get());
+}
+
 }  // namespace
 
 int nur_report(int level, int code, ...) {
-    const ReportCallback callback = reportCallback;
-    if (!callback) return level;
-    CTivOpStatus* record = recordForReport(callback);
-    if (!record) return level;
     std::va_list arguments;
     va_start(arguments, code);
-    if (code == NUR_REPORT_NO_THREAD) {
-        record->message[0] = '\0';
-    } else {
-        const char* format = code == NUR_REPORT_FORMAT ? va_arg(arguments, const char*) : codeText(code);
-        std::vsnprintf(record->message.get(), kMessageBytes, format, arguments);
-    }
+    const char* format = code == NUR_REPORT_NO_THREAD ? ""
+                         : code == NUR_REPORT_FORMAT  ? va_arg(arguments, const char*)
+                                                      : codeText(code);
+    report(format, arguments);
     va_end(arguments);
-    callback(record->message.get());
     return level;
+}
+
+int nur_refuse(const char* text) { return nur_refuse_format("%s", text); }
+
+int nur_refuse_format(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    report(format, arguments);
+    va_end(arguments);
+    return 1;
 }
 
 int nur_report_second_pass(const char* text) {

@@ -21,6 +21,12 @@ enum NurReportCode : int {
 /// @return the level, so that a lower-layer function ends with `return nur_report(1, ...)`
 int nur_report(int level, int code, ...);
 
+/// Reports a finished text. @return 1, so that a refusal of the lower layer is one line
+int nur_refuse(const char* text);
+
+/// The same for a text with arguments, by the printf rules.
+int nur_refuse_format(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
 /// Starts the channel with the function that gets each finished text, registers the calling thread.
 void nur_init(void (*callback)(const char* text));
 

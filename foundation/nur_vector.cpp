@@ -40,10 +40,9 @@ int nur_output_vector(NurVector* vector, CTivData::Format format, std::int32_t s
                           static_cast<int>(CTivData::GetByteCount(format, static_cast<std::uint64_t>(size))));
     }
     if (vector->format != format && !nur_same_but_sign(vector->format, format)) {
-        return nur_report(1, NUR_REPORT_FORMAT, "%s: incompatible output vector type: %s\n", caller,
-                          nur_type_name(vector->format));
+        return nur_refuse_format("%s: incompatible output vector type: %s\n", caller, nur_type_name(vector->format));
     }
-    if (vector->size < size) return nur_report(1, NUR_REPORT_FORMAT, "%s: output vector size too small\n", caller);
+    if (vector->size < size) return nur_refuse_format("%s: output vector size too small\n", caller);
     vector->format = format;
     return 0;
 }

@@ -20,11 +20,6 @@ using D = CTivData;
 constexpr std::int64_t kBlockBytes = 128 << 10;  // stays in the cache between the file and the image
 constexpr const char* kReadingBits = "readBMP: error reading bits\n";
 
-template <class... Arguments>
-int refuse(const char* format, Arguments... arguments) {
-    return nur_report(1, NUR_REPORT_FORMAT, format, arguments...);
-}
-
 struct Palette {
     std::uint32_t colors[256] = {};  // FormatRgb words
     bool isColored = false;
@@ -73,7 +68,7 @@ public:
     }
 
     int Read(NurImage* record) {
-        if (!stream_.is_open() || !ReadSignature()) return refuse("readBMP: cannot read from bitmap file\n");
+        if (!stream_.is_open() || !ReadSignature()) return nur_refuse("readBMP: cannot read from bitmap file\n");
         if (const int refused = ReadHead()) return refused;
         if (const int refused = ReadMasks()) return refused;
         if (const int refused = ReadPalette()) return refused;
@@ -104,19 +99,20 @@ private:
 
     int ReadHead() {
         static constexpr const char* kHead = "readBMP: cannot read header of the bitmap file\n";
-        if (!Take(&head_.fileBytes, sizeof head_ - 2)) return refuse(kHead);
+        if (!Take(&head_.fileBytes, sizeof head_ - 2)) return nur_refuse(kHead);
         const int bits = head_.bitsPerPixel;
         if (bits != 1 && bits != 4 && bits != 8 && bits != 24 && bits != 32) {
-            return refuse("readBMP: does not support %d bits/pixel", bits);
+            return nur_refuse_format("readBMP: does not support %d bits/pixel", bits);
         }
-        if (head_.planes != 1) return refuse("readBMP: does not support %d bit planes\n", int{head_.planes});
+        if (head_.planes != 1) return nur_refuse_format("readBMP: does not support %d bit planes\n", int{head_.planes});
         if (head_.height < 0) {
-            return refuse("readBMP: does not support top-down DIB. The bitmap file height is: %d\n", head_.height);
+            return nur_refuse_format("readBMP: does not support top-down DIB. The bitmap file height is: %d\n",
+                                     head_.height);
         }
-        if (head_.width <= 0 || head_.height == 0) return refuse(kHead);
+        if (head_.width <= 0 || head_.height == 0) return nur_refuse(kHead);
         if ((head_.compression == BmpRle8 && bits != 8) || (head_.compression == BmpRle4 && bits != 4)) {
-            return refuse("readBMP: cannot process RLE%d compression with %d bpp", head_.compression == BmpRle8 ? 8 : 4,
-                          bits);
+            return nur_refuse_format("readBMP: cannot process RLE%d compression with %d bpp",
+                                     head_.compression == BmpRle8 ? 8 : 4, bits);
         }
         return 0;
     }
@@ -127,11 +123,12 @@ private:
             Take(masks.data(), sizeof masks);
             isTenBit_ = masks == kBmpTenBitMasks;
             if (!isTenBit_ && masks != kBmpOrdinaryMasks) {
-                return refuse("readBMP: unrecognized compression format code %d\n",
-                              static_cast<int>(head_.compression));
+                return nur_refuse_format("readBMP: unrecognized compression format code %d\n",
+                                         static_cast<int>(head_.compression));
             }
             if (head_.compression == BmpBitfields && head_.bitsPerPixel != 32) {
-                return refuse("readBMP: cannot process BITFIELDS compression with %d bpp", int{head_.bitsPerPixel});
+                return nur_refuse_format("readBMP: cannot process BITFIELDS compression with %d bpp",
+                                         int{head_.bitsPerPixel});
             }
         }
         // Later kinds have a longer head; what they add is read over.
@@ -148,7 +145,7 @@ private:
             entries = std::min<std::size_t>(entries, (head_.pixelOffset - position_) / 4);
         }
         if (!Take(palette_.colors, 4 * entries)) {
-            return refuse("readBMP: cannot read colormap of the bitmap file\n");
+            return nur_refuse("readBMP: cannot read colormap of the bitmap file\n");
         }
         for (std::size_t i = 0; i < entries; ++i) {
             palette_.colors[i] &= 0xFFFFFF;
@@ -165,7 +162,7 @@ private:
                 row_ = palette_.isColored ? paletteRow<1> : binaryRow;
                 break;
             case 4:
-                if (!palette_.isColored && !record.data) return refuse("readBMP: BMP bit count not supported\n");
+                if (!palette_.isColored && !record.data) return nur_refuse("readBMP: BMP bit count not supported\n");
                 format_ = D::FormatRgb;
                 row_ = paletteRow<4>;
                 break;
@@ -210,9 +207,9 @@ private:
     int CheckLength() {
         std::int64_t needed = 0;
         if (__builtin_mul_overflow(bmpRowBytes(head_.width, head_.bitsPerPixel), std::int64_t{head_.height}, &needed)) {
-            return refuse(kReadingBits);
+            return nur_refuse(kReadingBits);
         }
-        return BytesLeft() < static_cast<std::uint64_t>(needed) ? refuse(kReadingBits) : 0;
+        return BytesLeft() < static_cast<std::uint64_t>(needed) ? nur_refuse(kReadingBits) : 0;
     }
 
     // Runs may jump over nearly all of a bitmap, and each jump into a fresh page costs that page.
@@ -220,17 +217,17 @@ private:
         if (!isAllocated) return 0;
         const std::int64_t unpacked = nur_image_bytes(format_, head_.width, head_.height);
         const auto fileBytes = static_cast<std::int64_t>(position_ + BytesLeft());
-        return unpacked < 0 || unpacked > mostUnpackedBytes(fileBytes) ? refuse(kReadingBits) : 0;
+        return unpacked < 0 || unpacked > mostUnpackedBytes(fileBytes) ? nur_refuse(kReadingBits) : 0;
     }
 
     int CheckPreallocated(NurImage& record) {
         isGiven_ = true;
         const std::int64_t width = format_ == D::FormatBinary ? (std::int64_t{head_.width} + 7) & ~7 : head_.width;
         if (width < record.roi.width || head_.height < record.roi.height) {
-            return refuse("%s: output image size too small\n", "readBMP");
+            return nur_refuse("readBMP: output image size too small\n");
         }
         if (record.format != format_ && !nur_same_but_sign(record.format, format_)) {
-            return refuse("readBMP: invalid buffer type\n");
+            return nur_refuse("readBMP: invalid buffer type\n");
         }
         record.format = format_;
         filledWidth_ = std::min(int{head_.width}, record.roi.width);
@@ -248,7 +245,7 @@ private:
         std::vector<std::uint8_t> block(static_cast<std::size_t>(rowBytes * rowsABlock));
         for (std::int64_t done = 0; done < filledHeight_; done += rowsABlock) {
             const std::int64_t rows = std::min(rowsABlock, filledHeight_ - done);
-            if (!Take(block.data(), static_cast<std::size_t>(rows * rowBytes))) return refuse(kReadingBits);
+            if (!Take(block.data(), static_cast<std::size_t>(rows * rowBytes))) return nur_refuse(kReadingBits);
             for (std::int64_t k = 0; k < rows; ++k) {
                 const auto y = static_cast<std::int32_t>(filledHeight_ - 1 - done - k);
                 row_(block.data() + k * rowBytes, record.RoiRow(y), static_cast<std::size_t>(filledWidth_), palette_);
@@ -280,7 +277,7 @@ private:
             return static_cast<std::size_t>(stream_.gcount());
         });
         const bool whole = decodeBmpRuns(bytes, head_.bitsPerPixel, head_.width, head_.height, put);
-        return whole ? 0 : refuse(kReadingBits);
+        return whole ? 0 : nur_refuse(kReadingBits);
     }
 
     std::ifstream stream_;

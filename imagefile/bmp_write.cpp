@@ -97,10 +97,9 @@ BmpHead bmpColorHead(std::int32_t width, std::int32_t height) { return headOf(wi
 
 int writeBMP(const char* path, const NurImage* record) {
     SafeOutputFile file(path);
-    if (!file.IsOpen()) return nur_report(1, NUR_REPORT_FORMAT, "writeBMP: cannot write to file %s\n", path);
+    if (!file.IsOpen()) return nur_refuse_format("writeBMP: cannot write to file %s\n", path);
     if (record->format == D::FormatComplex) {
-        return nur_report(1, NUR_REPORT_FORMAT, "writeBMP: cannot write image type %s as BMP.\n",
-                          nur_type_name(record->format));
+        return nur_refuse_format("writeBMP: cannot write image type %s as BMP.\n", nur_type_name(record->format));
     }
     NurImage image = *record;
     NurImage gray;
@@ -117,5 +116,5 @@ int writeBMP(const char* path, const NurImage* record) {
     file.Stream().write(reinterpret_cast<const char*>(layout.palette.data()),
                         static_cast<std::streamsize>(4 * layout.palette.size()));
     if (image.data) writeRows(file.Stream(), image, layout);
-    return file.Commit() ? 0 : nur_report(1, NUR_REPORT_FORMAT, "writeBMP: cannot write to file %s\n", path);
+    return file.Commit() ? 0 : nur_refuse_format("writeBMP: cannot write to file %s\n", path);
 }

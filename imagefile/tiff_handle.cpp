@@ -153,6 +153,6 @@ void TiffHandle::Close() {
 
 bool TiffHandle::Failed() {
     if (error_.empty()) return false;
-    if (!std::exchange(isReported_, true)) nur_report(1, NUR_REPORT_FORMAT, "%s", error_.c_str());
+    if (!std::exchange(isReported_, true)) nur_refuse(error_.c_str());
     return true;
 }

@@ -21,11 +21,6 @@ constexpr const char* kNoMemory = "readTIFF: memory allocation failed\n";
 
 enum SampleFormat : int { SampleUnsigned = 1, SampleSigned = 2, SampleFloat = 3, SampleComplex = 6 };
 
-template <class... Arguments>
-int refuse(const char* format, Arguments... arguments) {
-    return nur_report(1, NUR_REPORT_FORMAT, format, arguments...);
-}
-
 // Scratch memory of sizes that a file declares: zeros, committed only where they are written.
 struct NurFree {
     void operator()(std::uint8_t* block) const { nur_free(block); }
@@ -84,7 +79,7 @@ private:
         TIFFGetField(tif_, TIFFTAG_IMAGEDESCRIPTION, &description_);
         if (Broken()) return 1;
         if (!TIFFGetField(tif_, TIFFTAG_PHOTOMETRIC, &photometric_)) {
-            return refuse("readTIFF: error getting photometric\n");
+            return nur_refuse("readTIFF: error getting photometric\n");
         }
         if (compression == COMPRESSION_JPEG && photometric_ == PHOTOMETRIC_YCBCR) {
             // The codec brings these to R, G, B itself if asked.
@@ -107,7 +102,7 @@ private:
 
     int InferFormat() {
         if (samples_ == 0 || samples_ > 4) {
-            return refuse(
+            return nur_refuse(
                 "readTIFF: can only handle 1-channel gray scale, 2-channel point and complex or 1- or 3-channel "
                 "color\n");
         }
@@ -135,7 +130,7 @@ private:
                       : sampleFormat_ == SampleFloat  ? D::FormatFloat
                                                       : D::FormatNone;
             if (format_ == D::FormatNone || bits_ != 32) {
-                return refuse("readTIFF: unknown 1 sample 32 bits per pixel format\n");
+                return nur_refuse("readTIFF: unknown 1 sample 32 bits per pixel format\n");
             }
         }
         return 0;
@@ -146,7 +141,7 @@ private:
                   : sampleFormat_ == SampleFloat   ? D::FormatFPoint
                   : sampleFormat_ == SampleComplex ? D::FormatComplex
                                                    : D::FormatNone;
-        if (format_ == D::FormatNone || bits_ != 32) return refuse("readTIFF: unknown 2 samples format\n");
+        if (format_ == D::FormatNone || bits_ != 32) return nur_refuse("readTIFF: unknown 2 samples format\n");
         return 0;
     }
 
@@ -166,7 +161,7 @@ private:
     int InferPlain() {
         const bool isPlain = samples_ == 3 || ((samples_ == 1 || samples_ == 4) && bits_ <= 16);
         // Above 16 bits no plain format could hold a sample.
-        if (!isPlain || bits_ == 0 || bits_ > 16) return refuse(kNoFormat);
+        if (!isPlain || bits_ == 0 || bits_ > 16) return nur_refuse(kNoFormat);
         isPlain_ = true;
         if (IsGray()) {
             format_ = bits_ == 1 && samples_ == 1 ? D::FormatBinary : bits_ <= 8 ? D::FormatUByte : D::FormatUShort;
@@ -186,18 +181,18 @@ private:
             case PHOTOMETRIC_PALETTE:
                 return ReadPalette();
             case PHOTOMETRIC_MASK:
-                return refuse("readTIFF: does not handle PHOTOMETRIC_MASK\n");
+                return nur_refuse("readTIFF: does not handle PHOTOMETRIC_MASK\n");
             default:
-                return refuse("readTIFF: unknown photometric :%d\n", int{photometric_});
+                return nur_refuse_format("readTIFF: unknown photometric :%d\n", int{photometric_});
         }
     }
 
     int ReadPalette() {
         const std::uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
         if (!TIFFGetField(tif_, TIFFTAG_COLORMAP, &red, &green, &blue)) {
-            return refuse("readTIFF: error getting colormaps\n");
+            return nur_refuse("readTIFF: error getting colormaps\n");
         }
-        if (bits_ > 8) return refuse("readTIFF: too many colors\n");
+        if (bits_ > 8) return nur_refuse("readTIFF: too many colors\n");
         const auto byteOf = [](std::uint32_t entry) { return entry * 255 / 65535; };
         for (std::size_t i = 0; i < std::size_t{1} << bits_; ++i) {
             palette_[i] = byteOf(red[i]) << 16 | byteOf(green[i]) << 8 | byteOf(blue[i]);
@@ -208,10 +203,10 @@ private:
 
     // What the row reader takes must be there in each pixel.
     int CheckSamples() {
-        if (IsPlainColor() && !shape_.palette && samples_ < 3) return refuse(kNoFormat);
-        if (width_ == 0 || height_ == 0) return refuse(kNoFormat);
+        if (IsPlainColor() && !shape_.palette && samples_ < 3) return nur_refuse(kNoFormat);
+        if (width_ == 0 || height_ == 0) return nur_refuse(kNoFormat);
         constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
-        return width_ > kMost || height_ > kMost ? refuse(kNoMemory) : 0;
+        return width_ > kMost || height_ > kMost ? nur_refuse(kNoMemory) : 0;
     }
 
     bool IsPlainColor() const { return isPlain_ && D::IsColor(format_); }
@@ -248,17 +243,17 @@ private:
         const std::int64_t needed = (lineSamples * bits_ + 7) / 8;
         lineBytes_ = TIFFScanlineSize(tif_);
         if (Broken()) return 1;
-        if (lineBytes_ < needed) return refuse(kNoFormat);
+        if (lineBytes_ < needed) return nur_refuse(kNoFormat);
         // Also where strips share the file's bytes, so that they seem to hold it all.
         const std::int64_t planes = isPlanar_ ? samples_ : 1;
         std::int64_t stored = 0;
         const bool isBeyond = __builtin_mul_overflow(lineBytes_ * planes, std::int64_t{height_}, &stored);
-        if (handle_ && (isBeyond || stored > handle_->MostBytes())) return refuse(kNoMemory);
+        if (handle_ && (isBeyond || stored > handle_->MostBytes())) return nur_refuse(kNoMemory);
         line_ = makeBlock(lineBytes_);
         isPacked_ = bits_ < 16 && bits_ != 8 && format_ != D::FormatBinary;
         sampleBytes_ = isPacked_ ? (bits_ < 8 ? 1 : 2) : std::max(bits_ / 8, 1);
         if (isPacked_) unpacked_ = makeBlock(lineSamples * sampleBytes_);
-        if (!line_ || (isPacked_ && !unpacked_)) return refuse(kNoMemory);
+        if (!line_ || (isPacked_ && !unpacked_)) return nur_refuse(kNoMemory);
         shape_.samples = samples_;
         shape_.pixelBytes = static_cast<std::size_t>(D::GetFormatBits(format_) / 8);
         shape_.isInverted = photometric_ == PHOTOMETRIC_MINISWHITE;
@@ -271,7 +266,7 @@ private:
             TIFFReadScanline(tif_, line_.get(), static_cast<std::uint32_t>(y), static_cast<std::uint16_t>(plane));
         if (Broken()) return nullptr;
         if (answer < 0) {  // some codecs say no more than that
-            refuse("readTIFF: error reading scanline\n");
+            nur_refuse("readTIFF: error reading scanline\n");
             return nullptr;
         }
         if (!isPacked_) return line_.get();
@@ -304,9 +299,9 @@ private:
     int ReadPlanes(const NurImage& record, std::int32_t width, std::int32_t height) {
         const std::int64_t rowBytes = std::int64_t{width} * samples_ * sampleBytes_;
         std::int64_t bytes = 0;
-        if (__builtin_mul_overflow(rowBytes, std::int64_t{height}, &bytes)) return refuse(kNoMemory);
+        if (__builtin_mul_overflow(rowBytes, std::int64_t{height}, &bytes)) return nur_refuse(kNoMemory);
         const Block pixels = makeBlock(bytes);
-        if (!pixels) return refuse(kNoMemory);
+        if (!pixels) return nur_refuse(kNoMemory);
         const auto step = static_cast<std::size_t>(samples_ * sampleBytes_);
         for (int plane = 0; plane < samples_; ++plane) {
             for (std::int32_t y = 0; y < height; ++y) {

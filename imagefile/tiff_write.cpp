@@ -18,8 +18,6 @@ using brennick::korva::zelvan_pix::OutputStreamStdOstream;
 
 constexpr std::size_t kBlockBytes = 64 << 10;  // stays in the cache on its way to the file
 
-int refuse(const char* text) { return nur_report(1, NUR_REPORT_FORMAT, "%s", text); }
-
 /// Gathers libtiff's rows, each of which seeks to where it is already, into blocks on their way to a file. A file that
 /// fails ends the work at the next block.
 class BlockStream : public CTivOutputStream {
@@ -129,10 +127,10 @@ int writeRows(TIFF* tif, TiffHandle* handle, const NurImage& record, const TiffW
 int write(TIFF* tif, TiffHandle* handle, const NurImage& record) {
     setHead(tif, record);
     if (record.format < D::FormatByte || record.format > D::FormatCoord3dACRW16) {
-        return refuse("writeTIFF: unexpected image type\n");
+        return nur_refuse("writeTIFF: unexpected image type\n");
     }
     const TiffWriteForm* form = tiffWriteForm(record.format);
-    if (!form) return refuse("writeTIFF: type error\n");
+    if (!form) return nur_refuse("writeTIFF: type error\n");
     TIFFSetField(tif, TIFFTAG_PHOTOMETRIC, form->photometric);
     TIFFSetField(tif, TIFFTAG_SAMPLESPERPIXEL, form->samples);
     TIFFSetField(tif, TIFFTAG_BITSPERSAMPLE, form->bits);
@@ -147,26 +145,26 @@ int writeTIFF(TIFF* tif, const NurImage* record) { return write(tif, nullptr, *r
 
 int writeTIFFFile(const char* path, const NurImage* record) {
     SafeOutputFile file(path);
-    if (!file.IsOpen()) return refuse("writeTIFF: error opening TIFF file\n");
+    if (!file.IsOpen()) return nur_refuse("writeTIFF: error opening TIFF file\n");
     BlockStream stream(file.Stream());
     TiffHandle handle(path, "wb", stream);
     if (!handle.Get()) {
-        return handle.Failed() ? 1 : refuse("writeTIFF: error opening TIFF file\n");
+        return handle.Failed() ? 1 : nur_refuse("writeTIFF: error opening TIFF file\n");
     }
     setNumber(handle.Get(), TiffBufferFormat, bufferFormatOf(record->format));
     if (write(handle.Get(), &handle, *record) != 0) return 1;
     handle.Close();
     if (handle.Failed()) return 1;
-    return stream.End() && file.Commit() ? 0 : refuse("writeTIFF: error writing TIFF file\n");
+    return stream.End() && file.Commit() ? 0 : nur_refuse("writeTIFF: error writing TIFF file\n");
 }
 
 int WriteTiffToStream(const NurImage* record, const ImageParameters* metadata, CTivOutputStream* stream) {
     TiffHandle handle("TiffStreamWriter", "w", *stream);
-    if (!handle.Get()) return refuse("WriteTiffToStream: Cannot open\n");
+    if (!handle.Get()) return nur_refuse("WriteTiffToStream: Cannot open\n");
     if (metadata) setMetadata(handle.Get(), *record, *metadata);
     const int answer = write(handle.Get(), &handle, *record);
     handle.Close();
     const bool isFailed = handle.Failed();
-    if (handle.StreamFailed()) return refuse("WriteTiffToStream: writing to output stream failed\n");
+    if (handle.StreamFailed()) return nur_refuse("WriteTiffToStream: writing to output stream failed\n");
     return answer != 0 || isFailed ? 1 : 0;
 }

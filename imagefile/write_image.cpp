@@ -28,9 +28,8 @@ bool isTaken(D::Format format, int fileFormat) {
 
 int writeImage(const NurImage* record, const char* path, int fileFormat) {
     if (!isTaken(record->format, fileFormat)) {
-        return nur_report(1, NUR_REPORT_FORMAT,
-                          "writeImage: cannot convert input image type %s to the specified format.\n",
-                          nur_display_name(record->format));
+        return nur_refuse_format("writeImage: cannot convert input image type %s to the specified format.\n",
+                                 nur_display_name(record->format));
     }
     int answer = 0;
     if (fileFormat == ImageFileBmp) {
@@ -38,13 +37,13 @@ int writeImage(const NurImage* record, const char* path, int fileFormat) {
     } else if (fileFormat == ImageFileTiff) {
         // Tries the path first, and drops what that made.
         if (!SafeOutputFile(path).IsOpen()) {
-            return nur_report(1, NUR_REPORT_FORMAT, "writeImage: cannot write to file %s\n", path);
+            return nur_refuse_format("writeImage: cannot write to file %s\n", path);
         }
         answer = writeTIFFFile(path, record);
     } else {
-        return nur_report(1, NUR_REPORT_FORMAT, "writeImage: Unknown image file format %d", fileFormat);
+        return nur_refuse_format("writeImage: Unknown image file format %d", fileFormat);
     }
-    return answer == 0 ? 0 : nur_report(1, NUR_REPORT_FORMAT, "writeImage: failed\n");
+    return answer == 0 ? 0 : nur_refuse("writeImage: failed\n");
 }
 
 int writeImageToStream(const ImageParameters& parameters, const void* data, int bytes, int fileFormat,
@@ -56,13 +55,13 @@ int writeImageToStream(const ImageParameters& parameters, const void* data, int 
     record.roi = parameters.roi.IsPresent() ? parameters.roi.Value() : CTivRect{0, 0, record.width, record.height};
     record.data = const_cast<void*>(data);  // read only
     if (fileFormat != ImageFileTiff) {
-        return nur_report(1, NUR_REPORT_FORMAT, "writeImageToStream: file format not supported\n");
+        return nur_refuse("writeImageToStream: file format not supported\n");
     }
     const CTivRect& roi = record.roi;
     const bool isInside = roi.x >= 0 && roi.y >= 0 && roi.width >= 0 && roi.height >= 0 &&
                           roi.width <= record.width - roi.x && roi.height <= record.height - roi.y;
     if (!isInside || record.Pitch() * record.height > bytes) {
-        return nur_report(1, NUR_REPORT_FORMAT, "writeImageToStream: image data does not fit its parameters\n");
+        return nur_refuse("writeImageToStream: image data does not fit its parameters\n");
     }
     return WriteTiffToStream(&record, &parameters, stream);
 }

@@ -44,6 +44,13 @@ TEST(ErrorChannel, CodesHaveTheirTextsAndAnswerTheLevel) {
     EXPECT_EQ(LastError(), "3 of 100%d");
 }
 
+TEST(ErrorChannel, AFinishedTextIsToldAsItStands) {
+    EXPECT_EQ(nur_refuse("50% of %s%n"), 1);
+    EXPECT_EQ(LastError(), "50% of %s%n");
+    EXPECT_EQ(nur_refuse_format("%d of %s", 3, "100%d"), 1);
+    EXPECT_EQ(LastError(), "3 of 100%d");
+}
+
 TEST(ErrorChannel, OnlyTheThreadThatStartedTheLibraryHasAText) {
     CTivManager::ReportError("mine");
     const char* text = "unset";
