@@ -81,8 +81,8 @@ private:
 
 template <class Limit>
 bool setLimit(ImplBlob* impl, Limit limit, int pixels, const char* method) {
-    if (!impl || !impl->config) return Refuse(std::string("CTivBlob::") + method + " => Invalid Blob Object");
-    (*impl->config).*limit = pixels;
+    if (!impl || !impl->config_) return Refuse(std::string("CTivBlob::") + method + " => Invalid Blob Object");
+    (*impl->config_).*limit = pixels;
     return true;
 }
 
@@ -92,57 +92,58 @@ bool ImplBlob::Execute(CTivImage& image) {
     const ExecuteTimer timer(*this);
     if (!IsComplete()) return Refuse("CTivBlob::Execute => Invalid object");
     try {
-        array->Restore();
+        array_->Restore();
     } catch (const std::bad_alloc&) {
         return Refuse("CTivBlob::Execute => Unable to resize blob array");
     }
-    array->Clear();
+    array_->Clear();
     int code = kBlobDone;
     try {
         const NurImage* record = image.GetRecord();
         code = record ? Extract(*record) : kBlobBadImage;
     } catch (const std::bad_alloc&) {
         code = kBlobNoMemory;
-        array->Release();
-        frame->Reset();
+        array_->Release();
+        frame_->Reset();
     }
     if (code != kBlobDone) {
-        array->Clear();
+        array_->Clear();
         return Refuse(textOf(code));
     }
-    if (config->inputType == kBlobImage && (config->intermediateResults & kBlobKeepImage) && !workImage.IsAllocated())
+    if (config_->inputType == kBlobImage && (config_->intermediateResults & kBlobKeepImage) &&
+        !workImage_.IsAllocated())
         KeepBinaryForm(image);
     return true;
 }
 
 int ImplBlob::Extract(const NurImage& input) {
-    const bool isInFrame = continuous && frame->inputType != VirtualFrame::kNoInput;
-    if (isInFrame && frame->inputType != config->inputType) return kBlobMixedInput;
-    if (config->inputType == kBlobRuns) return ExtractRuns(input);
-    if (config->inputType != kBlobImage) return kBlobUnknown;
+    const bool isInFrame = continuous_ && frame_->inputType != VirtualFrame::kNoInput;
+    if (isInFrame && frame_->inputType != config_->inputType) return kBlobMixedInput;
+    if (config_->inputType == kBlobRuns) return ExtractRuns(input);
+    if (config_->inputType != kBlobImage) return kBlobUnknown;
     const bool isServed =
         input.format == D::FormatUByte || input.format == D::FormatUShort || input.format == D::FormatBinary;
     if (!input.data || !isServed || input.width >= kMostWidth) return kBlobBadImage;
-    if (!continuous) frame->Reset();
-    if (const int refused = continuous ? CheckFrame(input.roi.height) : kBlobDone) return refused;
+    if (!continuous_) frame_->Reset();
+    if (const int refused = continuous_ ? CheckFrame(input.roi.height) : kBlobDone) return refused;
 
     if (input.roi.width <= 0 || input.roi.height <= 0) {
-        workImage.Free();
-        array->computedGroups = config->featureGroups & kBlobAllGroups;
+        workImage_.Free();
+        array_->computedGroups_ = config_->featureGroups & kBlobAllGroups;
         return kBlobDone;
     }
     const NurImage* view = &input;
-    const bool isThresholded = config->thresholdStage != 0 && input.format != D::FormatBinary;
+    const bool isThresholded = config_->thresholdStage != 0 && input.format != D::FormatBinary;
     if (isThresholded) {
         if (const int failed = Threshold(input)) return failed;
-        view = workImage.GetRecord();
+        view = workImage_.GetRecord();
     } else {
-        workImage.Free();
+        workImage_.Free();
     }
-    const bool isPlain = !continuous && config->intermediateResults == 0 && config->featureGroups >= kBlobBasic &&
-                         config->featureGroups <= (kBlobBasic | kBlobMoment);
-    if (isPlain && !(isThresholded && config->multiLevel)) return extractBinary(*view, *config, *frame, *array);
-    return extractGeneral(*view, input, *config, continuous, *frame, *array);
+    const bool isPlain = !continuous_ && config_->intermediateResults == 0 && config_->featureGroups >= kBlobBasic &&
+                         config_->featureGroups <= (kBlobBasic | kBlobMoment);
+    if (isPlain && !(isThresholded && config_->multiLevel)) return extractBinary(*view, *config_, *frame_, *array_);
+    return extractGeneral(*view, input, *config_, continuous_, *frame_, *array_);
 }
 
 int ImplBlob::ExtractRuns(const NurImage& buffer) {
@@ -153,55 +154,55 @@ int ImplBlob::ExtractRuns(const NurImage& buffer) {
     view.format = D::FormatUByte;
     view.width = view.roi.width;
     view.height = view.roi.height;
-    if (!continuous) frame->Reset();
-    if (const int refused = continuous ? CheckFrame(view.height) : kBlobDone) return refused;
-    workImage.Free();
-    CodedRows rows(buffer, config->background);
-    return extractGeneral(view, buffer, *config, continuous, *frame, *array, &rows);
+    if (!continuous_) frame_->Reset();
+    if (const int refused = continuous_ ? CheckFrame(view.height) : kBlobDone) return refused;
+    workImage_.Free();
+    CodedRows rows(buffer, config_->background);
+    return extractGeneral(view, buffer, *config_, continuous_, *frame_, *array_, &rows);
 }
 
 int ImplBlob::CheckFrame(std::int32_t height) const {
-    if (frame->lastRow > std::numeric_limits<std::int32_t>::max() - 1 - height) return kBlobUnknown;  // rows run out
-    if (config->featureGroups & ~(kBlobBasic | kBlobMoment)) return kBlobFrameFeatures;
-    if (frame->inputType == VirtualFrame::kNoInput) {
-        frame->inputType = config->inputType;
-        frame->start = FrameConfig(*config);
+    if (frame_->lastRow > std::numeric_limits<std::int32_t>::max() - 1 - height) return kBlobUnknown;  // rows run out
+    if (config_->featureGroups & ~(kBlobBasic | kBlobMoment)) return kBlobFrameFeatures;
+    if (frame_->inputType == VirtualFrame::kNoInput) {
+        frame_->inputType = config_->inputType;
+        frame_->start = FrameConfig(*config_);
     }
-    return frame->start == FrameConfig(*config) ? kBlobDone : kBlobFrameConfig;
+    return frame_->start == FrameConfig(*config_) ? kBlobDone : kBlobFrameConfig;
 }
 
 // The work image keeps its memory from one run to the next of the same size.
 int ImplBlob::Threshold(const NurImage& input) {
-    const bool fits = workImage.IsAllocated() && workImage.GetFormat() == D::FormatUByte &&
-                      workImage.GetWidth() == input.width && workImage.GetHeight() == input.height;
-    if (!fits && !workImage.Set(input.width, input.height, D::FormatUByte, nullptr, false)) return kBlobNoMemory;
-    workImage.GetRecord()->roi = input.roi;
-    const int failed = thresholdForBlobs(input, *workImage.GetRecord(), *config);
-    if (failed) workImage.Free();
+    const bool fits = workImage_.IsAllocated() && workImage_.GetFormat() == D::FormatUByte &&
+                      workImage_.GetWidth() == input.width && workImage_.GetHeight() == input.height;
+    if (!fits && !workImage_.Set(input.width, input.height, D::FormatUByte, nullptr, false)) return kBlobNoMemory;
+    workImage_.GetRecord()->roi = input.roi;
+    const int failed = thresholdForBlobs(input, *workImage_.GetRecord(), *config_);
+    if (failed) workImage_.Free();
     return failed;
 }
 
 // Foreground of the kept image are the values from 1 to 32767, deliberately (C3) also where 16 bits hold more.
 void ImplBlob::KeepBinaryForm(CTivImage& image) {
     if (image.GetFormat() == D::FormatBinary) {
-        workImage = image;
-    } else if (workImage.Set(image.GetWidth(), image.GetHeight(), D::FormatUByte, nullptr, true)) {
-        workImage.GetRecord()->roi = image.GetRoi();
-        thresh(image.GetRecord(), workImage.GetRecord(), 1, 32767, false, false, true);
+        workImage_ = image;
+    } else if (workImage_.Set(image.GetWidth(), image.GetHeight(), D::FormatUByte, nullptr, true)) {
+        workImage_.GetRecord()->roi = image.GetRoi();
+        thresh(image.GetRecord(), workImage_.GetRecord(), 1, 32767, false, false, true);
     }
 }
 
 CTivBlob::CTivBlob(int capacity, int growth) {
     try {
         impl_ = std::make_unique<ImplBlob>();
-        impl_->config = std::make_unique<BlobConfig>();
-        impl_->array = std::make_unique<BlobArray>(capacity, growth);
+        impl_->config_ = std::make_unique<BlobConfig>();
+        impl_->array_ = std::make_unique<BlobArray>(capacity, growth);
     } catch (const std::bad_alloc&) {
         ReportError("CTivBlob::CTivBlob => Unable to create Blob object");
         return;
     }
     try {
-        impl_->frame = std::make_unique<VirtualFrame>();
+        impl_->frame_ = std::make_unique<VirtualFrame>();
     } catch (const std::bad_alloc&) {
         ReportError("CTivBlob::CTivBlob => Unable to allocate virtual frame information");
     }
@@ -220,7 +221,7 @@ bool CTivBlob::SetMaxHeight(int pixels) {
     return setLimit(impl_.get(), &BlobConfig::maxHeight, pixels, "SetMaxHeight");
 }
 
-BlobConfig* CTivBlob::GetConfig() { return impl_ ? impl_->config.get() : nullptr; }
+BlobConfig* CTivBlob::GetConfig() { return impl_ ? impl_->config_.get() : nullptr; }
 
 bool CTivBlob::Execute(CTivImage& image) {
     if (!impl_) return Refuse("CTivBlob::Execute => Invalid object");
@@ -228,18 +229,18 @@ bool CTivBlob::Execute(CTivImage& image) {
 }
 
 bool CTivBlob::SetContinuous(bool continuous) {
-    if (!impl_ || !impl_->frame) return false;
-    impl_->continuous = continuous;
-    impl_->frame->Reset();
+    if (!impl_ || !impl_->frame_) return false;
+    impl_->continuous_ = continuous;
+    impl_->frame_->Reset();
     return true;
 }
 
 int CTivBlob::GetNumBlobs() const {
     if (!impl_) return -1;
-    return impl_->array ? impl_->array->GetAccepted() : 0;
+    return impl_->array_ ? impl_->array_->GetAccepted() : 0;
 }
 
-const BlobRecord* CTivBlob::GetBlob(int i) const { return impl_ && impl_->array ? impl_->array->Find(i) : nullptr; }
+const BlobRecord* CTivBlob::GetBlob(int i) const { return impl_ && impl_->array_ ? impl_->array_->Find(i) : nullptr; }
 
 namespace {
 
@@ -280,15 +281,15 @@ bool CTivBlob::SortByFeature(int feature, int operation) {
     if (operation != kBlobAscending && operation != kBlobDescending) {
         return Refuse("CTivBlob::SortByFeature => Sorting operation out of range");
     }
-    if ((impl_->array->computedGroups & accessor->group) == 0) {
+    if ((impl_->array_->computedGroups_ & accessor->group) == 0) {
         return Refuse(std::string("CTivBlob::SortByFeature => Specified feature not calculated. Select the ") +
                       groupName(accessor->group) + " features group to be computed");
     }
-    impl_->array->Sort(accessor->read, operation == kBlobDescending);
+    impl_->array_->Sort(accessor->read, operation == kBlobDescending);
     return true;
 }
 
 const CTivImage* CTivBlob::GetThresholdedImage() const {
-    const bool isKept = impl_ && impl_->array && (impl_->array->keptResults & kBlobKeepImage);
-    return isKept ? &impl_->workImage : nullptr;
+    const bool isKept = impl_ && impl_->array_ && (impl_->array_->keptResults_ & kBlobKeepImage);
+    return isKept ? &impl_->workImage_ : nullptr;
 }

@@ -65,10 +65,10 @@ void BlobArray::ListRecords(std::int64_t count) {
 void BlobArray::Clear() {
     accepted_ = 0;
     used_ = 0;
-    computedGroups = keptResults = 0;
-    runStore.clear();
-    hulls.clear();
-    contours.clear();
+    computedGroups_ = keptResults_ = 0;
+    runStore_.clear();
+    hulls_.clear();
+    contours_.clear();
 }
 
 std::int64_t BlobArray::MakeRoom(std::int64_t count) {

@@ -39,13 +39,13 @@ public:
     /// Orders the records in use by a value, then by last y and last x; valid ones come first.
     void Sort(float (*read)(const BlobRecord&), bool descending);
 
-    std::uint32_t computedGroups = 0;  ///< BlobFeatureGroup bits of what is valid
-    std::uint32_t keptResults = 0;     ///< BlobIntermediate bits
+    std::uint32_t computedGroups_ = 0;  ///< BlobFeatureGroup bits of what is valid
+    std::uint32_t keptResults_ = 0;     ///< BlobIntermediate bits
 
     // What records point to.
-    std::vector<BlobRun> runStore;  ///< blob by blob, each in raster order
-    std::vector<std::vector<BlobPoint>> hulls;
-    std::vector<BlobContour> contours;
+    std::vector<BlobRun> runStore_;  ///< blob by blob, each in raster order
+    std::vector<std::vector<BlobPoint>> hulls_;
+    std::vector<BlobContour> contours_;
 
 private:
     struct Block {

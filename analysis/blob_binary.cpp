@@ -93,7 +93,7 @@ int extractBinary(const NurImage& view, const BlobConfig& config, VirtualFrame& 
     strips.resize(static_cast<std::size_t>(stripCount(view)));
     if (!sweepStrips(strips, view, config, rules)) {
         strips.clear();
-        array.computedGroups = config.featureGroups & kBlobAllGroups;
+        array.computedGroups_ = config.featureGroups & kBlobAllGroups;
         return kBlobDone;  // with no blobs, deliberately (C5)
     }
     joinStrips(strips, view, rules);
@@ -110,6 +110,6 @@ int extractBinary(const NurImage& view, const BlobConfig& config, VirtualFrame& 
         fillRecords(strips[at], array, firsts[at], room, value, features);
     }
     array.SetUsed(room, 0);
-    array.computedGroups = features.groups;
+    array.computedGroups_ = features.groups;
     return kBlobDone;
 }

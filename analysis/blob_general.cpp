@@ -78,16 +78,16 @@ void storeRuns(const std::vector<KeptRun>& kept, std::int32_t foreground, bool h
         if (indexOf(run) >= 0) ++next[static_cast<std::size_t>(indexOf(run)) + 1];
     }
     for (std::size_t i = 1; i < next.size(); ++i) next[i] += next[i - 1];
-    array.runStore.resize(next.back());
+    array.runStore_.resize(next.back());
     for (std::size_t i = 0; i < records.size(); ++i) {
-        records[i]->storedRuns = array.runStore.data() + next[i];
+        records[i]->storedRuns = array.runStore_.data() + next[i];
         records[i]->storedRunCount = static_cast<std::int32_t>(next[i + 1] - next[i]);
     }
     for (const KeptRun& run : kept) {
         const std::int32_t index = indexOf(run);
         if (index < 0) continue;
-        array.runStore[next[static_cast<std::size_t>(index)]++] = {index, run.start, run.end - 1, run.row,
-                                                                   hasValues ? run.value : foreground};
+        array.runStore_[next[static_cast<std::size_t>(index)]++] = {index, run.start, run.end - 1, run.row,
+                                                                    hasValues ? run.value : foreground};
     }
 }
 
@@ -124,7 +124,7 @@ int extractGeneral(const NurImage& view, const NurImage& input, const BlobConfig
     const std::int32_t foreground = foregroundValue(view, config);
     const bool hasValues = haveValues(view, config);
     fillRecords(frame.record.created, config, hasValues, foreground, array);
-    array.keptResults = config.intermediateResults & (coded ? kBlobKeepRuns : kBlobKeepRuns | kBlobKeepImage);
+    array.keptResults_ = config.intermediateResults & (coded ? kBlobKeepRuns : kBlobKeepRuns | kBlobKeepImage);
     if (frame.record.keepRuns) storeRuns(frame.record.runs, foreground, hasValues, array);
     if (continuous) {
         frame.lastRow += view.roi.height;

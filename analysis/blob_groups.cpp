@@ -9,28 +9,28 @@ bool contains(const CTivRect& outer, const CTivRect& inner) {
 }
 
 int computeHulls(const FeatureRules& rules, BlobArray& array) {
-    if (!(array.keptResults & kBlobKeepRuns)) return kBlobNoRuns;
-    array.hulls.resize(array.Used().size());
-    for (std::size_t i = 0; i < array.hulls.size(); ++i) {
-        computeConvexityFeatures(*array.Used()[i], rules, array.hulls[i]);
+    if (!(array.keptResults_ & kBlobKeepRuns)) return kBlobNoRuns;
+    array.hulls_.resize(array.Used().size());
+    for (std::size_t i = 0; i < array.hulls_.size(); ++i) {
+        computeConvexityFeatures(*array.Used()[i], rules, array.hulls_[i]);
     }
     return kBlobDone;
 }
 
 int computeContours(const NurImage& view, const BlobConfig& config, const FeatureRules& rules, BlobArray& array) {
-    if (!(array.keptResults & kBlobKeepImage)) return kBlobBadImage;
+    if (!(array.keptResults_ & kBlobKeepImage)) return kBlobBadImage;
     const bool byValue = config.HasValues() && view.format != CTivData::FormatBinary;
     std::vector<TracedBlob> traced = traceContours(view, byValue, config.background, rules.eight, array.Used());
-    array.contours.resize(traced.size());
+    array.contours_.resize(traced.size());
     for (std::size_t i = 0; i < traced.size(); ++i) {
-        array.contours[i] = std::move(traced[i].contour);
-        computePerimeterFeatures(*array.Used()[i], rules, array.contours[i], traced[i].holePixels);
+        array.contours_[i] = std::move(traced[i].contour);
+        computePerimeterFeatures(*array.Used()[i], rules, array.contours_[i], traced[i].holePixels);
     }
     return kBlobDone;
 }
 
 int computeGrays(const NurImage& view, const NurImage& input, const FeatureRules& rules, BlobArray& array) {
-    if (!(array.keptResults & kBlobKeepRuns)) return kBlobNoRuns;
+    if (!(array.keptResults_ & kBlobKeepRuns)) return kBlobNoRuns;
     const CTivData::Format format = input.format;
     if (format != CTivData::FormatBinary && format != CTivData::FormatUByte && format != CTivData::FormatUShort) {
         return kBlobBadFormat;
@@ -52,6 +52,6 @@ int computeGroups(const NurImage& view, const NurImage& input, const BlobConfig&
     if (!code && rules.groups & kBlobPerimeter) code = computeContours(view, config, rules, array);
     if (!code && rules.groups & kBlobGrayScale) code = computeGrays(view, input, rules, array);
     for (BlobRecord* record : array.Used()) record->computedGroups = rules.groups;
-    array.computedGroups = rules.groups;
+    array.computedGroups_ = rules.groups;
     return code;
 }

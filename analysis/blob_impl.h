@@ -96,13 +96,13 @@ public:
     ImplBlob() : CTivAlgo("Blob") {}
 
     bool Execute(CTivImage& image);
-    bool IsComplete() const { return array && config && frame; }
+    bool IsComplete() const { return array_ && config_ && frame_; }
 
-    CTivImage workImage;  ///< the thresholded image
-    std::unique_ptr<BlobArray> array;
-    std::unique_ptr<BlobConfig> config;
-    std::unique_ptr<VirtualFrame> frame;
-    bool continuous = false;
+    CTivImage workImage_;  ///< the thresholded image
+    std::unique_ptr<BlobArray> array_;
+    std::unique_ptr<BlobConfig> config_;
+    std::unique_ptr<VirtualFrame> frame_;
+    bool continuous_ = false;
 
 private:
     int Extract(const NurImage& input);

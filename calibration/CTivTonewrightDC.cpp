@@ -9,15 +9,15 @@ CTivTonewrightDC::CTivTonewrightDC(CTivTonewrightDC&&) noexcept = default;
 CTivTonewrightDC& CTivTonewrightDC::operator=(CTivTonewrightDC&&) noexcept = default;
 CTivTonewrightDC::~CTivTonewrightDC() = default;
 
-bool CTivTonewrightDC::IsValid() const { return impl_ && impl_->valid; }
+bool CTivTonewrightDC::IsValid() const { return impl_ && impl_->valid_; }
 
 bool CTivTonewrightDC::Validate() const {
     if (!impl_) return false;
-    return impl_->valid || Refuse("CTivTonewrightDC::Validate => CTivTonewrightDC object is invalid");
+    return impl_->valid_ || Refuse("CTivTonewrightDC::Validate => CTivTonewrightDC object is invalid");
 }
 
 void CTivTonewrightDC::Invalidate() {
-    if (impl_) impl_->valid = false;
+    if (impl_) impl_->valid_ = false;
 }
 
 bool CTivTonewrightDC::Reset() {
@@ -28,19 +28,19 @@ bool CTivTonewrightDC::Reset() {
 
 bool CTivTonewrightDC::SetCalibrationMode(std::int32_t mode) {
     if (!Validate()) return false;
-    impl_->parameters.mode = mode;
+    impl_->parameters_.mode = mode;
     return true;
 }
 
 bool CTivTonewrightDC::SetIlluminant(std::int32_t illuminant) {
     if (!Validate()) return false;
-    impl_->parameters.illuminant = illuminant;
+    impl_->parameters_.illuminant = illuminant;
     return true;
 }
 
 bool CTivTonewrightDC::SetIlluminantValue(const std::array<float, 4>& value) {
     if (!Validate()) return false;
-    impl_->parameters.illuminantValue = value;
+    impl_->parameters_.illuminantValue = value;
     return true;
 }
 
@@ -58,7 +58,7 @@ bool CTivTonewrightDC::SetGamma(float gamma) {
 
 bool CTivTonewrightDC::SetSaturationMode(std::int32_t mode) {
     if (!Validate()) return false;
-    impl_->parameters.saturationMode = mode;
+    impl_->parameters_.saturationMode = mode;
     return true;
 }
 
@@ -82,7 +82,7 @@ bool CTivTonewrightDC::SetRawColors(const CTivVector& colors) {
     if (!HoldsRgb(colors)) {
         return Refuse("CTivTonewrightDC::SetRawColors => Invalid data format. Vector must contain RGB values.");
     }
-    impl_->parameters.rawColors = colors;
+    impl_->parameters_.rawColors = colors;
     return true;
 }
 
@@ -91,7 +91,7 @@ bool CTivTonewrightDC::SetReferenceColors(const CTivVector& colors) {
     if (!HoldsRgb(colors)) {
         return Refuse("CTivTonewrightDC::SetReferenceColors => Invalid data format. Vector must contain RGB values.");
     }
-    impl_->parameters.referenceColors = colors;
+    impl_->parameters_.referenceColors = colors;
     return true;
 }
 
@@ -101,7 +101,7 @@ bool CTivTonewrightDC::SetSpectrumValues(const CTivVector& values) {
         return Refuse(
             "CTivTonewrightDC::SetSpectrumValues => Invalid data format. Vector must contain ColorFloat values.");
     }
-    impl_->parameters.spectrumValues = values;
+    impl_->parameters_.spectrumValues = values;
     return true;
 }
 
@@ -121,62 +121,62 @@ bool CTivTonewrightDC::SaveXForm(const CTivString& path, bool withSaturation) co
 
 bool CTivTonewrightDC::LoadXForm(const CTivString& path) { return Validate() && impl_->LoadXForm(path.ToString()); }
 
-std::int32_t CTivTonewrightDC::GetCalibrationMode() const { return IsValid() ? impl_->parameters.mode : 0; }
+std::int32_t CTivTonewrightDC::GetCalibrationMode() const { return IsValid() ? impl_->parameters_.mode : 0; }
 
 std::int32_t CTivTonewrightDC::GetIlluminant() const {
     constexpr std::int32_t d65 = 3;
-    return IsValid() ? impl_->parameters.illuminant : d65;
+    return IsValid() ? impl_->parameters_.illuminant : d65;
 }
 
 std::array<float, 4> CTivTonewrightDC::GetIlluminantValue() const {
-    return IsValid() ? impl_->parameters.illuminantValue : std::array<float, 4>{};
+    return IsValid() ? impl_->parameters_.illuminantValue : std::array<float, 4>{};
 }
 
-std::int32_t CTivTonewrightDC::GetXformSize() const { return IsValid() ? impl_->parameters.terms : 0; }
+std::int32_t CTivTonewrightDC::GetXformSize() const { return IsValid() ? impl_->parameters_.terms : 0; }
 
 float CTivTonewrightDC::GetGamma() const {
     if (!impl_) return -1.0f;
-    return impl_->valid ? impl_->parameters.gamma : 0.0f;
+    return impl_->valid_ ? impl_->parameters_.gamma : 0.0f;
 }
 
-std::int32_t CTivTonewrightDC::GetSaturationMode() const { return IsValid() ? impl_->parameters.saturationMode : 0; }
+std::int32_t CTivTonewrightDC::GetSaturationMode() const { return IsValid() ? impl_->parameters_.saturationMode : 0; }
 
 CTivData CTivTonewrightDC::GetSaturationRgb() const {
     if (!IsValid()) return {};
-    const auto& value = impl_->parameters.saturationRgb;
+    const auto& value = impl_->parameters_.saturationRgb;
     return {CTivData::FormatRgb, std::bit_cast<std::uint32_t>(value)};
 }
 
 CTivData CTivTonewrightDC::GetSaturationRgb10() const {
     if (!IsValid()) return {};
-    return {CTivData::FormatRgb10, impl_->parameters.saturationRgb10};
+    return {CTivData::FormatRgb10, impl_->parameters_.saturationRgb10};
 }
 
 CTivData CTivTonewrightDC::GetSaturationRgb16() const {
     if (!IsValid()) return {};
-    return {CTivData::FormatRgb16, std::bit_cast<std::uint64_t>(impl_->parameters.saturationRgb16)};
+    return {CTivData::FormatRgb16, std::bit_cast<std::uint64_t>(impl_->parameters_.saturationRgb16)};
 }
 
-const CTivVector* CTivTonewrightDC::GetRawColors() const { return IsValid() ? &impl_->parameters.rawColors : nullptr; }
+const CTivVector* CTivTonewrightDC::GetRawColors() const { return IsValid() ? &impl_->parameters_.rawColors : nullptr; }
 
 const CTivVector* CTivTonewrightDC::GetReferenceColors() const {
-    return IsValid() ? &impl_->parameters.referenceColors : nullptr;
+    return IsValid() ? &impl_->parameters_.referenceColors : nullptr;
 }
 
 const CTivVector* CTivTonewrightDC::GetSpectrumValues() const {
-    return IsValid() ? &impl_->parameters.spectrumValues : nullptr;
+    return IsValid() ? &impl_->parameters_.spectrumValues : nullptr;
 }
 
-bool CTivTonewrightDC::IsCalibrated() const { return IsValid() && impl_->calibrated; }
+bool CTivTonewrightDC::IsCalibrated() const { return IsValid() && impl_->calibrated_; }
 
 CTivData::Format CTivTonewrightDC::GetCalibratedFormat() const {
-    return IsValid() ? impl_->calibratedFormat : CTivData::FormatNone;
+    return IsValid() ? impl_->calibratedFormat_ : CTivData::FormatNone;
 }
 
-const CTivVector* CTivTonewrightDC::GetTransform() const { return IsValid() ? &impl_->transform : nullptr; }
+const CTivVector* CTivTonewrightDC::GetTransform() const { return IsValid() ? &impl_->transform_ : nullptr; }
 
-const DoubleMatrix* CTivTonewrightDC::GetFitMatrix() const { return IsValid() ? &impl_->fitMatrix : nullptr; }
+const DoubleMatrix* CTivTonewrightDC::GetFitMatrix() const { return IsValid() ? &impl_->fitMatrix_ : nullptr; }
 
 const DoubleMatrix* CTivTonewrightDC::GetAdaptationMatrix() const {
-    return IsValid() ? &impl_->adaptationMatrix : nullptr;
+    return IsValid() ? &impl_->adaptationMatrix_ : nullptr;
 }

@@ -10,43 +10,43 @@ ImplTonewrightDC::ImplTonewrightDC() : CTivAlgo("TonewrightDC") {
 }
 
 void ImplTonewrightDC::Reset() {
-    const std::array<float, 4> kept = parameters.illuminantValue;
-    parameters = {};
-    parameters.illuminantValue = kept;
-    transform.Free();
+    const std::array<float, 4> kept = parameters_.illuminantValue;
+    parameters_ = {};
+    parameters_.illuminantValue = kept;
+    transform_.Free();
     FillGammaTables();
-    fitMatrix.Reshape(3, parameters.terms);
-    adaptationMatrix.Reshape(0, 0);
-    calibrated = false;
-    calibratedFormat = CTivData::FormatRgb;
+    fitMatrix_.Reshape(3, parameters_.terms);
+    adaptationMatrix_.Reshape(0, 0);
+    calibrated_ = false;
+    calibratedFormat_ = CTivData::FormatRgb;
 }
 
 void ImplTonewrightDC::SetXformSize(std::int32_t terms) {
-    parameters.terms = terms;
-    if (terms == 4 || terms == 10) fitMatrix.Reshape(3, terms);  // any other waits for Calibrate to replace the matrix
+    parameters_.terms = terms;
+    if (terms == 4 || terms == 10) fitMatrix_.Reshape(3, terms);  // any other waits for Calibrate to replace the matrix
 }
 
 void ImplTonewrightDC::SetGamma(float gamma) {
-    parameters.gamma = gamma;
+    parameters_.gamma = gamma;
     FillGammaTables();
 }
 
 void ImplTonewrightDC::FillGammaTables() {
-    FillGammaTable(channelLut8_, parameters.gamma);
-    FillGammaTable(channelLut10_, parameters.gamma);
-    FillGammaTable(channelLut16_, parameters.gamma);
+    FillGammaTable(channelLut8_, parameters_.gamma);
+    FillGammaTable(channelLut10_, parameters_.gamma);
+    FillGammaTable(channelLut16_, parameters_.gamma);
 }
 
 bool ImplTonewrightDC::SetSaturation(const CTivData& value) {
     switch (value.GetFormat()) {
         case CTivData::FormatRgb:
-            parameters.saturationRgb = std::bit_cast<std::array<std::uint8_t, 4>>(value.AsRgb());
+            parameters_.saturationRgb = std::bit_cast<std::array<std::uint8_t, 4>>(value.AsRgb());
             return true;
         case CTivData::FormatRgb10:
-            parameters.saturationRgb10 = value.AsRgb10();
+            parameters_.saturationRgb10 = value.AsRgb10();
             return true;
         case CTivData::FormatRgb16:
-            parameters.saturationRgb16 = std::bit_cast<std::array<std::uint16_t, 4>>(value.AsRgb16());
+            parameters_.saturationRgb16 = std::bit_cast<std::array<std::uint16_t, 4>>(value.AsRgb16());
             return true;
         default:
             return Refuse(

@@ -27,7 +27,7 @@ public:
     bool SetSaturation(const CTivData& value);
     bool Calibrate();
     bool Execute(const CTivImage& source, CTivImage& destination) {
-        return Execute(source, destination, {transform, parameters.terms, colorTwist_}, untouched_);
+        return Execute(source, destination, {transform_, parameters_.terms, colorTwist_}, untouched_);
     }
     /// What the pixel loops run with.
     struct Coefficients {
@@ -41,19 +41,19 @@ public:
     bool Save(const std::string& path) const;
     bool Load(const std::string& path);
     bool SaveXForm(const std::string& path, bool withSaturation) const {
-        return SaveXForm(path, transform, parameters.terms, withSaturation);
+        return SaveXForm(path, transform_, parameters_.terms, withSaturation);
     }
     bool SaveXForm(const std::string& path, const CTivVector& coefficients, std::int32_t terms,
                    bool withSaturation) const;
     bool LoadXForm(const std::string& path);
 
-    bool valid = true;
-    bool calibrated = false;
-    CTivData::Format calibratedFormat = CTivData::FormatRgb;
-    CalibrationParameters parameters;
-    CTivVector transform;
-    DoubleMatrix fitMatrix;
-    DoubleMatrix adaptationMatrix;
+    bool valid_ = true;
+    bool calibrated_ = false;
+    CTivData::Format calibratedFormat_ = CTivData::FormatRgb;
+    CalibrationParameters parameters_;
+    CTivVector transform_;
+    DoubleMatrix fitMatrix_;
+    DoubleMatrix adaptationMatrix_;
 
 private:
     void FillGammaTables();

@@ -68,13 +68,13 @@ DoubleMatrix AdaptFrom(const std::array<float, 4>& white) {
 }  // namespace
 
 bool ImplTonewrightDC::Calibrate() {
-    if (!parameters.rawColors.IsAllocated()) {
+    if (!parameters_.rawColors.IsAllocated()) {
         return Refuse(
             "CTivTonewrightDC::Calibrate => vector of raw colors is empty. Use SetRawColors prior to Calibrate.");
     }
     // What no fit takes isn't looked through either: a file may declare a great many colors.
-    if (parameters.rawColors.GetSize() <= kMaxFitColors) UpdateSaturation();
-    switch (parameters.mode) {
+    if (parameters_.rawColors.GetSize() <= kMaxFitColors) UpdateSaturation();
+    switch (parameters_.mode) {
         case 0:
             return CalibrateAbsolute();
         case 1:
@@ -85,33 +85,33 @@ bool ImplTonewrightDC::Calibrate() {
 }
 
 void ImplTonewrightDC::UpdateSaturation() {
-    if (parameters.saturationMode == 0) {
+    if (parameters_.saturationMode == 0) {
         // In this mode alone the format follows the raw colors, deliberately (C27).
-        calibratedFormat = parameters.rawColors.GetFormat();
+        calibratedFormat_ = parameters_.rawColors.GetFormat();
         ComputeSaturation();
-    } else if (parameters.saturationMode == 2) {
-        std::fill_n(parameters.saturationRgb.begin(), 3, std::uint8_t{255});
-        parameters.saturationRgb10 |= 0x3fffffff;
-        std::fill_n(parameters.saturationRgb16.begin(), 3, std::uint16_t{65535});
+    } else if (parameters_.saturationMode == 2) {
+        std::fill_n(parameters_.saturationRgb.begin(), 3, std::uint8_t{255});
+        parameters_.saturationRgb10 |= 0x3fffffff;
+        std::fill_n(parameters_.saturationRgb16.begin(), 3, std::uint16_t{65535});
     }
 }
 
 void ImplTonewrightDC::ComputeSaturation() {
-    switch (parameters.rawColors.GetFormat()) {
+    switch (parameters_.rawColors.GetFormat()) {
         case CTivData::FormatRgb: {
-            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint32_t, 8>(parameters.rawColors), 255);
-            parameters.saturationRgb = {static_cast<std::uint8_t>(b), static_cast<std::uint8_t>(g),
-                                        static_cast<std::uint8_t>(r), 0};
+            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint32_t, 8>(parameters_.rawColors), 255);
+            parameters_.saturationRgb = {static_cast<std::uint8_t>(b), static_cast<std::uint8_t>(g),
+                                         static_cast<std::uint8_t>(r), 0};
             break;
         }
         case CTivData::FormatRgb10: {
-            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint32_t, 10>(parameters.rawColors), 1023);
-            parameters.saturationRgb10 = r << 20 | g << 10 | b;
+            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint32_t, 10>(parameters_.rawColors), 1023);
+            parameters_.saturationRgb10 = r << 20 | g << 10 | b;
             break;
         }
         case CTivData::FormatRgb16: {
-            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint64_t, 16>(parameters.rawColors), 65535);
-            auto& value = parameters.saturationRgb16;  // the reserved word stays, unlike in the other two
+            const auto [r, g, b] = ScaleToFull(FindBrightest<std::uint64_t, 16>(parameters_.rawColors), 65535);
+            auto& value = parameters_.saturationRgb16;  // the reserved word stays, unlike in the other two
             value = {static_cast<std::uint16_t>(b), static_cast<std::uint16_t>(g), static_cast<std::uint16_t>(r),
                      value[3]};
             break;
@@ -122,39 +122,39 @@ void ImplTonewrightDC::ComputeSaturation() {
 }
 
 bool ImplTonewrightDC::CalibrateAbsolute() {
-    const std::int32_t count = parameters.rawColors.GetSize();
-    if (parameters.illuminant == kUserIlluminant) {
-        const CTivVector& spectrum = parameters.spectrumValues;
+    const std::int32_t count = parameters_.rawColors.GetSize();
+    if (parameters_.illuminant == kUserIlluminant) {
+        const CTivVector& spectrum = parameters_.spectrumValues;
         if (!spectrum.IsAllocated()) return Refuse(kNoReferenceColors);  // not the spectrum: deliberate (C28)
         if (spectrum.GetSize() != count) {
             return Refuse("CTivTonewrightDC::Calibrate => vectors of raw colors and spectrum must be the same size.");
         }
         if (count > kMaxFitColors) return Refuse(kTooManyColors);
-        return FitAbsolute(NormaliseColors(spectrum), AdaptFrom(parameters.illuminantValue));
+        return FitAbsolute(NormaliseColors(spectrum), AdaptFrom(parameters_.illuminantValue));
     }
     const CalibrationTables& tables = GetCalibrationTables();
-    const auto reference = tables.ReferenceTable.find(parameters.illuminant);
+    const auto reference = tables.ReferenceTable.find(parameters_.illuminant);
     if (reference == tables.ReferenceTable.end() || static_cast<std::size_t>(count) != reference->second.size()) {
         return Refuse(
             "CTivTonewrightDC::Calibrate => size of raw vector must be egal to 24 with predefined illluminant.");
     }
-    return FitAbsolute(reference->second, tables.AdaptationTable.at(GetAdaptationKey(parameters.illuminant)));
+    return FitAbsolute(reference->second, tables.AdaptationTable.at(GetAdaptationKey(parameters_.illuminant)));
 }
 
 bool ImplTonewrightDC::FitAbsolute(std::span<const NormalisedColor> targets, const DoubleMatrix& adaptation) {
-    const auto fit = FitColors(NormaliseColors(parameters.rawColors), targets, parameters.terms);
+    const auto fit = FitColors(NormaliseColors(parameters_.rawColors), targets, parameters_.terms);
     if (!fit) {
-        calibrated = true;
+        calibrated_ = true;
         return true;
     }
-    fitMatrix = *fit;
-    adaptationMatrix = adaptation;
-    return StoreTransform(ComposeTransform(fitMatrix, adaptationMatrix));
+    fitMatrix_ = *fit;
+    adaptationMatrix_ = adaptation;
+    return StoreTransform(ComposeTransform(fitMatrix_, adaptationMatrix_));
 }
 
 bool ImplTonewrightDC::CalibrateRelative() {
-    const CTivVector& raw = parameters.rawColors;
-    const CTivVector& reference = parameters.referenceColors;
+    const CTivVector& raw = parameters_.rawColors;
+    const CTivVector& reference = parameters_.referenceColors;
     if (!reference.IsAllocated()) return Refuse(kNoReferenceColors);
     if (reference.GetSize() != raw.GetSize()) {
         return Refuse("CTivTonewrightDC::Calibrate => vectors of raw and reference colors must be the same size.");
@@ -163,17 +163,17 @@ bool ImplTonewrightDC::CalibrateRelative() {
         return Refuse("CTivTonewrightDC::Calibrate => vectors of raw and reference colors must be the same format.");
     }
     if (raw.GetSize() > kMaxFitColors) return Refuse(kTooManyColors);
-    const auto fit = FitColors(NormaliseColors(raw), NormaliseColors(reference), parameters.terms);
+    const auto fit = FitColors(NormaliseColors(raw), NormaliseColors(reference), parameters_.terms);
     if (!fit) {
-        calibrated = true;
+        calibrated_ = true;
         return true;
     }
     return StoreTransform(*fit);
 }
 
 bool ImplTonewrightDC::StoreTransform(const DoubleMatrix& matrix) {
-    if (!StoreRows(matrix, transform)) return false;
-    if (matrix.GetColumns() == 4) colorTwist_ = GetColorTwist(transform);
-    calibrated = true;
+    if (!StoreRows(matrix, transform_)) return false;
+    if (matrix.GetColumns() == 4) colorTwist_ = GetColorTwist(transform_);
+    calibrated_ = true;
     return true;
 }

@@ -26,9 +26,9 @@ std::int64_t PixelsFromRoi(const NurImage& image) {
 
 bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, const Coefficients& coefficients,
                                std::vector<std::uint8_t>& untouched) const {
-    const bool isRgb10 = calibratedFormat == CTivData::FormatRgb10;
-    const bool isRgb16 = calibratedFormat == CTivData::FormatRgb16;
-    const CTivData::Format format = isRgb10 || isRgb16 ? calibratedFormat : CTivData::FormatRgb;
+    const bool isRgb10 = calibratedFormat_ == CTivData::FormatRgb10;
+    const bool isRgb16 = calibratedFormat_ == CTivData::FormatRgb16;
+    const CTivData::Format format = isRgb10 || isRgb16 ? calibratedFormat_ : CTivData::FormatRgb;
     if (source.GetFormat() != format) {
         return Refuse(std::string("CTivTonewrightDC::Execute => source data format must be ") +
                       (isRgb10   ? "RGB10"
@@ -136,7 +136,7 @@ bool ImplTonewrightDC::RunTwist(const NurImage& source, const NurImage& destinat
                 {width, sourcePixels - (top + y) * sourceStep, destinationPixels - (top + y) * destinationStep});
             if (count <= 0) break;
             encode(before + y * sourceStep * kRgbBytes, after + y * destinationStep * kRgbBytes,
-                   static_cast<std::size_t>(count), channelLut8_, parameters.saturationRgb);
+                   static_cast<std::size_t>(count), channelLut8_, parameters_.saturationRgb);
         }
     }
     return true;

@@ -20,7 +20,7 @@ std::int64_t Scale(float fraction, float fullScale) {
 bool ImplTonewrightDC::Save(const std::string& path) const {
     SafeOutputFile file(path);
     if (!file.IsOpen()) return Refuse("CTivTonewrightDC::Save => cannot open file for saving");
-    if (!WriteParameters(file.Stream(), parameters)) return false;
+    if (!WriteParameters(file.Stream(), parameters_)) return false;
     return file.Commit() || Refuse("CTivTonewrightDC::Save => cannot write file");
 }
 
@@ -28,14 +28,14 @@ bool ImplTonewrightDC::Load(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) return Refuse("CTivTonewrightDC::Load => cannot open file for loading");
     std::int32_t version = 0;
-    if (!ReadParameters(file, parameters, version)) return false;
+    if (!ReadParameters(file, parameters_, version)) return false;
     FillGammaTables();
     return Calibrate();
 }
 
 bool ImplTonewrightDC::SaveXForm(const std::string& path, const CTivVector& coefficients, std::int32_t terms,
                                  bool withSaturation) const {
-    if (!calibrated) return Refuse("CTivTonewrightDC::SaveXForm => invalid calibration. Cannot be saved.");
+    if (!calibrated_) return Refuse("CTivTonewrightDC::SaveXForm => invalid calibration. Cannot be saved.");
     SafeOutputFile file(path);
     if (!file.IsOpen()) return Refuse("CTivTonewrightDC::SaveXForm => cannot open file for saving");
     CoefficientHead head;
@@ -49,9 +49,9 @@ bool ImplTonewrightDC::LoadXForm(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) return Refuse("CTivTonewrightDC::LoadXForm => cannot open file for loading");
     CoefficientHead head;
-    head.terms = parameters.terms;
-    const bool isRead = ReadCoefficients(file, head, transform);
-    parameters.terms = head.terms;
+    head.terms = parameters_.terms;
+    const bool isRead = ReadCoefficients(file, head, transform_);
+    parameters_.terms = head.terms;
     if (isRead && head.saturation) SetSaturationFractions(*head.saturation);
     return isRead;
 }
@@ -61,17 +61,17 @@ std::array<float, 3> ImplTonewrightDC::GetSaturationFractions() const {
         return std::array{static_cast<float>(red / fullScale), static_cast<float>(green / fullScale),
                           static_cast<float>(blue / fullScale)};
     };
-    switch (parameters.rawColors.GetFormat()) {
+    switch (parameters_.rawColors.GetFormat()) {
         case CTivData::FormatRgb: {
-            const auto [blue, green, red, reserved] = parameters.saturationRgb;
+            const auto [blue, green, red, reserved] = parameters_.saturationRgb;
             return fractions(red, green, blue, 255.0);
         }
         case CTivData::FormatRgb10: {
-            const std::uint32_t packed = parameters.saturationRgb10;
+            const std::uint32_t packed = parameters_.saturationRgb10;
             return fractions(packed >> 20 & 0x3ff, packed >> 10 & 0x3ff, packed & 0x3ff, 1023.0);
         }
         default: {
-            const auto [blue, green, red, reserved] = parameters.saturationRgb16;
+            const auto [blue, green, red, reserved] = parameters_.saturationRgb16;
             return fractions(red, green, blue, 65535.0);
         }
     }
@@ -82,20 +82,20 @@ void ImplTonewrightDC::SetSaturationFractions(const std::array<float, 3>& fracti
     const auto lowByte = [&fractions](std::size_t channel, float fullScale) {
         return static_cast<std::uint8_t>(Scale(fractions[channel], fullScale));
     };
-    switch (parameters.rawColors.GetFormat()) {
+    switch (parameters_.rawColors.GetFormat()) {
         case CTivData::FormatRgb: {
-            auto& value = parameters.saturationRgb;
+            auto& value = parameters_.saturationRgb;
             value = {lowByte(2, 255.0f), lowByte(1, 255.0f), lowByte(0, 255.0f), value[3]};
             break;
         }
         case CTivData::FormatRgb10: {
-            auto& value = parameters.saturationRgb10;
+            auto& value = parameters_.saturationRgb10;
             const std::uint32_t red = lowByte(0, 1023.0f), green = lowByte(1, 1023.0f), blue = lowByte(2, 1023.0f);
             value = (value & kRgb10TopBits) | red << 20 | green << 10 | blue;
             break;
         }
         default: {
-            auto& value = parameters.saturationRgb16;
+            auto& value = parameters_.saturationRgb16;
             value = {lowByte(2, 65535.0f), lowByte(1, 65535.0f), lowByte(0, 65535.0f), value[3]};
             break;
         }

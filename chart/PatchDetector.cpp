@@ -71,17 +71,17 @@ int groupCenters(int count, int gap, int limit, Center center, Store store) {
 
 bool PatchDetector::DetectPatches(CTivImage& image, const ChartRoi& roi, const ChartSize& chart) {
     if (!image.IsAllocated()) return false;
-    m_blobCount = m_foundRows = m_foundColumns = 0;
-    m_overlay.clear();
-    m_patchGrid.clear();
+    blobCount_ = foundRows_ = foundColumns_ = 0;
+    overlay_.clear();
+    patchGrid_.clear();
     const std::int64_t width = std::int64_t{roi.right} - roi.left;
     const std::int64_t height = std::int64_t{roi.bottom} - roi.top;
     if (chart.Width < 1 || chart.Height < 1) return false;
     const bool hasRoom = chart.Width <= width && chart.Height <= height;
     // Zeros stand before anything is refused, unless there were more of them than any chart or ROI accounts for.
     if (hasRoom || std::max(chart.Width, chart.Height) <= kMostPatchesASide) {
-        m_patchGrid.assign(static_cast<std::size_t>(chart.Height),
-                           std::vector<PatchCell>(static_cast<std::size_t>(chart.Width)));
+        patchGrid_.assign(static_cast<std::size_t>(chart.Height),
+                          std::vector<PatchCell>(static_cast<std::size_t>(chart.Width)));
     }
     CTivImage gray;
     if (!hasRoom || !TakeGray(image, roi, gray) || !FindGrid(gray, chart)) return false;
@@ -119,31 +119,31 @@ bool PatchDetector::FindGrid(CTivImage& gray, const ChartSize& chart) {
         widths += blob.GetBlobWidth(i);
         heights += blob.GetBlobHeight(i);
     }
-    m_blobCount = count;
-    m_patchWidth = static_cast<std::int32_t>(widths / (2 * std::int64_t{count}));
-    m_patchHeight = static_cast<std::int32_t>(heights / (2 * std::int64_t{count}));
+    blobCount_ = count;
+    patchWidth_ = static_cast<std::int32_t>(widths / (2 * std::int64_t{count}));
+    patchHeight_ = static_cast<std::int32_t>(heights / (2 * std::int64_t{count}));
 
     blob.SortByFeature(BlobCenterY, kBlobAscending);
-    m_foundRows = groupCenters(
-        count, m_patchHeight, chart.Height, [&](int i) { return blob.GetCenterY(i); },
+    foundRows_ = groupCenters(
+        count, patchHeight_, chart.Height, [&](int i) { return blob.GetCenterY(i); },
         [&](int row, float y) {
-            for (PatchCell& cell : m_patchGrid[static_cast<std::size_t>(row)]) cell.y = y;
+            for (PatchCell& cell : patchGrid_[static_cast<std::size_t>(row)]) cell.y = y;
         });
     blob.SortByFeature(BlobCenterX, kBlobAscending);
-    m_foundColumns = groupCenters(
-        count, m_patchWidth, chart.Width, [&](int i) { return blob.GetCenterX(i); },
+    foundColumns_ = groupCenters(
+        count, patchWidth_, chart.Width, [&](int i) { return blob.GetCenterX(i); },
         [&](int column, float x) {
-            for (auto& row : m_patchGrid) row[static_cast<std::size_t>(column)].x = x;
+            for (auto& row : patchGrid_) row[static_cast<std::size_t>(column)].x = x;
         });
     return true;
 }
 
 void PatchDetector::DrawOverlay(const ChartRoi& roi) {
-    for (const auto& row : m_patchGrid) {
+    for (const auto& row : patchGrid_) {
         for (const PatchCell& cell : row) {
-            m_overlay.push_back({static_cast<int>(cell.x) - m_patchWidth / 2 + roi.left,
-                                 static_cast<int>(cell.y) - m_patchHeight / 2 + roi.top, m_patchWidth, m_patchHeight,
-                                 kPenColor});
+            overlay_.push_back({static_cast<int>(cell.x) - patchWidth_ / 2 + roi.left,
+                                static_cast<int>(cell.y) - patchHeight_ / 2 + roi.top, patchWidth_, patchHeight_,
+                                kPenColor});
         }
     }
 }
@@ -160,14 +160,14 @@ PatchColors PatchDetector::Measure(CTivImage& image, const ChartRoi& roi, const 
     float mean[3] = {};
     float best = 0.0f;
     image.SetRoi({});
-    const int rows = std::min(chart.Height, static_cast<int>(m_patchGrid.size()));
+    const int rows = std::min(chart.Height, static_cast<int>(patchGrid_.size()));
     for (int r = 0; r < rows; ++r) {
-        auto& cells = m_patchGrid[static_cast<std::size_t>(r)];
+        auto& cells = patchGrid_[static_cast<std::size_t>(r)];
         const int columns = std::min(chart.Width, static_cast<int>(cells.size()));
         for (int c = 0; c < columns; ++c) {
             PatchCell& cell = cells[static_cast<std::size_t>(c)];
-            image.SetRoi({roi.left - m_patchWidth / 2 + static_cast<int>(cell.x),
-                          roi.top - m_patchHeight / 2 + static_cast<int>(cell.y), m_patchWidth, m_patchHeight});
+            image.SetRoi({roi.left - patchWidth_ / 2 + static_cast<int>(cell.x),
+                          roi.top - patchHeight_ / 2 + static_cast<int>(cell.y), patchWidth_, patchHeight_});
             result.measured &= basic.Stats(image, mean, nullptr, nullptr, nullptr);
             std::uint32_t color[3];
             for (int i = 0; i < 3; ++i) color[i] = truncated(mean[i]) & Word::kFullScale;
@@ -181,7 +181,7 @@ PatchColors PatchDetector::Measure(CTivImage& image, const ChartRoi& roi, const 
             }
         }
     }
-    m_brightest = result.brightest;
+    brightest_ = result.brightest;
     return result;
 }
 

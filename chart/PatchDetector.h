@@ -93,16 +93,16 @@ public:
     static void GetRoiColor(CTivImage& image, const ChartRoi& roi, unsigned char* bgr, CTivData::Point* centre);
 
     /// Forgets the grid, as for a new image.
-    void Clear() { m_patchGrid.clear(); }
+    void Clear() { patchGrid_.clear(); }
 
-    const PatchGrid& GetGrid() const { return m_patchGrid; }
-    int GetPatchWidth() const { return m_patchWidth; }    ///< pixels of a sampling rectangle
-    int GetPatchHeight() const { return m_patchHeight; }  ///< pixels of a sampling rectangle
-    const std::vector<PatchOverlay>& GetOverlay() const { return m_overlay; }
-    int GetBlobCount() const { return m_blobCount; }  ///< blobs that the last detection accepted
-    int GetFoundRows() const { return m_foundRows; }  ///< grid rows that a group of blobs filled
-    int GetFoundColumns() const { return m_foundColumns; }
-    int GetBrightest() const { return m_brightest; }  ///< as PatchColors tells it, of the last measurement
+    const PatchGrid& GetGrid() const { return patchGrid_; }
+    int GetPatchWidth() const { return patchWidth_; }    ///< pixels of a sampling rectangle
+    int GetPatchHeight() const { return patchHeight_; }  ///< pixels of a sampling rectangle
+    const std::vector<PatchOverlay>& GetOverlay() const { return overlay_; }
+    int GetBlobCount() const { return blobCount_; }  ///< blobs that the last detection accepted
+    int GetFoundRows() const { return foundRows_; }  ///< grid rows that a group of blobs filled
+    int GetFoundColumns() const { return foundColumns_; }
+    int GetBrightest() const { return brightest_; }  ///< as PatchColors tells it, of the last measurement
 
 private:
     bool TakeGray(CTivImage& image, const ChartRoi& roi, CTivImage& gray) const;
@@ -112,12 +112,12 @@ private:
     PatchColors Measure(CTivImage& image, const ChartRoi& roi, const ChartSize& chart);
     PatchColors MeasureAt(PatchDepth depth, CTivImage& image, const ChartRoi& roi, const ChartSize& chart);
 
-    PatchGrid m_patchGrid;
-    std::int32_t m_patchWidth = 0;
-    std::int32_t m_patchHeight = 0;
-    std::vector<PatchOverlay> m_overlay;
-    int m_blobCount = 0;
-    int m_foundRows = 0;
-    int m_foundColumns = 0;
-    int m_brightest = 0;
+    PatchGrid patchGrid_;
+    std::int32_t patchWidth_ = 0;
+    std::int32_t patchHeight_ = 0;
+    std::vector<PatchOverlay> overlay_;
+    int blobCount_ = 0;
+    int foundRows_ = 0;
+    int foundColumns_ = 0;
+    int brightest_ = 0;
 };

@@ -9,12 +9,12 @@
 
 class ImplImage : public CTivManager {
 public:
-    NurImage record;
-    int significantBits = 8;
-    bool external = false;
+    NurImage record_;
+    int significantBits_ = 8;
+    bool external_ = false;
 
     ~ImplImage() override {
-        if (!external && record.data && nur_image_free(&record) != 0) {
+        if (!external_ && record_.data && nur_image_free(&record_) != 0) {
             ReportError("CTivImage::Free => Cannot free image data");
         }
     }
@@ -56,10 +56,10 @@ CTivImage& CTivImage::operator=(const CTivImage& source) {
     if (this == &source) return *this;
     impl_ = std::make_unique<ImplImage>();
     if (!source.impl_ || source.GetFormat() == CTivData::FormatNone) return *this;
-    const NurImage& record = source.impl_->record;
+    const NurImage& record = source.impl_->record_;
     if (!Set(record.width, record.height, record.format, record.data, true) || !SetRoi(record.roi)) return *this;
-    const int bits = source.impl_->significantBits;
-    if (bits >= 8 && bits <= CTivData::GetBitsPerChannel(record.format)) impl_->significantBits = bits;
+    const int bits = source.impl_->significantBits_;
+    if (bits >= 8 && bits <= CTivData::GetBitsPerChannel(record.format)) impl_->significantBits_ = bits;
     return *this;
 }
 
@@ -77,12 +77,12 @@ bool CTivImage::Assign(int width, int height, CTivData::Format format, void* dat
     if (!Free()) return false;
     if (width == 0 && height == 0) return true;
     if (data && !copy) {
-        impl_->record = {format, data, width, height, {0, 0, width, height}};
-        impl_->external = true;
-        impl_->significantBits = CTivData::GetBitsPerChannel(format);
+        impl_->record_ = {format, data, width, height, {0, 0, width, height}};
+        impl_->external_ = true;
+        impl_->significantBits_ = CTivData::GetBitsPerChannel(format);
         return true;
     }
-    const int answer = nur_image_alloc(&impl_->record, format, width, height, isPromise);
+    const int answer = nur_image_alloc(&impl_->record_, format, width, height, isPromise);
     if (answer != 0 && data) return Refuse("CTivImage::Set => Cannot copy image data");
     if (answer == -2) {
         return Refuse("CTivImage::Set => Cannot allocate image with negative dimension(s) or invalid format");
@@ -91,9 +91,9 @@ bool CTivImage::Assign(int width, int height, CTivData::Format format, void* dat
     if (data) {
         // Significant bits deliberately (C38) stay at 8 here; copies of images restore their own value.
         const std::int64_t bytes = GetImageBytes(width, height, format);
-        if (impl_->record.data) std::memcpy(impl_->record.data, data, static_cast<std::size_t>(bytes));
+        if (impl_->record_.data) std::memcpy(impl_->record_.data, data, static_cast<std::size_t>(bytes));
     } else {
-        impl_->significantBits = CTivData::GetBitsPerChannel(format);
+        impl_->significantBits_ = CTivData::GetBitsPerChannel(format);
     }
     return true;
 }
@@ -104,18 +104,18 @@ bool CTivImage::Set(int width, int height, CTivData::Format format, const CTivRe
 
 bool CTivImage::Free() {
     if (!impl_) return false;
-    if (impl_->record.data && !impl_->external && nur_image_free(&impl_->record) != 0) {
+    if (impl_->record_.data && !impl_->external_ && nur_image_free(&impl_->record_) != 0) {
         return Refuse("CTivImage::Free => Cannot free image data");
     }
-    impl_->record = {};
-    impl_->significantBits = kDefaultSignificantBits;
-    impl_->external = false;
+    impl_->record_ = {};
+    impl_->significantBits_ = kDefaultSignificantBits;
+    impl_->external_ = false;
     return true;
 }
 
 bool CTivImage::Clear() {
     if (!impl_) return false;
-    const NurImage& record = impl_->record;
+    const NurImage& record = impl_->record_;
     if (!record.data) return true;
     const auto bytes = static_cast<std::size_t>(GetRowBytes(record.roi.width, record.format));
     for (int y = 0; y < record.roi.height; ++y) std::memset(record.RoiRow(y), 0, bytes);
@@ -124,7 +124,7 @@ bool CTivImage::Clear() {
 
 bool CTivImage::Copy(const CTivImage& source) {
     if (!impl_ || !source.impl_) return false;
-    const NurImage& from = source.impl_->record;
+    const NurImage& from = source.impl_->record_;
     if (GetFormat() != CTivData::FormatNone && GetFormat() != from.format) {
         return Refuse("CTivImage::Copy => source and destination formats must be the same");
     }
@@ -135,14 +135,14 @@ bool CTivImage::Copy(const CTivImage& source) {
         return Refuse("CTivImage::Copy => FormatBinary supports X alignment of multiple of 8 pixels only");
     }
     if (IsAllocated()) {
-        const CTivRect& roi = impl_->record.roi;
+        const CTivRect& roi = impl_->record_.roi;
         if (roi.width < from.roi.width || roi.height < from.roi.height) {
             return Refuse("CTivImage::Copy => preallocated source ROI width and/or height not large enough");
         }
     } else if (!Set(from.roi.width, from.roi.height, from.format, nullptr, false)) {
         return Refuse("CTivImage::Copy => Error on allocation");
     }
-    const NurImage& to = impl_->record;
+    const NurImage& to = impl_->record_;
     if (!from.data || !to.data) return true;
     const auto bytes = static_cast<std::size_t>(GetRowBytes(from.roi.width, from.format));
     for (int y = 0; y < from.roi.height; ++y) std::memmove(to.RoiRow(y), from.RoiRow(y), bytes);
@@ -154,7 +154,7 @@ CTivData CTivImage::GetData(int x, int y) const {
         ReportError("CTivImage::GetData => image not allocated");
         return {};
     }
-    const NurImage& record = impl_->record;
+    const NurImage& record = impl_->record_;
     if (!isInside(record, x, y)) {
         ReportError("CTivImage::GetData => Coordinates out of range");
         return {};
@@ -164,7 +164,7 @@ CTivData CTivImage::GetData(int x, int y) const {
 
 bool CTivImage::SetData(int x, int y, const CTivData& value) {
     if (!IsAllocated()) return Refuse("CTivImage::SetData => image not allocated");
-    const NurImage& record = impl_->record;
+    const NurImage& record = impl_->record_;
     if (!isInside(record, x, y)) return Refuse("CTivImage::SetData => Coordinates out of range");
     if (value.GetFormat() == CTivData::FormatNone) {
         return Refuse("CTivImage::SetData => unknown format in <data> argument");
@@ -175,7 +175,7 @@ bool CTivImage::SetData(int x, int y, const CTivData& value) {
 
 bool CTivImage::SetRoi(const CTivRect& roi) {
     if (!impl_) return false;
-    NurImage& record = impl_->record;
+    NurImage& record = impl_->record_;
     if (roi.x < 0 || roi.y < 0 || roi.width < 0 || roi.height < 0 || roi.width > record.width - roi.x ||
         roi.height > record.height - roi.y) {
         return Refuse("CTivImage::SetRoi => ROI rectangle out of range");
@@ -192,17 +192,17 @@ bool CTivImage::SetRoi(const CTivRect& roi) {
     return true;
 }
 
-CTivRect CTivImage::GetRoi() const { return impl_ ? impl_->record.roi : CTivRect{}; }
-CTivData::Format CTivImage::GetFormat() const { return impl_ ? impl_->record.format : CTivData::FormatNone; }
-int CTivImage::GetWidth() const { return impl_ ? impl_->record.width : -1; }
-int CTivImage::GetHeight() const { return impl_ ? impl_->record.height : -1; }
-int CTivImage::GetSignificantBits() const { return impl_ ? impl_->significantBits : -1; }
-bool CTivImage::IsAllocated() const { return impl_ && impl_->record.data; }
-bool CTivImage::IsExternal() const { return impl_ && impl_->external; }
-void* CTivImage::GetData() const { return impl_ ? impl_->record.data : nullptr; }
-void* CTivImage::GetRoiData() const { return IsAllocated() ? impl_->record.RoiRow(0) : nullptr; }
-const NurImage* CTivImage::GetRecord() const { return impl_ ? &impl_->record : nullptr; }
-NurImage* CTivImage::GetRecord() { return impl_ ? &impl_->record : nullptr; }
+CTivRect CTivImage::GetRoi() const { return impl_ ? impl_->record_.roi : CTivRect{}; }
+CTivData::Format CTivImage::GetFormat() const { return impl_ ? impl_->record_.format : CTivData::FormatNone; }
+int CTivImage::GetWidth() const { return impl_ ? impl_->record_.width : -1; }
+int CTivImage::GetHeight() const { return impl_ ? impl_->record_.height : -1; }
+int CTivImage::GetSignificantBits() const { return impl_ ? impl_->significantBits_ : -1; }
+bool CTivImage::IsAllocated() const { return impl_ && impl_->record_.data; }
+bool CTivImage::IsExternal() const { return impl_ && impl_->external_; }
+void* CTivImage::GetData() const { return impl_ ? impl_->record_.data : nullptr; }
+void* CTivImage::GetRoiData() const { return IsAllocated() ? impl_->record_.RoiRow(0) : nullptr; }
+const NurImage* CTivImage::GetRecord() const { return impl_ ? &impl_->record_ : nullptr; }
+NurImage* CTivImage::GetRecord() { return impl_ ? &impl_->record_ : nullptr; }
 
 std::int64_t CTivImage::GetRowBytes(int width, CTivData::Format format) {
     return (std::int64_t{CTivData::GetFormatBits(format)} * width + 7) / 8;
@@ -237,7 +237,7 @@ bool CTivImage::ReadFile(std::istream& stream, bool reallocate) {
         }
         return true;
     }
-    const NurImage& record = impl_->record;
+    const NurImage& record = impl_->record_;
     if (format != record.format) {
         return Refuse("CTivImage::ReadFile => source and destination formats must be the same");
     }
@@ -255,7 +255,7 @@ bool CTivImage::ReadFile(std::istream& stream, bool reallocate) {
 
 bool CTivImage::WriteFile(std::ostream& stream) const {
     if (!impl_) return false;
-    const NurImage& record = impl_->record;
+    const NurImage& record = impl_->record_;
     writeRecordHead(stream, kRecordName);
     const std::int32_t fields[7] = {record.width, record.height,    record.format,    record.roi.x,
                                     record.roi.y, record.roi.width, record.roi.height};

@@ -8,11 +8,11 @@
 
 class ImplVector : public CTivManager {
 public:
-    NurVector record;
-    bool external = false;
+    NurVector record_;
+    bool external_ = false;
 
     ~ImplVector() override {
-        if (!external && record.data && nur_vector_free(&record) != 0) {
+        if (!external_ && record_.data && nur_vector_free(&record_) != 0) {
             ReportError("CTivVector::Free => Cannot free vector data");
         }
     }
@@ -43,7 +43,7 @@ CTivVector::CTivVector(int size, CTivData::Format format, void* data, bool copy)
 CTivVector& CTivVector::operator=(const CTivVector& source) {
     if (this == &source || !source.impl_) return *this;
     impl_ = std::make_unique<ImplVector>();
-    const NurVector& record = source.impl_->record;
+    const NurVector& record = source.impl_->record_;
     if (record.format != CTivData::FormatNone) Set(record.size, record.format, record.data, true);
     return *this;
 }
@@ -55,22 +55,22 @@ bool CTivVector::Set(int size, CTivData::Format format, void* data, bool copy) {
     if (isUnevenBinary(format, size)) return Refuse(kBinarySize);
     if (!Free()) return false;
     if (data && !copy) {
-        impl_->record = {format, data, size};
-        impl_->external = true;
+        impl_->record_ = {format, data, size};
+        impl_->external_ = true;
         return true;
     }
-    if (nur_vector_alloc(&impl_->record, format, size) != 0) return Refuse(kCannotAllocate);
-    if (data && impl_->record.data) std::memcpy(impl_->record.data, data, dataBytes(impl_->record));
+    if (nur_vector_alloc(&impl_->record_, format, size) != 0) return Refuse(kCannotAllocate);
+    if (data && impl_->record_.data) std::memcpy(impl_->record_.data, data, dataBytes(impl_->record_));
     return true;
 }
 
 bool CTivVector::Free() {
     if (!impl_) return false;
-    if (impl_->record.data && !impl_->external && nur_vector_free(&impl_->record) != 0) {
+    if (impl_->record_.data && !impl_->external_ && nur_vector_free(&impl_->record_) != 0) {
         return Refuse("CTivVector::Free => Cannot free vector data");
     }
-    impl_->record = {};
-    impl_->external = false;
+    impl_->record_ = {};
+    impl_->external_ = false;
     return true;
 }
 
@@ -79,33 +79,33 @@ CTivData CTivVector::GetData(int index) const {
         ReportError("CTivVector::GetData => vector not allocated");
         return {};
     }
-    if (index < 0 || index >= impl_->record.size) {
+    if (index < 0 || index >= impl_->record_.size) {
         ReportError("CTivVector::GetData => Index out of range");
         return {};
     }
-    return ReadElement(impl_->record.format, impl_->record.data, static_cast<std::uint64_t>(index));
+    return ReadElement(impl_->record_.format, impl_->record_.data, static_cast<std::uint64_t>(index));
 }
 
 bool CTivVector::SetData(int index, const CTivData& value) {
     if (!IsAllocated()) return Refuse("CTivVector::SetData => vector not allocated");
-    if (index < 0 || index >= impl_->record.size) return Refuse("CTivVector::SetData => Index out of range");
+    if (index < 0 || index >= impl_->record_.size) return Refuse("CTivVector::SetData => Index out of range");
     if (value.GetFormat() == CTivData::FormatNone) {
         return Refuse("CTivVector::SetData => unknown format in <data> argument");
     }
-    WriteElement(impl_->record.format, impl_->record.data, static_cast<std::uint64_t>(index), value);
+    WriteElement(impl_->record_.format, impl_->record_.data, static_cast<std::uint64_t>(index), value);
     return true;
 }
 
-CTivData::Format CTivVector::GetFormat() const { return impl_ ? impl_->record.format : CTivData::FormatNone; }
-int CTivVector::GetSize() const { return impl_ ? impl_->record.size : -1; }
-bool CTivVector::IsAllocated() const { return impl_ && impl_->record.data; }
-void* CTivVector::GetDataPointer() const { return impl_ ? impl_->record.data : nullptr; }
-const NurVector* CTivVector::GetRecord() const { return impl_ ? &impl_->record : nullptr; }
-NurVector* CTivVector::GetRecord() { return impl_ ? &impl_->record : nullptr; }
+CTivData::Format CTivVector::GetFormat() const { return impl_ ? impl_->record_.format : CTivData::FormatNone; }
+int CTivVector::GetSize() const { return impl_ ? impl_->record_.size : -1; }
+bool CTivVector::IsAllocated() const { return impl_ && impl_->record_.data; }
+void* CTivVector::GetDataPointer() const { return impl_ ? impl_->record_.data : nullptr; }
+const NurVector* CTivVector::GetRecord() const { return impl_ ? &impl_->record_ : nullptr; }
+NurVector* CTivVector::GetRecord() { return impl_ ? &impl_->record_ : nullptr; }
 
 bool CTivVector::WriteFile(std::ostream& stream) const {
     if (!impl_) return false;
-    const NurVector& record = impl_->record;
+    const NurVector& record = impl_->record_;
     writeRecordHead(stream, kRecordName);
     stream.write(reinterpret_cast<const char*>(&record.size), sizeof record.size);
     stream.write(reinterpret_cast<const char*>(&record.format), sizeof record.format);
@@ -151,10 +151,10 @@ bool CTivVector::ReadFile(std::istream& stream) {
         ready = ready && Free();
         // Elements without a size would be as many as the file likes to say.
         if (ready && CTivData::GetFormatBits(head.format) == 0) ready = Refuse(kCannotAllocate);
-        if (ready && nur_vector_alloc(&impl_->record, head.format, head.size, true) != 0)
+        if (ready && nur_vector_alloc(&impl_->record_, head.format, head.size, true) != 0)
             ready = Refuse(kCannotAllocate);
         if (!ready) throw std::runtime_error("failed to reallocate");
-        if (impl_->record.data) readIntoZeros(stream, impl_->record.data, dataBytes(impl_->record));
+        if (impl_->record_.data) readIntoZeros(stream, impl_->record_.data, dataBytes(impl_->record_));
         return true;
     });
 }
@@ -163,7 +163,7 @@ bool CTivVector::ReadFileInPlace(std::istream& stream) {
     if (!impl_) return false;
     return reportingRead([&] {
         const VectorHead head = readHead(stream);
-        const NurVector& record = impl_->record;
+        const NurVector& record = impl_->record_;
         if (head.format != record.format) throw std::runtime_error("source and destination formats must be the same");
         if (record.size < head.size) throw std::runtime_error("preallocated source size not large enough");
         if (record.data && head.size > 0) {

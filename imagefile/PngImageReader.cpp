@@ -75,16 +75,16 @@ public:
         // What no pixel needs stays folded: a small chunk of text may hold a great deal.
         png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(png_, info_);
-        colorType = png_get_color_type(png_, info_);
-        bitDepth = png_get_bit_depth(png_, info_);
-        storedBytes = static_cast<std::int64_t>(png_get_rowbytes(png_, info_)) *
-                      static_cast<std::int64_t>(png_get_image_height(png_, info_));
+        colorType_ = png_get_color_type(png_, info_);
+        bitDepth_ = png_get_bit_depth(png_, info_);
+        storedBytes_ = static_cast<std::int64_t>(png_get_rowbytes(png_, info_)) *
+                       static_cast<std::int64_t>(png_get_image_height(png_, info_));
         SetTransformations();
         png_set_interlace_handling(png_);
         png_read_update_info(png_, info_);
-        width = png_get_image_width(png_, info_);
-        height = png_get_image_height(png_, info_);
-        rowBytes = static_cast<std::int64_t>(png_get_rowbytes(png_, info_));
+        width_ = png_get_image_width(png_, info_);
+        height_ = png_get_image_height(png_, info_);
+        rowBytes_ = static_cast<std::int64_t>(png_get_rowbytes(png_, info_));
         return true;
     }
 
@@ -96,12 +96,12 @@ public:
 
     std::int64_t SourceBytes() const { return sourceBytes_; }
 
-    int colorType = 0;
-    int bitDepth = 0;
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
-    std::int64_t rowBytes = 0;
-    std::int64_t storedBytes = 0;  // of the samples as the file holds them
+    int colorType_ = 0;
+    int bitDepth_ = 0;
+    std::uint32_t width_ = 0;
+    std::uint32_t height_ = 0;
+    std::int64_t rowBytes_ = 0;
+    std::int64_t storedBytes_ = 0;  // of the samples as the file holds them
 
 private:
     static void RequireSignature(const std::uint8_t* bytes) {
@@ -116,10 +116,10 @@ private:
     }
 
     void SetTransformations() {
-        const unsigned filler = bitDepth > 8 ? 0xFFFF : 0xFF;
-        switch (colorType) {
+        const unsigned filler = bitDepth_ > 8 ? 0xFFFF : 0xFF;
+        switch (colorType_) {
             case PNG_COLOR_TYPE_GRAY:
-                if (bitDepth < 8) png_set_expand_gray_1_2_4_to_8(png_);
+                if (bitDepth_ < 8) png_set_expand_gray_1_2_4_to_8(png_);
                 break;
             case PNG_COLOR_TYPE_PALETTE:
                 png_set_palette_to_rgb(png_);
@@ -168,27 +168,28 @@ void PngImageReader::Read(Decoder& decoder) {
     roi_ = OptionalResult<CTivRect>(CTivRect{});
     if (!decoder.Create()) return;
     if (!decoder.ReadHead()) throw std::runtime_error(kFailed);
-    const bool gray = decoder.colorType == PNG_COLOR_TYPE_GRAY;
-    const bool known = gray || decoder.colorType == PNG_COLOR_TYPE_PALETTE || decoder.colorType == PNG_COLOR_TYPE_RGB ||
-                       decoder.colorType == PNG_COLOR_TYPE_RGB_ALPHA || decoder.colorType == PNG_COLOR_TYPE_GRAY_ALPHA;
+    const bool gray = decoder.colorType_ == PNG_COLOR_TYPE_GRAY;
+    const bool known = gray || decoder.colorType_ == PNG_COLOR_TYPE_PALETTE ||
+                       decoder.colorType_ == PNG_COLOR_TYPE_RGB || decoder.colorType_ == PNG_COLOR_TYPE_RGB_ALPHA ||
+                       decoder.colorType_ == PNG_COLOR_TYPE_GRAY_ALPHA;
     if (!known) throw std::runtime_error("Error identifying PNG color type");
-    const bool deep = decoder.bitDepth > 8;
+    const bool deep = decoder.bitDepth_ > 8;
     const CTivData::Format format = gray ? (deep ? CTivData::FormatUShort : CTivData::FormatUByte)
                                          : (deep ? CTivData::FormatRgb16 : CTivData::FormatRgb);
-    size_ = decoder.rowBytes * decoder.height;
-    if (decoder.storedBytes > decoder.SourceBytes() * kMostUnfolding ||
-        decoder.rowBytes != std::int64_t{CTivData::GetFormatSize(format)} * decoder.width) {
+    size_ = decoder.rowBytes_ * decoder.height_;
+    if (decoder.storedBytes_ > decoder.SourceBytes() * kMostUnfolding ||
+        decoder.rowBytes_ != std::int64_t{CTivData::GetFormatSize(format)} * decoder.width_) {
         throw std::runtime_error(kFailed);
     }
     pixels_.reset(nur_alloc(static_cast<std::uint64_t>(size_), true));
     if (!pixels_) throw std::runtime_error(kFailed);
-    std::vector<png_bytep> rows(decoder.height);
+    std::vector<png_bytep> rows(decoder.height_);
     for (std::size_t y = 0; y < rows.size(); ++y) {
-        rows[y] = static_cast<png_bytep>(pixels_.get()) + static_cast<std::int64_t>(y) * decoder.rowBytes;
+        rows[y] = static_cast<png_bytep>(pixels_.get()) + static_cast<std::int64_t>(y) * decoder.rowBytes_;
     }
     if (!decoder.ReadPixels(rows.data())) throw std::runtime_error(kFailed);
-    width_ = Result<int>(static_cast<int>(decoder.width));
-    height_ = Result<int>(static_cast<int>(decoder.height));
+    width_ = Result<int>(static_cast<int>(decoder.width_));
+    height_ = Result<int>(static_cast<int>(decoder.height_));
     format_ = Result<CTivData::Format>(format);
     bytesPerPixel_ = Result<int>(CTivData::GetFormatSize(format));
     roi_ = OptionalResult<CTivRect>({0, 0, width_.Get(), height_.Get()});
