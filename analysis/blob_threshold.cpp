@@ -70,7 +70,7 @@ const LevelPattern* findPattern(const BlobConfig& config) {
 }
 
 template <class T>
-int mapLevels(const NurImage& input, const NurImage& output, const BlobConfig& config) {
+int mapLevels(const NurImage& input, NurImage& output, const BlobConfig& config) {
     constexpr std::int32_t values = std::numeric_limits<T>::max() + 1;
     const std::span thresholds(config.thresholds.data(), static_cast<std::size_t>(config.levelCount));
     for (const std::int32_t threshold : thresholds.first(thresholds.size() - 1)) {

@@ -92,7 +92,7 @@ double spread(const LocalRules& rules, double sum, double squares) {
 
 // No division: a pixel is compared at window scale.
 template <class T, class Out, int switches>
-void thresholdWindows(const NurImage& source, const NurImage& destination, const LocalRules& rules, T lowest) {
+void thresholdWindows(const NurImage& source, NurImage& destination, const LocalRules& rules, T lowest) {
     const double pixels = rules.Pixels();
     WindowSums<T> sums(source, rules.halfWidth, rules.halfHeight, false);
     std::optional<WindowSums<T>> squares;
@@ -112,7 +112,7 @@ void thresholdWindows(const NurImage& source, const NurImage& destination, const
     }
 }
 
-void runWindows(const NurImage& source, const NurImage& destination, const LocalRules& rules, float lowest) {
+void runWindows(const NurImage& source, NurImage& destination, const LocalRules& rules, float lowest) {
     withGrayElement(source.format, false, [&](auto zero) {
         using T = decltype(zero);
         const T otherwise = std::is_floating_point_v<T> ? static_cast<T>(lowest) : std::numeric_limits<T>::min();
@@ -139,7 +139,7 @@ int thresholdTile(const NurImage& tile, NurImage out, float wholeLevel, bool inv
     return 0;
 }
 
-int thresholdTiles(const NurImage& source, const NurImage& destination, int tileWidth, int tileHeight, bool invert,
+int thresholdTiles(const NurImage& source, NurImage& destination, int tileWidth, int tileHeight, bool invert,
                    bool single, bool binary) {
     float wholeLevel = 0;
     if (!findOtsuLevel(&source, &wholeLevel)) return nur_refuse("nur_localAdaptThresh: failed thresholding image\n");

@@ -38,7 +38,7 @@ T lowestOf(const NurImage& image) {
 }
 
 template <class In, class Out>
-void runRows(const NurImage& source, const NurImage& destination, ThresholdLevels<In> levels, int switches) {
+void runRows(const NurImage& source, NurImage& destination, ThresholdLevels<In> levels, int switches) {
     const auto row = GetThresholdRow<In, Out>(switches, ctiv_GetAccelerationLevel() != 0 && HasAvx2());
     auto width = static_cast<std::size_t>(source.roi.width);
     int height = source.roi.height;
@@ -61,7 +61,7 @@ void packRow(const T* source, std::uint8_t* destination, int width, int low, int
     }
 }
 
-int packBinary(const NurImage& source, const NurImage& destination, float low, float high, bool invert, bool single,
+int packBinary(const NurImage& source, NurImage& destination, float low, float high, bool invert, bool single,
                bool binary) {
     const bool served = binary && nur_is_type(source.format, {D::FormatUByte, D::FormatByte}) &&
                         destination.roi.width >= source.roi.width && destination.roi.height >= source.roi.height;
@@ -80,7 +80,7 @@ int packBinary(const NurImage& source, const NurImage& destination, float low, f
     return 0;
 }
 
-void run(const NurImage& source, const NurImage& destination, float low, float high, int switches) {
+void run(const NurImage& source, NurImage& destination, float low, float high, int switches) {
     withGrayElement(source.format, false, [&](auto zero) {
         using In = decltype(zero);
         const bool isBinary = (switches & kThresholdBinary) != 0;
@@ -128,7 +128,7 @@ int checkLevelImages(const NurImage& source, const NurImage* destination, const 
 }
 
 template <class In, class Out>
-void runLevelRows(const NurImage& source, const NurImage& destination, const NurImage& lowImage,
+void runLevelRows(const NurImage& source, NurImage& destination, const NurImage& lowImage,
                   const NurImage& highImage, int switches) {
     WithSwitches(switches, [&](auto fixed) {
         for (int y = 0; y < source.roi.height; ++y) {
@@ -144,7 +144,7 @@ void runLevelRows(const NurImage& source, const NurImage& destination, const Nur
     });
 }
 
-void runLevelImages(const NurImage& source, const NurImage& destination, const NurImage& lowImage,
+void runLevelImages(const NurImage& source, NurImage& destination, const NurImage& lowImage,
                     const NurImage& highImage, int switches) {
     if (isEmpty(source)) return;
     withGrayElement(source.format, false, [&](auto zero) {

@@ -60,7 +60,7 @@ private:
     std::vector<std::uint8_t> triples_, mask_, second_;
 };
 
-bool binThresh(const NurImage& source, const NurImage& destination, ColorMask& mask) {
+bool binThresh(const NurImage& source, NurImage& destination, ColorMask& mask) {
     const int width = source.roi.width;
     for (int y = 0; y < source.roi.height; ++y) {
         std::uint8_t* out = destination.RoiRow(y);
@@ -72,7 +72,7 @@ bool binThresh(const NurImage& source, const NurImage& destination, ColorMask& m
 }
 
 // Source and destination may be the same.
-bool semiThresh(const NurImage& source, const NurImage& destination, ColorMask& mask) {
+bool semiThresh(const NurImage& source, NurImage& destination, ColorMask& mask) {
     const int width = source.roi.width;
     const auto rowBytes = kPixelBytes * static_cast<std::size_t>(width);
     std::vector<std::uint8_t> spread(rowBytes);

@@ -24,7 +24,7 @@ inline constexpr BenchSize kBenchSizes[] = {{"1080p", 1920, 1080}, {"4096x3000",
 inline CTivImage MakeBenchImage(CTivData::Format format, const BenchSize& size) {
     CTivImage image(size.width, size.height, format, nullptr, true);
     std::mt19937 random(20240611);
-    const NurImage& record = *image.GetRecord();
+    NurImage& record = *image.GetRecord();
     const std::int64_t pitch = record.Pitch();
     for (int y = 0; y < size.height; ++y) {
         auto* row = record.Row(y);

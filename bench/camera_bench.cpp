@@ -23,7 +23,7 @@ void runUnpack(benchmark::State& state, const char* name, int bits, int delivere
     const CTivImage sent = noise(bits, size);
     CTivImage picture = MakeBenchImage(D::FormatRgb, size);
     const NurImage& from = *sent.GetRecord();
-    const NurImage& to = *picture.GetRecord();
+    NurImage& to = *picture.GetRecord();
     const auto bytes = [](const NurImage& image, int rows) {
         return static_cast<std::size_t>(image.Pitch()) * static_cast<std::size_t>(rows);
     };

@@ -12,6 +12,7 @@
 #include "analysis/histogram.h"
 #include "analysis/stats.h"
 #include "foundation/cast_image.h"
+#include "foundation/format_rows.h"
 
 namespace {
 
@@ -48,6 +49,20 @@ void runConvert(benchmark::State& state, D::Format from, D::Format to, int mode,
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(destination.ConvertFormat(source, mode));
         benchmark::ClobberMemory();
+    }
+}
+
+/// The exact kernel for every pixel, as the plain form has it: what the guesses of the wide form save.
+void runExactly(benchmark::State& state, D::Format from, D::Format to, const BenchSize& size) {
+    const CTivImage source = MakeBenchImage(from, size);
+    CTivImage destination = MakeBenchImage(to, size);
+    for (const FormatConversion& row : GetFormatConversions()) {
+        if (row.source != from || row.destination != to) continue;
+        const auto pixels = static_cast<std::size_t>(std::int64_t{size.width} * size.height);
+        for ([[maybe_unused]] auto _ : state) {
+            row.plain(source.GetRecord()->Row(0), destination.GetRecord()->Row(0), pixels, 0);
+            benchmark::ClobberMemory();
+        }
     }
 }
 
@@ -222,6 +237,11 @@ const bool kRegistered = [] {
             }
         });
 #endif
+    }
+    for (const auto& [name, to] : {std::pair{"BM_RgbToHsv/Exact", D::FormatHsv}, {"BM_RgbToLab/Exact", D::FormatLab}}) {
+        RegisterAtBothSizes(name, [to = to](benchmark::State& state, const BenchSize& size) {
+            runExactly(state, D::FormatRgb, to, size);
+        });
     }
     RegisterAtBothSizes("BM_MapRange16To8", runMapRange);
     RegisterAtBothSizes("BM_CopyOfRgb_memcpy", [](benchmark::State& state, const BenchSize& size) {

@@ -63,12 +63,13 @@ private:
     bool CalibrateAbsolute();
     bool CalibrateRelative();
     bool FitAbsolute(std::span<const NormalisedColor> targets, const DoubleMatrix& adaptation);
+    bool KeepTransform();
     bool StoreTransform(const DoubleMatrix& matrix);
     // execute.cpp
     template <class Pixel>
-    bool RunPolynomial(const NurImage& source, const NurImage& destination, const Coefficients& coefficients,
+    bool RunPolynomial(const NurImage& source, NurImage& destination, const Coefficients& coefficients,
                        const GammaTable<Pixel>& table) const;
-    bool RunTwist(const NurImage& source, const NurImage& destination, const std::array<float, 12>& colorTwist,
+    bool RunTwist(const NurImage& source, NurImage& destination, const std::array<float, 12>& colorTwist,
                   std::vector<std::uint8_t>& untouched) const;
     // persistence.cpp
     std::array<float, 3> GetSaturationFractions() const;

@@ -63,7 +63,7 @@ bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, 
     }
     if (roi.width <= 0 || roi.height <= 0 || !source.IsAllocated() || !destination.IsAllocated()) return true;
     const NurImage& from = *source.GetRecord();
-    const NurImage& to = *destination.GetRecord();
+    NurImage& to = *destination.GetRecord();
     if (isRgb10) return RunPolynomial<PixelRgb10>(from, to, coefficients, channelLut10_);
     if (isRgb16) return RunPolynomial<PixelRgb16>(from, to, coefficients, channelLut16_);
     if (coefficients.terms != 4) return RunPolynomial<PixelRgb>(from, to, coefficients, channelLut8_);
@@ -71,8 +71,8 @@ bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, 
 }
 
 template <class Pixel>
-bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& destination,
-                                     const Coefficients& coefficients, const GammaTable<Pixel>& table) const {
+bool ImplTonewrightDC::RunPolynomial(const NurImage& source, NurImage& destination, const Coefficients& coefficients,
+                                     const GammaTable<Pixel>& table) const {
     constexpr auto bytes = static_cast<std::int64_t>(Pixel::bytes);
     const auto row = GetPolynomialRow<Pixel>(coefficients.terms, GetRowForm());
     const auto* values = static_cast<const float*>(coefficients.transform.GetDataPointer());
@@ -97,7 +97,7 @@ bool ImplTonewrightDC::RunPolynomial(const NurImage& source, const NurImage& des
 
 /// The fast path: a color twist on samples of 0 to 255, table, saturation. Samples and offset are not scaled as in the
 /// polynomial paths, negative results clip and rounding is to nearest: all deliberate (C30).
-bool ImplTonewrightDC::RunTwist(const NurImage& source, const NurImage& destination,
+bool ImplTonewrightDC::RunTwist(const NurImage& source, NurImage& destination,
                                 const std::array<float, 12>& colorTwist, std::vector<std::uint8_t>& untouched) const {
     const std::uint8_t* const from = source.RoiRow(0);
     std::uint8_t* const to = destination.RoiRow(0);

@@ -172,7 +172,7 @@ template <class RowOf>
 static CTivImage measureChange(int width, int height, RowOf rowOf) {
     CTivImage change(width, height, CTivData::FormatUByte, nullptr, false);
     if (!change.IsAllocated()) return change;
-    const NurImage& record = *change.GetRecord();
+    NurImage& record = *change.GetRecord();
     const int inner = width - 2;
     std::vector<TonedWord> differences(static_cast<std::size_t>(std::max(inner, 0)));
     const TonedWord *above = nullptr, *here = nullptr;

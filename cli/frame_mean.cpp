@@ -51,7 +51,7 @@ void readRow(const CTivImage& image, int y, const Depth& depth, Samples& samples
 }
 
 void writeRow(const Samples& samples, const Depth& depth, int y, CTivImage& image) {
-    const NurImage& record = *image.GetRecord();
+    NurImage& record = *image.GetRecord();
     if (depth.full == 255) return writeWords(samples, depth, record.Row(y));
     if (depth.full == 65535) return writeWords(samples, depth, record.Row<std::uint16_t>(y));
     auto* row = record.Row<std::uint32_t>(y);

@@ -115,7 +115,7 @@ bool CTivImage::Free() {
 
 bool CTivImage::Clear() {
     if (!impl_) return false;
-    const NurImage& record = impl_->record_;
+    NurImage& record = impl_->record_;
     if (!record.data) return true;
     const auto bytes = static_cast<std::size_t>(GetRowBytes(record.roi.width, record.format));
     for (int y = 0; y < record.roi.height; ++y) std::memset(record.RoiRow(y), 0, bytes);
@@ -142,7 +142,7 @@ bool CTivImage::Copy(const CTivImage& source) {
     } else if (!Set(from.roi.width, from.roi.height, from.format, nullptr, false)) {
         return Refuse("CTivImage::Copy => Error on allocation");
     }
-    const NurImage& to = impl_->record_;
+    NurImage& to = impl_->record_;
     if (!from.data || !to.data) return true;
     const auto bytes = static_cast<std::size_t>(GetRowBytes(from.roi.width, from.format));
     for (int y = 0; y < from.roi.height; ++y) std::memmove(to.RoiRow(y), from.RoiRow(y), bytes);
@@ -164,7 +164,7 @@ CTivData CTivImage::GetData(int x, int y) const {
 
 bool CTivImage::SetData(int x, int y, const CTivData& value) {
     if (!IsAllocated()) return Refuse("CTivImage::SetData => image not allocated");
-    const NurImage& record = impl_->record_;
+    NurImage& record = impl_->record_;
     if (!isInside(record, x, y)) return Refuse("CTivImage::SetData => Coordinates out of range");
     if (value.GetFormat() == CTivData::FormatNone) {
         return Refuse("CTivImage::SetData => unknown format in <data> argument");
@@ -199,8 +199,10 @@ int CTivImage::GetHeight() const { return impl_ ? impl_->record_.height : -1; }
 int CTivImage::GetSignificantBits() const { return impl_ ? impl_->significantBits_ : -1; }
 bool CTivImage::IsAllocated() const { return impl_ && impl_->record_.data; }
 bool CTivImage::IsExternal() const { return impl_ && impl_->external_; }
-void* CTivImage::GetData() const { return impl_ ? impl_->record_.data : nullptr; }
-void* CTivImage::GetRoiData() const { return IsAllocated() ? impl_->record_.RoiRow(0) : nullptr; }
+void* CTivImage::GetData() { return impl_ ? impl_->record_.data : nullptr; }
+const void* CTivImage::GetData() const { return impl_ ? impl_->record_.data : nullptr; }
+void* CTivImage::GetRoiData() { return IsAllocated() ? impl_->record_.RoiRow(0) : nullptr; }
+const void* CTivImage::GetRoiData() const { return IsAllocated() ? impl_->record_.RoiRow(0) : nullptr; }
 const NurImage* CTivImage::GetRecord() const { return impl_ ? &impl_->record_ : nullptr; }
 NurImage* CTivImage::GetRecord() { return impl_ ? &impl_->record_ : nullptr; }
 
@@ -237,7 +239,7 @@ bool CTivImage::ReadFile(std::istream& stream, bool reallocate) {
         }
         return true;
     }
-    const NurImage& record = impl_->record_;
+    NurImage& record = impl_->record_;
     if (format != record.format) {
         return Refuse("CTivImage::ReadFile => source and destination formats must be the same");
     }

@@ -55,9 +55,11 @@ public:
     int GetHeight() const;               ///< pixels
     int GetSignificantBits() const;      ///< bits in use in each channel
     bool IsAllocated() const;
-    bool IsExternal() const;   ///< wraps the caller's memory
-    void* GetData() const;     ///< first pixel, null when empty
-    void* GetRoiData() const;  ///< first pixel of the ROI (its byte, for FormatBinary)
+    bool IsExternal() const;  ///< wraps the caller's memory
+    void* GetData();          ///< first pixel, null when empty
+    const void* GetData() const;
+    void* GetRoiData();  ///< first pixel of the ROI (its byte, for FormatBinary)
+    const void* GetRoiData() const;
 
     /// Bytes of a row and of an image, computed in 64 bits.
     static std::int64_t GetRowBytes(int width, CTivData::Format format);

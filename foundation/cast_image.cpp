@@ -47,7 +47,7 @@ CastScale scaleOf(const NurImage& source, D::Format to) {
 }
 
 // @return false for a pair that is not served
-bool convertPixels(const NurImage& source, const NurImage& destination, int code, int mode) {
+bool convertPixels(const NurImage& source, NurImage& destination, int code, int mode) {
     const CastKind kind = kindOf(source.format, destination.format, code, mode);
     const CastRow row = GetCastRow(source.format, destination.format, kind, RunsWide());
     if (!row) return false;
@@ -57,7 +57,7 @@ bool convertPixels(const NurImage& source, const NurImage& destination, int code
     return true;
 }
 
-void copyRows(const NurImage& source, const NurImage& destination) {
+void copyRows(const NurImage& source, NurImage& destination) {
     ForEachRowPair(source, destination, [&](const std::uint8_t* in, std::uint8_t* out, std::size_t count) {
         std::memmove(out, in, static_cast<std::size_t>(D::GetByteCount(source.format, count)));
     });

@@ -10,7 +10,7 @@
 
 namespace {
 
-void convert(const FormatConversion& conversion, const NurImage& from, const NurImage& to, int mode) {
+void convert(const FormatConversion& conversion, const NurImage& from, NurImage& to, int mode) {
     const FormatRow row = RunsWide() ? conversion.wide : conversion.plain;
     ForEachRowPair(from, to, [&](const std::uint8_t* in, std::uint8_t* out, std::size_t count) {
         if (row) return row(in, out, count, mode);

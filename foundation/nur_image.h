@@ -15,14 +15,22 @@ struct NurImage {
     std::int64_t Pitch() const { return (std::int64_t{CTivData::GetFormatBits(format)} * width + 7) / 8; }
     /// First byte of the ROI's row `y` (0 is the ROI's first).
     template <class T = std::uint8_t>
-    T* RoiRow(std::int32_t y) const {
+    T* RoiRow(std::int32_t y) {
         const std::int64_t bit = std::int64_t{roi.x} * CTivData::GetFormatBits(format);
         return reinterpret_cast<T*>(static_cast<std::uint8_t*>(data) + (roi.y + std::int64_t{y}) * Pitch() + bit / 8);
     }
+    template <class T = std::uint8_t>
+    const T* RoiRow(std::int32_t y) const {
+        return const_cast<NurImage*>(this)->RoiRow<T>(y);
+    }
     /// First byte of the image's row `y`.
     template <class T = std::uint8_t>
-    T* Row(std::int32_t y) const {
+    T* Row(std::int32_t y) {
         return reinterpret_cast<T*>(static_cast<std::uint8_t*>(data) + y * Pitch());
+    }
+    template <class T = std::uint8_t>
+    const T* Row(std::int32_t y) const {
+        return const_cast<NurImage*>(this)->Row<T>(y);
     }
 };
 

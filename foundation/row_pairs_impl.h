@@ -6,7 +6,7 @@
 /// neither leaves a gap between its rows, the whole ROI is one row. Binary images go byte by byte, so they are not for
 /// this.
 template <class Work>
-void ForEachRowPair(const NurImage& source, const NurImage& destination, Work work) {
+void ForEachRowPair(const NurImage& source, NurImage& destination, Work work) {
     if (!source.data || !destination.data) return;
     auto width = static_cast<std::size_t>(source.roi.width);
     int height = source.roi.height;

@@ -235,10 +235,10 @@ private:
         return 0;
     }
 
-    int ReadPixels(const NurImage& record) { return IsRunLength() ? ReadRuns(record) : ReadRows(record); }
+    int ReadPixels(NurImage& record) { return IsRunLength() ? ReadRuns(record) : ReadRows(record); }
 
     // The file's first rows are the lowest; those below the record's ROI are read over.
-    int ReadRows(const NurImage& record) {
+    int ReadRows(NurImage& record) {
         const std::int64_t rowBytes = bmpRowBytes(head_.width, head_.bitsPerPixel);
         Skip(static_cast<std::uint64_t>(rowBytes * (head_.height - filledHeight_)));
         const std::int64_t rowsABlock = std::clamp<std::int64_t>(kBlockBytes / rowBytes, 1, filledHeight_);
@@ -254,7 +254,7 @@ private:
         return 0;
     }
 
-    int ReadRuns(const NurImage& record) {
+    int ReadRuns(NurImage& record) {
         const bool isGray = format_ == D::FormatUByte;
         // What the runs jump over is 0 in the caller's record too.
         const std::size_t rowBytes = static_cast<std::size_t>(filledWidth_) * (isGray ? 1 : 4);

@@ -284,7 +284,7 @@ private:
         return unpacked_.get();
     }
 
-    int ReadRows(const NurImage& record, std::int32_t width, std::int32_t height) {
+    int ReadRows(NurImage& record, std::int32_t width, std::int32_t height) {
         const TiffRowReader convert = tiffRowReader(format_, shape_);
         for (std::int32_t y = 0; y < height; ++y) {
             const std::uint8_t* samples = ReadLine(y, 0);
@@ -296,7 +296,7 @@ private:
 
     // Samples in planes of their own are laid side by side first, a plane after the other, since most codecs cannot
     // go back in the file.
-    int ReadPlanes(const NurImage& record, std::int32_t width, std::int32_t height) {
+    int ReadPlanes(NurImage& record, std::int32_t width, std::int32_t height) {
         const std::int64_t rowBytes = std::int64_t{width} * samples_ * sampleBytes_;
         std::int64_t bytes = 0;
         if (__builtin_mul_overflow(rowBytes, std::int64_t{height}, &bytes)) return nur_refuse(kNoMemory);

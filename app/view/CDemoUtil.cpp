@@ -48,7 +48,7 @@ Scratch& scratch() {
 ViewRect wholeOf(const CTivImage& image) { return {0, 0, image.GetWidth(), image.GetHeight()}; }
 
 /// A second handle on an image's pixels.
-CTivImage wrapped(const CTivImage& image) {
+CTivImage wrapped(CTivImage& image) {
     return CTivImage(image.GetWidth(), image.GetHeight(), image.GetFormat(), image.GetData(), false);
 }
 

@@ -30,7 +30,7 @@ CTivTonewrightDC Calibrated(CTivData::Format format, int terms, unsigned seed = 
 CTivImage RandomImage(int width, int height, CTivData::Format format, unsigned seed) {
     CTivImage image(width, height, format, nullptr, true);
     std::mt19937 random(seed);
-    const NurImage& record = *image.GetRecord();
+    NurImage& record = *image.GetRecord();
     for (std::int64_t i = 0; i < record.Pitch() * height; ++i) {
         // A third of the bytes at either end of the scale.
         record.Row(0)[i] = static_cast<std::uint8_t>(random() % 3 == 0 ? random() % 2 * 255 : random());
@@ -64,14 +64,14 @@ public:
 
     void Run(const CTivImage& source, CTivImage& destination) const {
         const NurImage& from = *source.GetRecord();
-        const NurImage& to = *destination.GetRecord();
+        NurImage& to = *destination.GetRecord();
         bits_ == 16 ? Run(from, to, from.RoiRow<std::uint64_t>(0), to.RoiRow<std::uint64_t>(0))
                     : Run(from, to, from.RoiRow<std::uint32_t>(0), to.RoiRow<std::uint32_t>(0));
     }
 
 private:
     template <class Word>
-    void Run(const NurImage& from, const NurImage& to, const Word* source, Word* destination) const {
+    void Run(const NurImage& from, NurImage& to, const Word* source, Word* destination) const {
         const int sourceSkip = from.width - from.roi.width, destinationSkip = to.width - to.roi.width;
         if (bits_ == 8 && terms_ == 4) {
             const std::vector<Word> before(source,

@@ -82,9 +82,9 @@ TEST(Bmp, EveryDepthAndPalette) {
     const std::string bits = std::string("\xA0\0\0\0", 4);
     const CTivImage binary = loaded(bitmap(8, 1, 1, 0, u32s({0, 0xFFFFFF}), bits));
     EXPECT_EQ(binary.GetFormat(), D::FormatBinary);
-    EXPECT_EQ(*static_cast<std::uint8_t*>(binary.GetData()), 0x05);
+    EXPECT_EQ(*static_cast<const std::uint8_t*>(binary.GetData()), 0x05);
     const CTivImage inverted = loaded(bitmap(8, 1, 1, 0, u32s({0xFFFFFF, 0}), bits));
-    EXPECT_EQ(*static_cast<std::uint8_t*>(inverted.GetData()), 0xFA);
+    EXPECT_EQ(*static_cast<const std::uint8_t*>(inverted.GetData()), 0xFA);
     const CTivImage blueYellow = loaded(bitmap(8, 1, 1, 0, u32s({0x0000FF, 0xFFFF00}), bits));
     EXPECT_EQ(blueYellow.GetData(1, 0).AsRgb(), 0x0000FFu);
     EXPECT_EQ(blueYellow.GetData(2, 0).AsRgb(), 0xFFFF00u);
