@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr std::uint32_t kPenColor = 0x33FF00;  // red 0, green 255, blue 51
 constexpr int kBlobCapacity = 1024;
 
 // The color words: a channel's range and how three channels become an element.
@@ -142,8 +141,7 @@ void PatchDetector::DrawOverlay(const ChartRoi& roi) {
     for (const auto& row : patchGrid_) {
         for (const PatchCell& cell : row) {
             overlay_.push_back({static_cast<int>(cell.x) - patchWidth_ / 2 + roi.left,
-                                static_cast<int>(cell.y) - patchHeight_ / 2 + roi.top, patchWidth_, patchHeight_,
-                                kPenColor});
+                                static_cast<int>(cell.y) - patchHeight_ / 2 + roi.top, patchWidth_, patchHeight_});
         }
     }
 }

@@ -32,13 +32,12 @@ struct PatchCell {
     bool saturated = false;  ///< a measurement found a channel at full scale
 };
 
-/// A rectangle for the viewer to draw over the image, in image pixels, not filled.
+/// The rectangle that a patch is measured in, in image pixels.
 struct PatchOverlay {
     std::int32_t x = 0;
     std::int32_t y = 0;
     std::int32_t width = 0;
     std::int32_t height = 0;
-    std::uint32_t penColor = 0;  ///< 0x00BBGGRR
 };
 
 /// In which words patches are measured.
@@ -50,13 +49,10 @@ enum class PatchDepth {
 /// What the measurement of a chart gives.
 struct PatchColors {
     CTivVector colors;       ///< Width x Height elements in the order that the calibration wants
-    bool saturated = false;  ///< a mean reached full scale: a reason to warn, with the words below
+    bool saturated = false;  ///< a mean reached full scale: a reason to warn
     bool measured = false;   ///< every cell's color could be read; if not, the reason was reported and it is black
     int brightest = 0;       ///< index of the brightest patch before ordering; 6 x 4 and 4 x 6 charts only
 };
-
-inline constexpr const char* kSaturatedText = "There are saturated colors (Red Roi)";
-inline constexpr const char* kSaturatedTitle = "Warning";
 
 /// Finds the patches of an upright color chart inside a ROI and measures their mean colors.
 ///

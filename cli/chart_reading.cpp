@@ -63,7 +63,7 @@ ChartReading ReadChart(CTivImage image, const std::string& path, const std::opti
                        const ChartOptions& options) {
     ChartReading reading = ReadChart(std::move(image), path, roi, options.GetSearch());
     if (reading.found && !reading.found->isOriented) Tell(path + ": " + reading.found->text);
-    if (reading.colors.saturated) Tell(std::string(kSaturatedTitle) + ": " + path + ": " + kSaturatedText);
+    if (reading.colors.saturated) Tell("Warning: " + path + ": There are saturated colors (Red Roi)");
     return reading;
 }
 

@@ -11,7 +11,6 @@ namespace {
 
 constexpr int kButtonRowHeight = 25;
 constexpr int kCrossHalfSize = 5;
-constexpr int kCrossColor = 0x33FF00;  // 0x00BBGGRR: the green of the detected patches
 
 QBoxLayout* captioned(const QString& caption, QWidget* list) {
     auto* column = new QVBoxLayout;
@@ -172,6 +171,6 @@ void CRawColorWnd::ShowSelectedEntry() {
     const auto& entries = (onRawSide ? m_lists.raw : m_lists.reference).Entries();
     CAutoROIImageViewer* viewer = onRawSide ? m_rawViewer : m_referenceViewer;
     if (!row || *row >= entries.size() || !viewer) return;
-    viewer->ImageOverlay().AddCross(entries[*row].x, entries[*row].y, kCrossColor, kCrossHalfSize);
+    viewer->ImageOverlay().AddCross(entries[*row].x, entries[*row].y, Overlay::kPatchColor, kCrossHalfSize);
     viewer->update();
 }

@@ -6,6 +6,13 @@
 #include "app/view/ViewerHost.h"
 #include "chart/PatchMeasurement.h"
 
+namespace {
+
+constexpr const char* kSaturatedText = "There are saturated colors (Red Roi)";
+constexpr const char* kSaturatedTitle = "Warning";
+
+}  // namespace
+
 bool CAutoROIImageViewer::SetImage(CTivImage* image, bool resetView) {
     m_measuredRoi.reset();
     if (!CImageViewerCtrl::SetImage(image, resetView)) return false;
@@ -37,8 +44,7 @@ void CAutoROIImageViewer::DetectPatches() {
     ImageOverlay().Clear();
     if (!m_detector.DetectPatches(Image(), RoiOfChart(), *m_chartSize)) return;
     for (const PatchOverlay& patch : m_detector.GetOverlay()) {
-        ImageOverlay().AddRectangle(patch.x, patch.y, patch.width, patch.height,
-                                    static_cast<std::int32_t>(patch.penColor));
+        ImageOverlay().AddRectangle(patch.x, patch.y, patch.width, patch.height, Overlay::kPatchColor);
     }
     update();
 }

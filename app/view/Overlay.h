@@ -15,6 +15,7 @@ class QPainter;
 class Overlay {
 public:
     static constexpr std::int32_t kDefaultColor = -1;
+    static constexpr std::int32_t kPatchColor = 0x33FF00;  ///< of detected patches: 0x00BBGGRR
     static constexpr std::int32_t kHollow = -1;
     static constexpr int kTextAlignment = 4;  ///< what a text is given
 
