@@ -38,7 +38,7 @@ ZvnLocation findLastCamera() {
 /// @param device null counts as one that fails
 bool moveFile(ZvnAcqDevice* device, const char* path, bool upload) {
     const bool done = device && (upload ? device->WriteFile(path, kDeviceFile) : device->ReadFile(kDeviceFile, path));
-    return done || Refuse(upload ? kCannotWrite : kCannotRead);
+    return done || CTivManager::Refuse(upload ? kCannotWrite : kCannotRead);
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include "acquisition/zvn/ZvnAcqDevice.h"
 #include "calibration/usable_transform.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr const char* kWayNames[] = {"none", "file", "features", "filter"};
@@ -46,9 +48,10 @@ bool isSame(CTonewrightAcq& session, const std::string& path) {
 }
 
 bool refuseWay(CoefficientWay wanted) {
-    return Refuse(wanted == CoefficientWay::File
-                      ? "The device has no file \"ColorCorrectionMatrix\"."
-                      : "The device has no color transformation features that a transform could be written to.");
+    return CTivManager::Refuse(
+        wanted == CoefficientWay::File
+            ? "The device has no file \"ColorCorrectionMatrix\"."
+            : "The device has no color transformation features that a transform could be written to.");
 }
 
 }  // namespace
@@ -70,7 +73,7 @@ std::optional<SentCoefficients> SendCoefficients(CTonewrightAcq& session, const 
                                                  const std::string& backup) {
     const auto fail = [](bool) { return std::optional<SentCoefficients>(); };
     const std::string unusable = WhyUnusableCoefficients(path);
-    if (!unusable.empty()) return fail(Refuse(path + ": " + unusable));
+    if (!unusable.empty()) return fail(CTivManager::Refuse(path + ": " + unusable));
     ZvnAcqDevice* camera = session.GetCamera();
     const bool hasFeatures = camera && camera->HasColorFeatures();
     const CoefficientWay found = FindCoefficientWay(session);
@@ -80,13 +83,17 @@ std::optional<SentCoefficients> SendCoefficients(CTonewrightAcq& session, const 
     if (!backup.empty()) {
         const bool kept =
             throughFeatures ? camera->ReadColorFeatures(backup.c_str()) : session.TransferFile(backup.c_str(), false);
-        if (!kept) return fail(throughFeatures && Refuse("Cannot read the color transformation of the device."));
+        if (!kept)
+            return fail(throughFeatures && CTivManager::Refuse("Cannot read the color transformation of the device."));
     }
     const bool sent =
         throughFeatures ? camera->WriteColorFeatures(path.c_str()) : session.TransferFile(path.c_str(), true);
-    if (!sent) return fail(throughFeatures && Refuse("Cannot write the color transformation of the device."));
+    if (!sent)
+        return fail(throughFeatures && CTivManager::Refuse("Cannot write the color transformation of the device."));
     const CoefficientWay taken = throughFeatures ? way : found;
     // Features have been read back; a file is here.
     return SentCoefficients{
         taken, taken == CoefficientWay::Features || (taken == CoefficientWay::File && isSame(session, path))};
 }
+
+}  // namespace tonewright

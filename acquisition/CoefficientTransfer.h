@@ -5,6 +5,8 @@
 
 class CTonewrightAcq;
 
+namespace tonewright {
+
 /// How coefficients reach a session's device.
 enum class CoefficientWay {
     None,      ///< not at all
@@ -33,3 +35,5 @@ struct SentCoefficients {
 ///         the transfer fails; but for the last two nothing was written
 std::optional<SentCoefficients> SendCoefficients(CTonewrightAcq& session, const std::string& path, CoefficientWay way,
                                                  const std::string& backup);
+
+}  // namespace tonewright

@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+using namespace tonewright;
+
 namespace {
 
 constexpr std::chrono::milliseconds kFrameTime{1000};

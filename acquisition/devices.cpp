@@ -7,6 +7,8 @@
 #include "acquisition/zvn/CAcqConfigDlg.h"
 #include "acquisition/zvn/ZvnManager.h"
 
+using namespace tonewright;
+
 const char* GetDeviceWord(int deviceKind) {
     switch (deviceKind) {
         case DeviceKindFrameGrabber:

@@ -44,10 +44,10 @@ public:
             auto result = call();
             for (const std::string& text : Take()) tell_("warning: " + text);
             return result;
-        } catch (const WorkFailure& failure) {
+        } catch (const tonewright::WorkFailure& failure) {
             std::string whole = failure.what();
             for (const std::string& text : Take()) whole.append("\n").append(text);
-            throw WorkFailure(whole);
+            throw tonewright::WorkFailure(whole);
         }
     }
 

@@ -29,6 +29,7 @@ enum BlobInput : std::int32_t {
     kBlobRuns = 1
 };
 
+namespace tonewright {
 /// The first levels of a configuration, which ascend.
 template <class T>
 constexpr std::array<T, 256> FirstThenFullScale(T first) {
@@ -37,6 +38,7 @@ constexpr std::array<T, 256> FirstThenFullScale(T first) {
     values[0] = first;
     return values;
 }
+}  // namespace tonewright
 
 /// How CTivBlob looks for blobs. CTivBlob::GetConfig gives access to it; the next Execute follows it.
 struct BlobConfig {
@@ -64,8 +66,8 @@ struct BlobConfig {
     /// The fixed levels, as many thresholds as levelCount (1 to 255) says, ascending: a pixel below thresholds[0]
     /// becomes levels[0], one from thresholds[k] on levels[k + 1]. An automatic threshold writes its own here.
     std::int32_t levelCount = 1;
-    std::array<std::int32_t, 256> thresholds = FirstThenFullScale<std::int32_t>(128);
-    std::array<std::uint8_t, 256> levels = FirstThenFullScale<std::uint8_t>(0);
+    std::array<std::int32_t, 256> thresholds = tonewright::FirstThenFullScale<std::int32_t>(128);
+    std::array<std::uint8_t, 256> levels = tonewright::FirstThenFullScale<std::uint8_t>(0);
 
     std::int32_t thresholdScope = 0;   ///< 0 global, 1 local
     std::int32_t thresholdSource = 1;  ///< 0 the fixed levels (global) or level images (local), 1 automatic

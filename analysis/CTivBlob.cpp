@@ -81,7 +81,8 @@ private:
 
 template <class Limit>
 bool setLimit(ImplBlob* impl, Limit limit, int pixels, const char* method) {
-    if (!impl || !impl->config_) return Refuse(std::string("CTivBlob::") + method + " => Invalid Blob Object");
+    if (!impl || !impl->config_)
+        return CTivManager::Refuse(std::string("CTivBlob::") + method + " => Invalid Blob Object");
     (*impl->config_).*limit = pixels;
     return true;
 }

@@ -11,6 +11,8 @@
 #include "foundation/nur_types.h"
 #include "foundation/nur_vector.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;
@@ -77,7 +79,7 @@ int findOtsu(const NurImage* source, float lowFactor, bool single, float& low) {
 
 }  // namespace
 
-bool findOtsuLevel(const NurImage* image, float* level) {
+bool tonewright::findOtsuLevel(const NurImage* image, float* level) {
     if (!nur_is_type(image->format, {D::FormatByte, D::FormatShort, D::FormatUByte, D::FormatUShort})) return false;
     const bool isByte = D::GetFormatBits(image->format) == 8;
     const int binCount = isByte ? 256 : 65536;

@@ -18,8 +18,12 @@ enum AdaptiveMethod : int {
 int ctiv_adaptThresh(const NurImage* source, NurImage* destination, float* low, float* high, int method,
                      float lowFactor, float highFactor, bool invert, bool single, bool binary);
 
+namespace tonewright {
+
 /// The level that separates an image's pixels best into two classes, after N. Otsu, "A threshold selection method from
 /// gray-level histograms", IEEE Transactions on Systems, Man and Cybernetics 9 (1979): the variance between the classes
 /// is largest. The level itself belongs to the upper class. A flat image gives the second lowest value of its format.
 /// @return false for a format other than FormatByte, Short, UByte and UShort
 bool findOtsuLevel(const NurImage* image, float* level);
+
+}  // namespace tonewright

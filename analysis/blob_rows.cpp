@@ -5,6 +5,8 @@
 #include "primitives/acceleration.h"
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 // A word of coded runs.

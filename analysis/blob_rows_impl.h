@@ -28,9 +28,9 @@ private:
 
     NurImage image_;
     bool zeros_;
-    ForegroundRow8 toWords8_;
-    ForegroundRow16 toWords16_;
-    ForegroundRow8 toWords1_;
+    tonewright::ForegroundRow8 toWords8_;
+    tonewright::ForegroundRow16 toWords16_;
+    tonewright::ForegroundRow8 toWords1_;
     std::vector<std::uint64_t> words_;
     std::vector<std::int32_t> edges_;
 };

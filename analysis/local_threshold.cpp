@@ -15,6 +15,8 @@
 #include "foundation/nur_report.h"
 #include "foundation/nur_types.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

@@ -7,6 +7,8 @@
 #include "primitives/statistics_rows.h"
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

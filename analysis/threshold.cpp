@@ -9,6 +9,8 @@
 #include "foundation/nur_types.h"
 #include "primitives/acceleration.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;
@@ -128,8 +130,8 @@ int checkLevelImages(const NurImage& source, const NurImage* destination, const 
 }
 
 template <class In, class Out>
-void runLevelRows(const NurImage& source, NurImage& destination, const NurImage& lowImage,
-                  const NurImage& highImage, int switches) {
+void runLevelRows(const NurImage& source, NurImage& destination, const NurImage& lowImage, const NurImage& highImage,
+                  int switches) {
     WithSwitches(switches, [&](auto fixed) {
         for (int y = 0; y < source.roi.height; ++y) {
             const In* pixels = source.RoiRow<const In>(y);
@@ -144,8 +146,8 @@ void runLevelRows(const NurImage& source, NurImage& destination, const NurImage&
     });
 }
 
-void runLevelImages(const NurImage& source, NurImage& destination, const NurImage& lowImage,
-                    const NurImage& highImage, int switches) {
+void runLevelImages(const NurImage& source, NurImage& destination, const NurImage& lowImage, const NurImage& highImage,
+                    int switches) {
     if (isEmpty(source)) return;
     withGrayElement(source.format, false, [&](auto zero) {
         using In = decltype(zero);
@@ -162,7 +164,7 @@ void runLevelImages(const NurImage& source, NurImage& destination, const NurImag
 
 }  // namespace
 
-int prepareThresholdOutput(const NurImage& source, NurImage* destination, bool binary, const char* caller) {
+int tonewright::prepareThresholdOutput(const NurImage& source, NurImage* destination, bool binary, const char* caller) {
     D::Format format = source.format;
     if (binary) {
         format = nur_is_type(destination->format, {D::FormatUShort, D::FormatShort}) ? D::FormatUShort : D::FormatUByte;

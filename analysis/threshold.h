@@ -41,6 +41,10 @@ int threshImages(const NurImage* source, NurImage* destination, const NurImage* 
 int threshImages_consume(NurImage* image, const NurImage* lowImage, const NurImage* highImage, bool invert,
                          bool single);
 
+namespace tonewright {
+
 /// Makes a threshold's output ready: a mask as told at `thresh`, else the source's format, at least the size of the
 /// source's ROI. @param caller begins the error texts
 int prepareThresholdOutput(const NurImage& source, NurImage* destination, bool binary, const char* caller);
+
+}  // namespace tonewright

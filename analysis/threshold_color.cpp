@@ -8,6 +8,8 @@
 #include "foundation/nur_types.h"
 #include "primitives/ctiv_ippi.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

@@ -9,6 +9,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 // Rows of the thresholds: one body for every element type and every combination of the three switches.
 
 /// The switches, as bits of a kernel's index.
@@ -95,3 +97,5 @@ ThresholdRowFunction<In, Out> GetThresholdRow(int switches, bool wide) {
         return wide ? &ThresholdRowWide<In, Out, fixed> : &ThresholdRowPlain<In, Out, fixed>;
     });
 }
+
+}  // namespace tonewright

@@ -10,6 +10,8 @@
 #include "app/illuminant_commands.h"
 #include "app/workflow/Workflow.h"
 
+using namespace tonewright;
+
 namespace {
 
 using State = const StudioState&;

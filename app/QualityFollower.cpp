@@ -5,6 +5,8 @@
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/workflow/Workflow.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr const char* kSection = "Window";

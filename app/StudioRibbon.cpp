@@ -4,6 +4,8 @@
 #include "app/illuminant_commands.h"
 #include "calibration/parameter_limits.h"
 
+using namespace tonewright;
+
 namespace {
 
 using ribbon::Item;

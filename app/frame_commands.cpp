@@ -24,6 +24,8 @@
 #include "app/workflow/Workflow.h"
 #include "calibration/parameter_limits.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kTipWidth = 200;  // pixels, at most

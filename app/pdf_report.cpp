@@ -14,6 +14,8 @@
 #include "report/plots.h"
 #include "report/report_words.h"
 
+using namespace tonewright;
+
 namespace {
 
 using Sheet = ReportSheet;

@@ -12,6 +12,8 @@
 #include <opencv2/imgproc.hpp>
 #endif
 
+using namespace tonewright;
+
 // One picture from file to file, as the batch tool's `apply` has it for each: read, four terms, gamma, write. Beside it
 // the loop that a user of OpenCV would write, which keeps no earlier file and lets nothing reach the disk. On a file
 // system in memory.

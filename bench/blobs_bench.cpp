@@ -15,6 +15,8 @@
 #include "analysis/adaptive_threshold.h"
 #include "primitives/acceleration.h"
 
+using namespace tonewright;
+
 namespace {
 
 struct Picture {

@@ -10,6 +10,8 @@
 
 #include "chart/PatchDetector.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// A chart that fills the picture, with sensor noise.

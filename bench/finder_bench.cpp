@@ -14,6 +14,8 @@
 #include "chart/ChartFinder.h"
 #include "primitives/acceleration.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// A chart of 6 x 4 patches turned by 20 degrees, over half of the picture's width, on a card, with sensor noise.

@@ -14,6 +14,8 @@
 #include "foundation/cast_image.h"
 #include "foundation/format_rows.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

@@ -8,6 +8,8 @@
 #include "quality/delivery.h"
 #include "quality/findings.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// The chart under D65 through a camera whose channels see a part of each other, each patch a little off.

@@ -13,7 +13,15 @@
 #include "foundation/CTivString.h"
 #include "foundation/CTivVector.h"
 
+class CTivTonewrightDC;
 class ImplTonewrightDC;
+
+namespace tonewright {
+bool ExecuteTransform(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivImage& source,
+                      CTivImage& destination);
+bool SaveTransform(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivString& path,
+                   bool withSaturation);
+}  // namespace tonewright
 
 /// The color calibration of a camera: takes the colors that a chart measured, fits the polynomial that brings them to
 /// what they should have been, applies it to images, and keeps both in files.
@@ -120,10 +128,10 @@ private:
     bool Validate() const;  ///< reports what is invalid
 
     // calibration/execute_transform.h
-    friend bool ExecuteTransform(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivImage& source,
-                                 CTivImage& destination);
-    friend bool SaveTransform(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivString& path,
-                              bool withSaturation);
+    friend bool tonewright::ExecuteTransform(const CTivTonewrightDC& settings, const CTivVector& transform,
+                                             const CTivImage& source, CTivImage& destination);
+    friend bool tonewright::SaveTransform(const CTivTonewrightDC& settings, const CTivVector& transform,
+                                          const CTivString& path, bool withSaturation);
 
     std::unique_ptr<ImplTonewrightDC> impl_;
 };

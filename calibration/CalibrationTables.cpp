@@ -4,6 +4,8 @@
 
 #include "calibration/reference_data_impl.h"
 
+using namespace tonewright;
+
 namespace {
 
 DoubleMatrix ToMatrix(const Matrix3x3& values, bool transposed) {
@@ -32,6 +34,8 @@ CalibrationTables::CalibrationTables()
     }
 }
 
+namespace tonewright {
+
 const CalibrationTables& GetCalibrationTables() {
     static const CalibrationTables* const tables = std::make_unique<CalibrationTables>().release();
     return *tables;
@@ -41,3 +45,5 @@ std::int32_t GetAdaptationKey(std::int32_t illuminant) {
     const CalibrationIlluminant* const row = FindIlluminant(illuminant);
     return row ? row->adaptationKey : -1;
 }
+
+}  // namespace tonewright

@@ -24,9 +24,13 @@ struct CalibrationTables {
     std::map<std::int32_t, DoubleMatrix> AdaptationTable;
 };
 
+namespace tonewright {
+
 /// The one set of tables of the process, built on first use and never freed, since the operator that the application
 /// keeps lives to the very end of the process.
 const CalibrationTables& GetCalibrationTables();
 
 /// @return the key into AdaptationTable of an illuminant index, -1 for the user's and for an unknown one
 std::int32_t GetAdaptationKey(std::int32_t illuminant);
+
+}  // namespace tonewright

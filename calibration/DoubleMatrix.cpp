@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+using namespace tonewright;
+
 DoubleMatrix::DoubleMatrix(std::int32_t rows, std::int32_t columns) { Reshape(rows, columns); }
 
 DoubleMatrix::DoubleMatrix(const DoubleMatrix& other) { *this = other; }
@@ -31,6 +33,8 @@ void DoubleMatrix::Reshape(std::int32_t rows, std::int32_t columns) {
     for (std::size_t i = 0; i < rowCount; ++i) rows_[i] = block_.data() + i * columnCount;
 }
 
+namespace tonewright {
+
 DoubleMatrix MultiplyInFloat(const DoubleMatrix& left, const DoubleMatrix& right, std::int32_t rows) {
     DoubleMatrix product(rows, right.GetColumns());
     for (std::int32_t i = 0; i < std::min(rows, left.GetRows()); ++i) {
@@ -42,3 +46,5 @@ DoubleMatrix MultiplyInFloat(const DoubleMatrix& left, const DoubleMatrix& right
     }
     return product;
 }
+
+}  // namespace tonewright

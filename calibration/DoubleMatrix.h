@@ -31,8 +31,12 @@ private:
     std::vector<double*> rows_;
 };
 
+namespace tonewright {
+
 /// left x right, where each element's sum is carried in float32: every product of two doubles is rounded to float32 and
 /// added to a float32 sum that starts at 0, in ascending order of the inner index. The inner index runs over left's
 /// columns, so that a 0 x 0 left side, with `rows` given, gives zeros.
 /// @param rows of the result; rows that `left` lacks are zeros
 DoubleMatrix MultiplyInFloat(const DoubleMatrix& left, const DoubleMatrix& right, std::int32_t rows);
+
+}  // namespace tonewright

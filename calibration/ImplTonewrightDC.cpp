@@ -4,6 +4,8 @@
 #include "calibration/ImplTonewrightDC_impl.h"
 #include "calibration/gamma_table.h"
 
+using namespace tonewright;
+
 ImplTonewrightDC::ImplTonewrightDC() : CTivAlgo("TonewrightDC") {
     GetCalibrationTables();
     Reset();

@@ -50,7 +50,7 @@ public:
     bool valid_ = true;
     bool calibrated_ = false;
     CTivData::Format calibratedFormat_ = CTivData::FormatRgb;
-    CalibrationParameters parameters_;
+    tonewright::CalibrationParameters parameters_;
     CTivVector transform_;
     DoubleMatrix fitMatrix_;
     DoubleMatrix adaptationMatrix_;
@@ -62,22 +62,22 @@ private:
     void ComputeSaturation();
     bool CalibrateAbsolute();
     bool CalibrateRelative();
-    bool FitAbsolute(std::span<const NormalisedColor> targets, const DoubleMatrix& adaptation);
+    bool FitAbsolute(std::span<const tonewright::NormalisedColor> targets, const DoubleMatrix& adaptation);
     bool KeepTransform();
     bool StoreTransform(const DoubleMatrix& matrix);
     // execute.cpp
     template <class Pixel>
     bool RunPolynomial(const NurImage& source, NurImage& destination, const Coefficients& coefficients,
-                       const GammaTable<Pixel>& table) const;
+                       const tonewright::GammaTable<Pixel>& table) const;
     bool RunTwist(const NurImage& source, NurImage& destination, const std::array<float, 12>& colorTwist,
                   std::vector<std::uint8_t>& untouched) const;
     // persistence.cpp
     std::array<float, 3> GetSaturationFractions() const;
     void SetSaturationFractions(const std::array<float, 3>& fractions);
 
-    GammaTable<PixelRgb> channelLut8_{};
-    GammaTable<PixelRgb10> channelLut10_{};
-    GammaTable<PixelRgb16> channelLut16_{};
+    tonewright::GammaTable<tonewright::PixelRgb> channelLut8_{};
+    tonewright::GammaTable<tonewright::PixelRgb10> channelLut10_{};
+    tonewright::GammaTable<tonewright::PixelRgb16> channelLut16_{};
     std::array<float, 12> colorTwist_{};  ///< the transform reversed: blue, green, red rows of blue, green, red, offset
     std::vector<std::uint8_t> untouched_;  ///< source pixels of a correction in place, kept from image to image
 };

@@ -7,6 +7,8 @@
 #include "calibration/fit_transform.h"
 #include "calibration/illuminants.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr const char* kNoReferenceColors =

@@ -2,6 +2,8 @@
 
 #include "calibration/CTivTonewrightDC.h"
 
+namespace tonewright {
+
 bool CalibrateAtDepth(CTivTonewrightDC& engine) {
     const int mode = engine.GetSaturationMode();
     const CTivVector* raw = engine.GetRawColors();
@@ -29,3 +31,5 @@ CTivData GetSaturationInForce(const CTivTonewrightDC& engine) {
             return engine.GetSaturationRgb();
     }
 }
+
+}  // namespace tonewright

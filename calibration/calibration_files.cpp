@@ -9,6 +9,8 @@
 #include "foundation/library_texts.h"
 #include "foundation/whole_files.h"
 
+namespace tonewright {
+
 namespace {
 
 void requireTerms(const std::string& path, std::int32_t terms) {
@@ -66,3 +68,5 @@ void LoadCoefficients(CTivTonewrightDC& engine, const std::string& path) {
     if (file.head.saturation) std::ranges::transform(*file.head.saturation, levels.begin(), toLevel);
     engine.SetSaturationValueEx(CTivData::Rgb(levels[0], levels[1], levels[2]));
 }
+
+}  // namespace tonewright

@@ -9,6 +9,8 @@
 
 class CTivTonewrightDC;
 
+namespace tonewright {
+
 // Parameter and coefficient files for programs that work with exceptions (foundation/library_texts.h). The library
 // reads a file that breaks off as one with zeros at its end; these hold it against the length that its own head asks
 // for.
@@ -37,3 +39,5 @@ void LoadParameters(CTivTonewrightDC& engine, const std::string& path);
 /// Loads the transform of a coefficient file for FormatRgb images, with the file's saturation or that of full scale.
 /// Only ExecuteTransform runs a transform of 4 terms with the color twist that belongs to it. @throw WorkFailure
 void LoadCoefficients(CTivTonewrightDC& engine, const std::string& path);
+
+}  // namespace tonewright

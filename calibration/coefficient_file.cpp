@@ -4,13 +4,16 @@
 #include "foundation/CTivManager.h"
 #include "foundation/record_length.h"
 
+namespace tonewright {
+
 namespace {
 constexpr const char* kName = "CTivTonewrightDC_XForm";
 constexpr std::uint64_t kHeadBytes = 40;
 }  // namespace
 
 bool ReadCoefficients(std::istream& stream, CoefficientHead& head, CTivVector& transform) {
-    if (!ReadName(stream, kName)) return Refuse("CTivTonewrightDC::LoadXForm => file header is not compatible");
+    if (!ReadName(stream, kName))
+        return CTivManager::Refuse("CTivTonewrightDC::LoadXForm => file header is not compatible");
     head.version = ReadField<std::int32_t>(stream);
     head.terms = ReadField<std::int32_t>(stream);
     head.saturation.reset();
@@ -36,3 +39,5 @@ std::string CheckCoefficientLength(std::istream& stream) {
     const std::uint64_t behind = version == kCoefficientVersionWithSaturation ? sizeof(float[3]) : 0;
     return CheckLength(stream, length, kHeadBytes, 1, behind);
 }
+
+}  // namespace tonewright

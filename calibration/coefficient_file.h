@@ -8,6 +8,8 @@
 
 #include "foundation/CTivVector.h"
 
+namespace tonewright {
+
 /// What a coefficient file (.ccor) says beside its transform of 3 x terms FormatFloat elements: the red row, the green
 /// one, the blue one.
 struct CoefficientHead {
@@ -34,3 +36,5 @@ bool WriteCoefficients(std::ostream& stream, const CoefficientHead& head, const 
 /// @param stream can seek; read from its beginning
 /// @return why it is too short, empty where it is long enough or no coefficient file at all, which loading tells
 std::string CheckCoefficientLength(std::istream& stream);
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 
 #include "calibration/svd.h"
 
+namespace tonewright {
+
 namespace {
 
 /// Reads an integer color by shifting its three channels out of one word.
@@ -80,3 +82,5 @@ std::optional<DoubleMatrix> FitColors(std::span<const NormalisedColor> raw, std:
     }
     return coefficients;
 }
+
+}  // namespace tonewright

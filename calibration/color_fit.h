@@ -9,6 +9,8 @@
 #include "calibration/DoubleMatrix.h"
 #include "foundation/CTivVector.h"
 
+namespace tonewright {
+
 /// Red, green, blue in 0 to 1 (or X, Y, Z), and a fourth value.
 using NormalisedColor = std::array<float, 4>;
 
@@ -33,3 +35,5 @@ std::array<double, 10> TermVector(const NormalisedColor& color, std::int32_t ter
 /// @throws const char* as Svd does
 std::optional<DoubleMatrix> FitColors(std::span<const NormalisedColor> raw, std::span<const NormalisedColor> targets,
                                       std::int32_t terms);
+
+}  // namespace tonewright

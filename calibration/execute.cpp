@@ -6,6 +6,8 @@
 #include "primitives/polynomial.h"
 #include "primitives/twist.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr std::int64_t kRgbBytes = 4;
@@ -97,8 +99,8 @@ bool ImplTonewrightDC::RunPolynomial(const NurImage& source, NurImage& destinati
 
 /// The fast path: a color twist on samples of 0 to 255, table, saturation. Samples and offset are not scaled as in the
 /// polynomial paths, negative results clip and rounding is to nearest: all deliberate (C30).
-bool ImplTonewrightDC::RunTwist(const NurImage& source, NurImage& destination,
-                                const std::array<float, 12>& colorTwist, std::vector<std::uint8_t>& untouched) const {
+bool ImplTonewrightDC::RunTwist(const NurImage& source, NurImage& destination, const std::array<float, 12>& colorTwist,
+                                std::vector<std::uint8_t>& untouched) const {
     const std::uint8_t* const from = source.RoiRow(0);
     std::uint8_t* const to = destination.RoiRow(0);
     const std::int64_t width = source.roi.width;

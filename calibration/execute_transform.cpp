@@ -5,6 +5,8 @@
 #include "calibration/CTivTonewrightDC.h"
 #include "calibration/ImplTonewrightDC_impl.h"
 
+namespace tonewright {
+
 bool ExecuteTransform(const CTivTonewrightDC& settings, const CTivVector& transform, const CTivImage& source,
                       CTivImage& destination) {
     if (!settings.impl_ || !settings.Validate()) return false;
@@ -27,3 +29,5 @@ std::array<float, 12> GetColorTwist(const CTivVector& transform) {
     std::reverse_copy(values, values + twist.size(), twist.begin());
     return twist;
 }
+
+}  // namespace tonewright

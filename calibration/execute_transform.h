@@ -8,6 +8,8 @@
 
 class CTivTonewrightDC;
 
+namespace tonewright {
+
 // A transform that the operator did not fit itself (a refined one, one that left a patch out, one from a file), put to
 // the same use as its own. The operator stays as it is.
 
@@ -29,3 +31,5 @@ bool SaveTransform(const CTivTonewrightDC& settings, const CTivVector& transform
 /// blue, green, red and offset. The offset keeps its unit.
 /// @return zeros for a transform that is not 3 x 4 FormatFloat
 std::array<float, 12> GetColorTwist(const CTivVector& transform);
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 #include "calibration/CTivTonewrightDC.h"
 #include "calibration/CalibrationTables.h"
 
+namespace tonewright {
+
 CalibrationTargets GetTargets(const CTivTonewrightDC& calibrated) {
     CalibrationTargets targets;
     if (!calibrated.GetRawColors()) return targets;
@@ -45,3 +47,5 @@ bool StoreRows(const DoubleMatrix& matrix, CTivVector& transform) {
     }
     return true;
 }
+
+}  // namespace tonewright

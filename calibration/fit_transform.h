@@ -10,6 +10,8 @@
 
 class CTivTonewrightDC;
 
+namespace tonewright {
+
 /// What a calibration brings its raw colors to.
 struct CalibrationTargets {
     /// One a raw color: XYZ under the illuminant in absolute mode, linear red, green, blue in relative mode.
@@ -34,3 +36,5 @@ DoubleMatrix ComposeTransform(const DoubleMatrix& fit, const DoubleMatrix& adapt
 
 /// The matrix's numbers as floats, row by row. @return false without memory
 bool StoreRows(const DoubleMatrix& matrix, CTivVector& transform);
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace tonewright {
+
 /// Fills an output table for channels of full scale size - 1: entry i is the integer part of (i / size) ^ gamma times
 /// full scale, the power in double, the product in float32. The divisor is the table's length and not its top index,
 /// deliberately (C32), so that the last entry stays short of full scale. What a negative or undefined gamma would throw
@@ -21,3 +23,5 @@ void FillGammaTable(std::array<Entry, size>& table, float gamma) {
                                       : Entry{0};
     }
 }
+
+}  // namespace tonewright

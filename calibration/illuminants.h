@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace tonewright {
+
 /// A light that a calibration can be told of.
 struct CalibrationIlluminant {
     std::int32_t index;          ///< as CTivTonewrightDC::SetIlluminant takes it
@@ -42,3 +44,5 @@ constexpr const CalibrationIlluminant* FindIlluminant(std::string_view word) {
     }
     return nullptr;
 }
+
+}  // namespace tonewright

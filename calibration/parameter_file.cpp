@@ -4,6 +4,8 @@
 #include "foundation/CTivManager.h"
 #include "foundation/record_length.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr const char* kName = "CTivTonewrightDC";
@@ -14,7 +16,7 @@ constexpr bool HasRgb16(std::int32_t version) { return version > kLastVersionWit
 }  // namespace
 
 bool ReadParameters(std::istream& stream, CalibrationParameters& parameters, std::int32_t& version) {
-    if (!ReadName(stream, kName)) return Refuse("CTivTonewrightDC::ReadFile => incompatible file");
+    if (!ReadName(stream, kName)) return CTivManager::Refuse("CTivTonewrightDC::ReadFile => incompatible file");
     const auto read = [&stream]<class T>(T& field) { field = ReadField<T>(stream); };
     read(version);
     // Not in the order of the operator's own fields, deliberately (C33).
@@ -57,3 +59,5 @@ std::string CheckParameterLength(std::istream& stream) {
                                  (HasRgb16(version) ? sizeof(CalibrationParameters::saturationRgb16) : 0);
     return CheckLength(stream, length, before, 3, 0);
 }
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 
 #include "foundation/CTivVector.h"
 
+namespace tonewright {
+
 /// Every input of a calibration: what a parameter file (.twkp) holds.
 struct CalibrationParameters {
     std::int32_t mode = 0;                           ///< 0 absolute, 1 relative
@@ -43,3 +45,5 @@ bool WriteParameters(std::ostream& stream, const CalibrationParameters& paramete
 /// @param stream can seek; read from its beginning
 /// @return why it is too short, empty where it is long enough or no parameter file at all, which loading tells
 std::string CheckParameterLength(std::istream& stream);
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 #include "calibration/coefficient_file.h"
 #include "foundation/SafeFile.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr std::uint32_t kRgb10TopBits = 0xc0000000;

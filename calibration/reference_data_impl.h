@@ -4,6 +4,8 @@
 
 #include "calibration/illuminants.h"
 
+namespace tonewright {
+
 // What a 24-patch chart measures under each predefined illuminant, and the matrices that go with it. The digits are
 // kept as they were published to us, odd ones included: they are not to be smoothed.
 
@@ -130,3 +132,5 @@ inline constexpr std::array<std::array<Xyz, kIlluminantCount>, kPatchCount> kRef
       {0.030999f, 0.031142f, 0.021235f}, {0.029829f, 0.031190f, 0.034268f}, {0.031621f, 0.031194f, 0.020292f}}},  // 24
 }};
 // clang-format on
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 #include "foundation/CTivData.h"
 #include "foundation/record_length.h"
 
+namespace tonewright {
+
 std::string CheckLength(std::istream& stream, std::uint64_t length, std::uint64_t before, int records,
                         std::uint64_t behind) {
     constexpr std::uint64_t headBytes = 44;
@@ -20,3 +22,5 @@ std::string CheckLength(std::istream& stream, std::uint64_t length, std::uint64_
     }
     return DescribeShortage(length, wanted + behind);
 }
+
+}  // namespace tonewright

@@ -9,6 +9,8 @@
 #include <string>
 #include <type_traits>
 
+namespace tonewright {
+
 // Fields of the calibration's two files, little-endian and without padding.
 static_assert(std::endian::native == std::endian::little, "fields are read and written as they stand in memory");
 
@@ -46,3 +48,5 @@ inline void WriteName(std::ostream& stream, const char* name) {
 /// @return why the file is too short; empty where it is not, or where something else stands in a record's place
 std::string CheckLength(std::istream& stream, std::uint64_t length, std::uint64_t before, int records,
                         std::uint64_t behind);
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+namespace tonewright {
+
 namespace {
 
 constexpr double kEpsilon = 2.220446049250313e-16;
@@ -249,3 +251,5 @@ void Svd::Solve(std::span<const double> b, std::span<double> x) const {
         for (std::int32_t i = 0; i < columns; ++i) x[static_cast<std::size_t>(i)] += v_[i][j] * share;
     }
 }
+
+}  // namespace tonewright

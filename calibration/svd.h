@@ -5,6 +5,8 @@
 
 #include "calibration/DoubleMatrix.h"
 
+namespace tonewright {
+
 /// Singular value decomposition A = U W V^T of a small dense matrix in double precision, and least squares by it.
 ///
 /// Householder reduction to bidiagonal form, then implicitly shifted QR steps on that: G. Golub and W. Kahan,
@@ -47,3 +49,5 @@ private:
     std::vector<double> e_;  ///< e_[i] stands above w_[i], right of w_[i - 1]; e_[0] is 0
     double threshold_ = 0.0;
 };
+
+}  // namespace tonewright

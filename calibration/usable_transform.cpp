@@ -7,6 +7,8 @@
 #include "calibration/coefficient_file.h"
 #include "calibration/color_fit.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr const char* kRowNames[] = {"red", "green", "blue"};
@@ -47,3 +49,5 @@ std::string WhyUnusableCoefficients(const std::string& path) {
     if (!ReadCoefficients(file, head, transform)) return "the file holds no coefficients";
     return WhyUnusableTransform(transform, head.terms);
 }
+
+}  // namespace tonewright

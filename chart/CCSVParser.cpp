@@ -10,6 +10,8 @@
 
 #include "foundation/SafeFile.h"
 
+using namespace tonewright;
+
 namespace {
 
 // A window toolkit may have set a locale with a decimal comma; the file's numbers stay what they are.

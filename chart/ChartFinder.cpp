@@ -9,6 +9,8 @@
 #include "chart/find_reasons_impl.h"
 #include "foundation/nur_image.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr int kCoarsest = 180;        // pixels of the longer side, below which no copy is halved again
@@ -312,3 +314,5 @@ FoundChart ChartFinder::Find(const CTivImage& image, const std::optional<ChartRo
     }
     return Search(image, part, layout_).Run();
 }
+
+}  // namespace tonewright

@@ -9,6 +9,8 @@
 #include "chart/PatchMeasurement.h"
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 /// Finds a color chart wherever it lies in a picture: turned by any angle, tilted, mirrored, small, in uneven light.
 /// The patches are squares, apart from each other by something else than they are.
 ///
@@ -33,3 +35,5 @@ public:
 private:
     ChartLayout layout_;
 };
+
+}  // namespace tonewright

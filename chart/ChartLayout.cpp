@@ -3,6 +3,8 @@
 #include "calibration/CalibrationTables.h"
 #include "chart/patch_names.h"
 
+namespace tonewright {
+
 namespace {
 constexpr int kIlluminantD50 = 1;
 }
@@ -17,3 +19,5 @@ const ChartLayout& GetClassicLayout() {
     }();
     return layout;
 }
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 
 #include "chart/FoundChart.h"
 
+namespace tonewright {
+
 using XyzColor = std::array<double, 3>;  ///< CIE X, Y, Z
 
 /// How the patches of a chart are laid out, and their colors.
@@ -27,3 +29,5 @@ struct ChartLayout {
 
 /// The chart of 6 x 4 patches: 18 chromatic ones, then the neutral row from white to black.
 const ChartLayout& GetClassicLayout();
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace tonewright {
+
 /// A place in a picture in pixels: (0, 0) is the centre of the first pixel, y runs down.
 struct ChartPoint {
     double x = 0;
@@ -49,3 +51,5 @@ struct FoundChart {
     double confidence = 0;
     bool isOriented = true;  ///< false: the layout has no colors; rows run to the right, confidence is 0
 };
+
+}  // namespace tonewright

@@ -9,6 +9,8 @@
 #include "analysis/CTivBlob.h"
 #include "chart/orientation.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr int kBlobCapacity = 1024;
@@ -213,3 +215,5 @@ void PatchDetector::GetRoiColor(CTivImage& image, const ChartRoi& roi, unsigned 
     basic.Stats(image, mean, nullptr, nullptr, nullptr);
     for (int i = 0; i < 3; ++i) bgr[i] = static_cast<unsigned char>(truncated(mean[2 - i]) & 0xFF);
 }
+
+}  // namespace tonewright

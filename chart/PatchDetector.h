@@ -6,14 +6,23 @@
 #include "foundation/CTivImage.h"
 #include "foundation/CTivVector.h"
 
-/// The most columns and rows that a chart may have where a user chooses them.
-inline constexpr std::int32_t kMostPatchesASide = 100;
-
 /// How many patches the chart has.
 struct ChartSize {
     std::int32_t Width = 6;   ///< patch columns
     std::int32_t Height = 4;  ///< patch rows
 };
+
+/// One place of the grid that is laid over the chart.
+struct PatchCell {
+    float x = 0;             ///< centre of the patch in pixels, from the ROI's left edge
+    float y = 0;             ///< centre of the patch in pixels, from the ROI's top edge
+    bool saturated = false;  ///< a measurement found a channel at full scale
+};
+
+namespace tonewright {
+
+/// The most columns and rows that a chart may have where a user chooses them.
+inline constexpr std::int32_t kMostPatchesASide = 100;
 
 /// The rectangle around the chart in image pixels, as the viewers keep it: its width is right - left.
 struct ChartRoi {
@@ -23,13 +32,6 @@ struct ChartRoi {
     std::int32_t bottom = 0;
 
     bool operator==(const ChartRoi&) const = default;
-};
-
-/// One place of the grid that is laid over the chart.
-struct PatchCell {
-    float x = 0;             ///< centre of the patch in pixels, from the ROI's left edge
-    float y = 0;             ///< centre of the patch in pixels, from the ROI's top edge
-    bool saturated = false;  ///< a measurement found a channel at full scale
 };
 
 /// The rectangle that a patch is measured in, in image pixels.
@@ -117,3 +119,5 @@ private:
     int foundColumns_ = 0;
     int brightest_ = 0;
 };
+
+}  // namespace tonewright

@@ -6,6 +6,8 @@
 #include <numeric>
 #include <span>
 
+namespace tonewright {
+
 namespace {
 
 // When the levels of a channel are two colors. Noise, however strong, splits at its mean into halves that lie 2.7 of
@@ -134,3 +136,5 @@ PatchMeasurement MeasureArea(const CTivImage& image, const CTivRect& area) {
     }
     return patch.Measure();
 }
+
+}  // namespace tonewright

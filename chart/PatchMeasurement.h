@@ -7,6 +7,8 @@
 
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 /// What one pass over the sampling area of a patch tells. Red, green, blue, in the image's words: 0 to 255, 1023 or
 /// 65535.
 struct PatchMeasurement {
@@ -47,3 +49,5 @@ private:
 
 /// Measures a rectangle of the image, as far as it lies inside. The image's region plays no part.
 PatchMeasurement MeasureArea(const CTivImage& image, const CTivRect& area);
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 #include "chart/orientation.h"
 #include "foundation/nur_image.h"
 
+namespace tonewright {
+
 namespace {
 
 bool isInside(const CTivImage& image, const PatchOverlay& area) {
@@ -102,3 +104,5 @@ int TakePixels(const CTivImage& image, const SamplingArea& area, std::vector<std
     }
     return count;
 }
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 #include "chart/PatchMeasurement.h"
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 /// Pixels beside each other in a row of an image.
 struct PixelRun {
     int x = 0;
@@ -33,3 +35,5 @@ std::vector<PatchMeasurement> MeasureAreas(const CTivImage& image, const std::ve
 /// @param pixels receives them, and keeps its memory where that is large enough
 /// @return how many
 int TakePixels(const CTivImage& image, const SamplingArea& area, std::vector<std::byte>& pixels);
+
+}  // namespace tonewright

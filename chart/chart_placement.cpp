@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace tonewright {
+
 namespace {
 
 constexpr int kMinSeen = 9;                 // patches of the chart that must be nodes of the lattice
@@ -287,3 +289,5 @@ std::vector<ChartPlacement> PlacementSearch::Search(const WorkingCopy& copy, std
     });
     return placements;
 }
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 #include "chart/color_match_impl.h"
 #include "chart/patch_lattice_impl.h"
 
+namespace tonewright {
+
 /// A chart laid over a lattice, in pixels of the working copy.
 struct ChartPlacement {
     PlaneMap map;                     ///< patch places (column, row) of the chart to pixels
@@ -52,3 +54,5 @@ private:
     const ChartLayout& layout_;
     const ColorMatcher& matcher_;
 };
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+namespace tonewright {
+
 namespace {
 
 constexpr double kEdgeSpan = 0.8;            // of a side: the part of an edge that is looked at
@@ -393,3 +395,5 @@ FoundPatch ChartSurface::PatchAt(int column, int row) const {
     };
     return {at(0, 0), {at(-1, -1), at(1, -1), at(1, 1), at(-1, 1)}, false};
 }
+
+}  // namespace tonewright

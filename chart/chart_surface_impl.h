@@ -7,6 +7,8 @@
 #include "chart/plane_map_impl.h"
 #include "chart/working_copy_impl.h"
 
+namespace tonewright {
+
 /// Where the places of a chart lie in a picture: a perspective map and, beside it, a bend of third order, which takes
 /// up what a lens or a warped card does. A patch is a square of `side` steps around its place (column, row).
 class ChartSurface {
@@ -72,3 +74,5 @@ private:
     std::vector<ChartPoint> shifts_;                       // of single patches, pixels
     std::vector<bool> sharp_;                              // sides of patches that have an edge
 };
+
+}  // namespace tonewright

@@ -6,6 +6,8 @@
 
 #include "chart/plane_map_impl.h"
 
+namespace tonewright {
+
 namespace {
 
 // From values to light: pictures that were made linear twice, linear ones, and the usual codings, some contrasty.
@@ -252,3 +254,5 @@ ColorMatch ColorMatcher::Match(std::span<const PatchSample> samples, double expo
     }
     return best;
 }
+
+}  // namespace tonewright

@@ -8,6 +8,8 @@
 #include "chart/FoundChart.h"
 #include "chart/working_copy_impl.h"
 
+namespace tonewright {
+
 /// A patch of a picture for the match with a chart's.
 struct PatchSample {
     TonedColor color = {};
@@ -58,3 +60,5 @@ private:
     std::vector<double> weights_;  // squared
     std::vector<Row> inverse_;     // takes colors to the mix that explains them best
 };
+
+}  // namespace tonewright

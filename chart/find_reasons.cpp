@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+namespace tonewright {
+
 namespace {
 
 constexpr const char* kCornerNames[] = {"upper left", "upper right", "lower right", "lower left"};
@@ -75,3 +77,5 @@ const char* GetRefusalCode(FindRefusal refusal) {
             return "no-patches";
     }
 }
+
+}  // namespace tonewright

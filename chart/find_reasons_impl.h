@@ -5,6 +5,8 @@
 
 #include "chart/FoundChart.h"
 
+namespace tonewright {
+
 /// What a search that found no chart has seen.
 struct FindTrace {
     int flatPatches = 0;               ///< places of even color and the shape of a patch
@@ -20,3 +22,5 @@ struct FindTrace {
 
 /// Puts the reason into words.
 FoundChart Refused(const FindTrace& trace);
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 
 #include "analysis/CTivBlob.h"
 
+namespace tonewright {
+
 namespace {
 
 // What counts as flat: a change of less than this many toned levels over two pixels. The low one parts dark patches
@@ -86,3 +88,5 @@ void Halve(std::vector<FlatPatch>& patches) {
         for (double& entry : patch.whiten) entry *= 2;
     }
 }
+
+}  // namespace tonewright

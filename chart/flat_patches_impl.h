@@ -6,6 +6,8 @@
 #include "chart/FoundChart.h"
 #include "chart/working_copy_impl.h"
 
+namespace tonewright {
+
 /// A small region of even color that might be a patch: compact, as a parallelogram is. In pixels of its working copy.
 struct FlatPatch {
     ChartPoint center;
@@ -29,3 +31,5 @@ std::vector<FlatPatch> FindFlatPatches(CTivImage& change, int maxSide, std::size
 
 /// The same patches in pixels that are twice as large.
 void Halve(std::vector<FlatPatch>& patches);
+
+}  // namespace tonewright

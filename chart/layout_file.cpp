@@ -6,6 +6,8 @@
 
 #include "calibration/illuminants.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::string_view kFirstLine = "tonewright-chart-layout 1";
@@ -162,3 +164,5 @@ std::optional<ChartLayout> ReadChartLayout(const std::string& path, std::string&
     }
     return ParseChartLayout(text, reason);
 }
+
+}  // namespace tonewright

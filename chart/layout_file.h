@@ -6,6 +6,8 @@
 
 #include "chart/ChartLayout.h"
 
+namespace tonewright {
+
 /// Reads a chart layout: lines of a word and its values, in any order but the patches', which stand row by row.
 ///
 ///     tonewright-chart-layout 1
@@ -23,3 +25,5 @@ std::optional<ChartLayout> ParseChartLayout(std::string_view text, std::string& 
 
 /// The same from a file of at most a mebibyte.
 std::optional<ChartLayout> ReadChartLayout(const std::string& path, std::string& reason);
+
+}  // namespace tonewright

@@ -1,5 +1,7 @@
 #include "chart/orientation.h"
 
+namespace tonewright {
+
 namespace {
 
 struct Orientation {
@@ -38,3 +40,5 @@ int GetPlaceInPicture(const ChartSize& chart, int brightest, int index) {
     return chart.Width * (orientation.rowsReversed ? chart.Height - 1 - row : row) +
            (orientation.columnsReversed ? chart.Width - 1 - column : column);
 }
+
+}  // namespace tonewright

@@ -2,6 +2,8 @@
 
 #include "chart/PatchDetector.h"
 
+namespace tonewright {
+
 // How a chart lies in a picture is told from the place of its brightest patch, taken for the white one. Charts of
 // 6 x 4 and 4 x 6 alone are turned; of both shapes the same three places count, deliberately (C37).
 
@@ -16,3 +18,5 @@ const char* GetOrientationName(const ChartSize& chart, int brightest);
 /// @param index of a patch in the order that the calibration wants
 /// @return its place in the picture, row by row
 int GetPlaceInPicture(const ChartSize& chart, int brightest, int index);
+
+}  // namespace tonewright

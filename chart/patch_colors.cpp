@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace tonewright {
+
 PatchColors ToPatchColors(std::span<const PatchMeasurement> patches, CTivData::Format format) {
     PatchColors result;
     const auto fullScale = static_cast<std::uint64_t>(GetChannelFullScale(format));
@@ -27,3 +29,5 @@ PatchColors ToPatchColors(std::span<const PatchMeasurement> patches, CTivData::F
     }
     return result;
 }
+
+}  // namespace tonewright

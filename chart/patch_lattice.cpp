@@ -4,6 +4,8 @@
 #include <cmath>
 #include <map>
 
+namespace tonewright {
+
 namespace {
 
 // How a neighbour may lie, in sides of the patch that looks at it.
@@ -293,3 +295,5 @@ std::vector<PatchLattice> FindLattices(std::span<const FlatPatch> patches, int m
     }
     return lattices;
 }
+
+}  // namespace tonewright

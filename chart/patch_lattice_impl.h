@@ -7,6 +7,8 @@
 #include "chart/flat_patches_impl.h"
 #include "chart/plane_map_impl.h"
 
+namespace tonewright {
+
 /// A patch's place in a lattice.
 struct LatticeNode {
     int u = 0;
@@ -28,3 +30,5 @@ struct PatchLattice {
 /// @param minNodes smaller lattices are left out
 /// @return the lattices, the one with the most patches first
 std::vector<PatchLattice> FindLattices(std::span<const FlatPatch> patches, int minNodes);
+
+}  // namespace tonewright

@@ -3,6 +3,8 @@
 
 #include "chart/plane_map_impl.h"
 
+namespace tonewright {
+
 namespace {
 
 /// Moves points to their mean and to a mean distance near 1.
@@ -99,3 +101,5 @@ std::optional<PlaneMap> FitPlaneMap(std::span<const PlacePair> pairs) {
     const std::array<double, 9> end = {1 / to.scale, 0, to.x, 0, 1 / to.scale, to.y, 0, 0, 1};
     return PlaneMap{product(end, product(inner, begin))};
 }
+
+}  // namespace tonewright

@@ -6,6 +6,8 @@
 
 #include "chart/FoundChart.h"
 
+namespace tonewright {
+
 /// A perspective map of the plane: places on the chart, in patch steps, to places in a picture, in pixels.
 struct PlaneMap {
     std::array<double, 9> h = {1, 0, 0, 0, 1, 0, 0, 0, 1};  ///< row-major, for column vectors (u, v, 1)
@@ -29,3 +31,5 @@ std::optional<PlaneMap> FitPlaneMap(std::span<const PlacePair> pairs);
 /// @param a row-major N x N, overwritten @param b N values, overwritten by x
 /// @return false where A is not positive definite
 bool SolveSymmetric(std::span<double> a, std::span<double> b);
+
+}  // namespace tonewright

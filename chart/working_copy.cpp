@@ -6,6 +6,8 @@
 #include "chart/working_copy_impl.h"
 #include "foundation/nur_image.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr int kToneBits = 10;  // as many as four 8-bit values add up to
@@ -239,3 +241,5 @@ void SmoothPicture::AddAt(const ChartPoint& place, TonedColor& sums) const {
     if (bits_ == 16) return AddWords<std::uint64_t>(place, sums);
     AddWords<std::uint32_t>(place, sums);
 }
+
+}  // namespace tonewright

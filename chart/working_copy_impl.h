@@ -7,6 +7,8 @@
 #include "chart/FoundChart.h"
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 /// Red, green, blue, each a toned level of 0 to 255: 255 times the square root of the channel's share of full scale, so
 /// that dark patches of linear pictures keep their contrast.
 using TonedColor = std::array<double, 3>;
@@ -64,3 +66,5 @@ private:
     int bits_;
     double scale_;  // from a channel to its share of full scale
 };
+
+}  // namespace tonewright

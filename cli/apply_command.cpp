@@ -16,6 +16,8 @@
 #include "imagefile/bmp_strips.h"
 #include "imagefile/picture_file.h"
 
+using namespace tonewright;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+using namespace tonewright;
+
 namespace {
 
 template <class T>

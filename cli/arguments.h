@@ -23,7 +23,7 @@ std::optional<float> ParseDecimal(std::string_view text);
 std::optional<std::vector<int>> ParseIntegers(std::string_view text, std::size_t count);
 std::optional<std::vector<float>> ParseDecimals(std::string_view text, std::size_t count);
 /// "L,T,R,B".
-std::optional<ChartRoi> ParseRoi(std::string_view text);
+std::optional<tonewright::ChartRoi> ParseRoi(std::string_view text);
 /// "WxH", both at least 1.
 std::optional<ChartSize> ParseChartSize(std::string_view text);
 

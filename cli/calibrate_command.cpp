@@ -20,6 +20,8 @@
 #include "imagefile/picture_file.h"
 #include "quality/chart_calibration.h"
 
+using namespace tonewright;
+
 namespace {
 
 struct CalibrateOptions {

@@ -3,6 +3,8 @@
 #include "cli/json_values.h"
 #include "cli/quality_json.h"
 
+using namespace tonewright;
+
 namespace {
 
 Json describe(const ChartPoint& point) { return {point.x, point.y}; }

@@ -13,6 +13,8 @@
 #include "imagefile/picture_file.h"
 #include "quality/measured_chart.h"
 
+using namespace tonewright;
+
 void AddChartOptions(CLI::App& command, ChartOptions& options) {
     AddParsed(command, "--roi", options.roi, ParseRoi, "four integers L,T,R,B",
               "Left, top, right, bottom of the chart in pixels, right and bottom exclusive (default: the image less a "

@@ -8,6 +8,8 @@
 #include "imagefile/CTivImageFileFormat.h"
 #include "imagefile/picture_file.h"
 
+using namespace tonewright;
+
 namespace {
 
 struct ConvertOptions {

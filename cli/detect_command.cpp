@@ -6,6 +6,8 @@
 #include "cli/command.h"
 #include "cli/quality_json.h"
 
+using namespace tonewright;
+
 namespace {
 
 Outcome detect(const ChartOptions& options) {

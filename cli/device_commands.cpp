@@ -10,6 +10,8 @@
 #include "cli/devices.h"
 #include "cli/output_set.h"
 
+using namespace tonewright;
+
 namespace {
 
 struct ListOptions {

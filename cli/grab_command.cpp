@@ -10,6 +10,8 @@
 #include "cli/output_set.h"
 #include "imagefile/picture_file.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kMostFrames = 100'000;

@@ -12,6 +12,8 @@
 #include "imagefile/file_kind.h"
 #include "imagefile/picture_file.h"
 
+using namespace tonewright;
+
 namespace {
 
 void addMetadata(Json& metadata, const char* name, ctiv::OptionalResult<double>& value) {

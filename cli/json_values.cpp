@@ -115,11 +115,11 @@ private:
         const auto bits = static_cast<std::uint64_t>(CTivData::GetFormatBits(format));
         const std::uint64_t count = bits == 0 ? 0 : bytes.size() * 8 / bits;
         if (count == 0) return AppendPlain(Json::array());
-        const bool isShort = !ToJson(ReadElement(format, bytes.data(), 0)).is_structured();
+        const bool isShort = !ToJson(CTivData::ReadElement(format, bytes.data(), 0)).is_structured();
         AppendList("[]", isShort, indent, [&](auto beginElement) {
             for (std::uint64_t i = 0; i < count; ++i) {
                 beginElement();
-                AppendPlain(ToJson(ReadElement(format, bytes.data(), i)));
+                AppendPlain(ToJson(CTivData::ReadElement(format, bytes.data(), i)));
             }
         });
     }

@@ -10,6 +10,8 @@
 #include "foundation/library_texts.h"
 #include "foundation/version.h"
 
+using namespace tonewright;
+
 namespace {
 
 // A line a file of commands, in the order of the help.

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <system_error>
 
+using namespace tonewright;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -18,8 +18,8 @@ public:
         const std::string name = Stage(path);
         try {
             write(name);
-        } catch (const WorkFailure& failure) {
-            throw WorkFailure(Explained(failure.what(), name, path));
+        } catch (const tonewright::WorkFailure& failure) {
+            throw tonewright::WorkFailure(Explained(failure.what(), name, path));
         }
     }
 
@@ -39,5 +39,5 @@ private:
     static std::string Explained(std::string text, const std::string& name, const std::string& path);
 
     std::vector<std::string> paths_;
-    std::vector<StagedFile> files_;
+    std::vector<tonewright::StagedFile> files_;
 };

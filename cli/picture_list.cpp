@@ -14,6 +14,8 @@
 #include "cli/progress.h"
 #include "cli/signals.h"
 
+using namespace tonewright;
+
 namespace fs = std::filesystem;
 
 namespace {

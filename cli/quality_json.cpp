@@ -6,6 +6,8 @@
 
 #include "chart/patch_names.h"
 
+using namespace tonewright;
+
 namespace {
 
 Json describe(const DifferenceSummary& summary) {

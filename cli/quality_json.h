@@ -7,16 +7,16 @@
 #include "quality/findings.h"
 
 /// {"deltaE00", "deltaE76"}, each {"mean", "median", "max", "patches"}.
-Json Describe(const ChartDifferences& differences);
+Json Describe(const tonewright::ChartDifferences& differences);
 
 /// The figures of a calibration: the bare matrix, and beside it what is delivered.
-Json Describe(const CalibrationQuality& quality);
+Json Describe(const tonewright::CalibrationQuality& quality);
 
 /// A list of {"code", "severity", "text", "patches"}.
-Json Describe(const std::vector<Finding>& findings);
+Json Describe(const std::vector<tonewright::Finding>& findings);
 
 /// Writes warnings and errors to standard error, a line each.
-void TellFindings(const std::vector<Finding>& findings);
+void TellFindings(const std::vector<tonewright::Finding>& findings);
 
 /// "12.3" with `decimals` digits behind the point, whatever the locale; "no number" for what is none.
 std::string ToText(double value, int decimals);
@@ -25,4 +25,4 @@ std::string ToText(double value, int decimals);
 std::string PatchWord(std::size_t index, std::size_t count);
 
 /// Whether one of them is a warning or worse.
-bool HasWarning(const std::vector<Finding>& findings);
+bool HasWarning(const std::vector<tonewright::Finding>& findings);

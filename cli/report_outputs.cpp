@@ -6,6 +6,8 @@
 
 #include "cli/arguments.h"
 
+using namespace tonewright;
+
 namespace {
 
 void writeText(OutputSet& outputs, const std::string& path, const std::string& text) {

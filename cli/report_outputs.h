@@ -20,13 +20,13 @@ void AddExportOption(CLI::App& command, ReportOptions& options);
 
 /// Writes the page where one is asked for, with the picture, date and version added.
 /// @param report title, figures and settings filled in
-void WriteReport(OutputSet& outputs, const ReportOptions& options, Report report, const CTivImage& picture);
+void WriteReport(OutputSet& outputs, const ReportOptions& options, tonewright::Report report, const CTivImage& picture);
 
 /// Writes what --export asks for.
 /// @param name of the picture, for the files' own titles
 /// @param report for the patches' colors
 void WriteExports(OutputSet& outputs, const ReportOptions& options, const std::string& name,
-                  const CTivTonewrightDC& engine, const CTivVector& transform, const Report& report);
+                  const CTivTonewrightDC& engine, const CTivVector& transform, const tonewright::Report& report);
 
 /// @param paths of outputs; empty ones don't count @throw UsageFailure where two are the same place
 void RequireDifferentPlaces(const std::vector<std::string>& paths);

@@ -11,6 +11,8 @@
 #include "cli/signals.h"
 #include "foundation/library_texts.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kMostJobs = 1000;

@@ -6,6 +6,8 @@
 
 #include "foundation/StagedFile.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kEndSignals[] = {SIGINT, SIGTERM, SIGHUP};

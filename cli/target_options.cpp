@@ -7,6 +7,8 @@
 #include "cli/arguments.h"
 #include "foundation/whole_files.h"
 
+using namespace tonewright;
+
 namespace {
 
 std::optional<CalibrationIlluminant> parseIlluminant(const std::string& word) {

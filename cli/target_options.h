@@ -10,14 +10,17 @@
 
 /// What the patches of a chart should be, as the command line has it.
 struct TargetOptions {
-    std::optional<CalibrationIlluminant> illuminant;  ///< none: A, as the Studio starts, or the calibration's own
+    std::optional<tonewright::CalibrationIlluminant>
+        illuminant;  ///< none: A, as the Studio starts, or the calibration's own
     std::string values;
     std::optional<std::vector<float>> white;
     std::optional<std::string> reference;
-    std::optional<ChartRoi> referenceRoi;
+    std::optional<tonewright::ChartRoi> referenceRoi;
 
     bool IsGiven() const { return illuminant || reference; }
-    const CalibrationIlluminant& GetIlluminant() const { return illuminant ? *illuminant : *FindIlluminant("A"); }
+    const tonewright::CalibrationIlluminant& GetIlluminant() const {
+        return illuminant ? *illuminant : *tonewright::FindIlluminant("A");
+    }
 };
 
 /// Adds --illuminant, --values, --white, --reference, --reference-roi.
@@ -30,4 +33,4 @@ void CheckTargetOptions(const TargetOptions& options);
 /// Reads the user's values or the reference picture.
 /// @param count of the raw colors
 /// @throw WorkFailure for a file that does not serve
-CalibrationAim ReadAim(const TargetOptions& options, const ChartOptions& chart, int count);
+tonewright::CalibrationAim ReadAim(const TargetOptions& options, const ChartOptions& chart, int count);

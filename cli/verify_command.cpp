@@ -18,6 +18,8 @@
 #include "cli/target_options.h"
 #include "quality/verification.h"
 
+using namespace tonewright;
+
 namespace {
 
 struct VerifyOptions {

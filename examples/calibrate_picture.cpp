@@ -31,18 +31,18 @@ int main(int argc, char** argv) {
 
     // The chart fills the picture but for a margin of a fiftieth.
     const int marginX = picture.GetWidth() / 50, marginY = picture.GetHeight() / 50;
-    const ChartRoi roi = {marginX, marginY, picture.GetWidth() - marginX, picture.GetHeight() - marginY};
+    const tonewright::ChartRoi roi = {marginX, marginY, picture.GetWidth() - marginX, picture.GetHeight() - marginY};
     const ChartSize chart;  // 6 x 4 patches
-    PatchDetector detector;
+    tonewright::PatchDetector detector;
     if (!detector.DetectPatches(picture, roi, chart)) return fail("no patch found");
     if (detector.GetFoundRows() != chart.Height || detector.GetFoundColumns() != chart.Width) {
         std::fprintf(stderr, "the chart was not found whole\n");
         return 1;
     }
-    const PatchColors measured = detector.GetRawColors(picture, roi, chart);
+    const tonewright::PatchColors measured = detector.GetRawColors(picture, roi, chart);
 
     CTivTonewrightDC engine;
-    engine.SetIlluminant(FindIlluminant("D65")->index);
+    engine.SetIlluminant(tonewright::FindIlluminant("D65")->index);
     engine.SetXformSize(4);
     if (!engine.SetRawColors(measured.colors) || !engine.Calibrate()) return fail("cannot calibrate");
     if (!engine.SaveXForm(argv[2], false)) return fail(argv[2]);

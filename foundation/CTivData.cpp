@@ -280,7 +280,7 @@ bool convertElement(CTivData::Format format, const CTivData& value, std::uint64_
 
 }  // namespace
 
-CTivData ReadElement(CTivData::Format format, const void* base, std::uint64_t index) {
+CTivData CTivData::ReadElement(Format format, const void* base, std::uint64_t index) {
     if (!isReadable(format)) return {};
     const auto* bytes = static_cast<const std::uint8_t*>(base);
     if (format == CTivData::FormatBinary) return {format, bytes[index / 8] >> (index % 8) & 1u};
@@ -292,7 +292,7 @@ CTivData ReadElement(CTivData::Format format, const void* base, std::uint64_t in
     return {format, payload};
 }
 
-void WriteElement(CTivData::Format format, void* base, std::uint64_t index, const CTivData& value) {
+void CTivData::WriteElement(Format format, void* base, std::uint64_t index, const CTivData& value) {
     auto* bytes = static_cast<std::uint8_t*>(base);
     if (format == CTivData::FormatBinary) {
         const auto bit = static_cast<std::uint8_t>(1u << (index % 8));

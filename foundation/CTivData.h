@@ -123,12 +123,12 @@ public:
     /// @return the format of a name as GetFormatName gives it, FormatNone if there is none
     static Format FindFormat(const char* name);
 
+    /// Reads and writes one element at bit position `index x bits` of a block of elements, for vectors and images.
+    /// Formats without a row here read as an empty value and write nothing.
+    static CTivData ReadElement(Format format, const void* base, std::uint64_t index);
+    static void WriteElement(Format format, void* base, std::uint64_t index, const CTivData& value);
+
 private:
     Format format_ = FormatNone;
     std::uint64_t payload_ = 0;
 };
-
-/// Reads and writes one element at bit position `index x bits` of a block of elements, for vectors and images.
-/// Formats without a row here read as an empty value and write nothing.
-CTivData ReadElement(CTivData::Format format, const void* base, std::uint64_t index);
-void WriteElement(CTivData::Format format, void* base, std::uint64_t index, const CTivData& value);

@@ -159,7 +159,7 @@ CTivData CTivImage::GetData(int x, int y) const {
         ReportError("CTivImage::GetData => Coordinates out of range");
         return {};
     }
-    return ReadElement(record.format, record.data, pixelIndex(record, x, y));
+    return CTivData::ReadElement(record.format, record.data, pixelIndex(record, x, y));
 }
 
 bool CTivImage::SetData(int x, int y, const CTivData& value) {
@@ -169,7 +169,7 @@ bool CTivImage::SetData(int x, int y, const CTivData& value) {
     if (value.GetFormat() == CTivData::FormatNone) {
         return Refuse("CTivImage::SetData => unknown format in <data> argument");
     }
-    WriteElement(record.format, record.data, pixelIndex(record, x, y), value);
+    CTivData::WriteElement(record.format, record.data, pixelIndex(record, x, y), value);
     return true;
 }
 

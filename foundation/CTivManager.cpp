@@ -77,8 +77,8 @@ std::string CTivManager::GetLastErrorString() {
 
 long CTivManager::GetInstanceCount() { return instanceCount; }
 
-bool Refuse(const std::string& text) {
-    CTivManager::ReportError("%s", text.c_str());
+bool CTivManager::Refuse(const std::string& text) {
+    ReportError("%s", text.c_str());
     return false;
 }
 

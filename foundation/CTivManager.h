@@ -33,6 +33,9 @@ public:
     /// arguments, on its way into the thread's buffer: there "%%" becomes "%" and any other conversion nothing.
     static void ReportError(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
+    /// Reports a finished text through ReportError and answers false, so that a refusal is one line.
+    [[nodiscard]] static bool Refuse(const std::string& text);
+
     /// @return the text of the calling thread's last failure ("" before the first), valid until its next failure;
     ///         null for any thread but the one that ran Initialize
     static const char* GetLastErrorText();
@@ -43,6 +46,3 @@ public:
     /// @return how many library objects the process holds at the moment
     static long GetInstanceCount();
 };
-
-/// Reports `text` through ReportError and answers false, so that a refusal is one line.
-[[nodiscard]] bool Refuse(const std::string& text);

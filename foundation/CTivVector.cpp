@@ -83,7 +83,7 @@ CTivData CTivVector::GetData(int index) const {
         ReportError("CTivVector::GetData => Index out of range");
         return {};
     }
-    return ReadElement(impl_->record_.format, impl_->record_.data, static_cast<std::uint64_t>(index));
+    return CTivData::ReadElement(impl_->record_.format, impl_->record_.data, static_cast<std::uint64_t>(index));
 }
 
 bool CTivVector::SetData(int index, const CTivData& value) {
@@ -92,7 +92,7 @@ bool CTivVector::SetData(int index, const CTivData& value) {
     if (value.GetFormat() == CTivData::FormatNone) {
         return Refuse("CTivVector::SetData => unknown format in <data> argument");
     }
-    WriteElement(impl_->record_.format, impl_->record_.data, static_cast<std::uint64_t>(index), value);
+    CTivData::WriteElement(impl_->record_.format, impl_->record_.data, static_cast<std::uint64_t>(index), value);
     return true;
 }
 
@@ -136,7 +136,7 @@ bool reportingRead(Read read) {
     try {
         return read();
     } catch (const std::runtime_error& failure) {
-        return Refuse(std::string("CTivVector::ReadFile => ") + failure.what());
+        return CTivManager::Refuse(std::string("CTivVector::ReadFile => ") + failure.what());
     }
 }
 

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace tonewright {
+
 namespace {
 
 /// Opens what is to be written; a negative answer where that fails.
@@ -25,3 +27,5 @@ bool SafeOutputFile::Commit() {
     const bool closed = buffer_.close() != nullptr;
     return written && closed && !staged_.Commit();
 }
+
+}  // namespace tonewright

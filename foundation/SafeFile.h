@@ -7,6 +7,8 @@
 
 #include "foundation/StagedFile.h"
 
+namespace tonewright {
+
 /// A file being written that takes its name only once it is whole and on the disk: a save that fails halfway, or a
 /// process that dies in it, leaves the earlier file as it was. StagedFile tells how, and which targets are written in
 /// place instead or refused.
@@ -32,3 +34,5 @@ private:
     __gnu_cxx::stdio_filebuf<char> buffer_;  // over the descriptor: a name could be somebody else's file by now
     std::ostream stream_{&buffer_};
 };
+
+}  // namespace tonewright

@@ -14,6 +14,8 @@
 #include <set>
 #include <utility>
 
+namespace tonewright {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -254,3 +256,5 @@ void StagedFile::DropAll() {
     for (const std::string& name : Staged().names) ::unlink(name.c_str());
     Staged().names.clear();
 }
+
+}  // namespace tonewright

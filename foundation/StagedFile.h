@@ -7,6 +7,8 @@
 #include <string>
 #include <system_error>
 
+namespace tonewright {
+
 /// A new, empty file that is to take another's place: in the target's own folder, under a name that nobody can guess,
 /// created exclusively (a link or a file that somebody put there is never opened), with the target's extension.
 ///
@@ -69,3 +71,5 @@ private:
     std::error_code error_;
     bool standsIn_ = false;  ///< the target is itself a staged file of this process, which reaches the disk by itself
 };
+
+}  // namespace tonewright

@@ -13,6 +13,8 @@
 #include "primitives/ctiv_ippi.h"
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;
@@ -91,7 +93,7 @@ int castFromBinary(const NurImage* source, NurImage* destination) {
 
 }  // namespace
 
-int castCode(CTivData::Format format) {
+int tonewright::castCode(CTivData::Format format) {
     const auto* found = std::find(std::begin(kTargets), std::end(kTargets), format);
     return found == std::end(kTargets) ? -1 : static_cast<int>(found - std::begin(kTargets));
 }

@@ -18,8 +18,12 @@ enum CastCode : int {
     CAST_POINT
 };
 
+namespace tonewright {
+
 /// @return the code of a format (CAST_FLOAT for FormatFloat), -1 outside the table
 int castCode(CTivData::Format format);
+
+}  // namespace tonewright
 
 /// Converts the source's ROI into the destination's, between numeric formats; an empty destination is allocated.
 /// @param mode 0 clips to the target's range, 1 fits the source's range to it

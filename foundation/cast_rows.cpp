@@ -10,6 +10,8 @@
 #include "primitives/statistics_rows.h"
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 namespace {
 
 using D = CTivData;
@@ -192,3 +194,5 @@ CastRange GetCastRange(const NurImage& image, bool wide) {
         return CastRange{static_cast<float>(least), static_cast<float>(most)};
     });
 }
+
+}  // namespace tonewright

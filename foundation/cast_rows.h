@@ -4,6 +4,8 @@
 
 #include "foundation/nur_image.h"
 
+namespace tonewright {
+
 /// How the values of one numeric format come into another's range. The numeric formats are FormatByte, FormatUByte,
 /// FormatShort, FormatUShort and FormatFloat.
 enum class CastKind {
@@ -32,3 +34,5 @@ struct CastRange {
     float most = 0;
 };
 CastRange GetCastRange(const NurImage& image, bool wide);
+
+}  // namespace tonewright

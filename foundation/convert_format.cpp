@@ -8,6 +8,8 @@
 #include "foundation/row_pairs_impl.h"
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 void convert(const FormatConversion& conversion, const NurImage& from, NurImage& to, int mode) {

@@ -7,6 +7,8 @@
 #include "primitives/convert_rows.h"
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 namespace {
 
 using D = CTivData;
@@ -180,3 +182,5 @@ constexpr FormatConversion kConversions[] = {
 }  // namespace
 
 std::span<const FormatConversion> GetFormatConversions() { return kConversions; }
+
+}  // namespace tonewright

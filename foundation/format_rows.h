@@ -6,6 +6,8 @@
 
 #include "foundation/CTivData.h"
 
+namespace tonewright {
+
 /// Converts a row of `count` pixels, at any address. The rows may be the same one where the pixels are of one size.
 /// @param mode 2 scales 8, 10 and 16 bits by shifts, any other keeps the bits; only conversions to and from
 ///             FormatRgb10 and FormatRgb16 look at it
@@ -21,3 +23,5 @@ struct FormatConversion {
 
 /// All pairs, those of one source together.
 std::span<const FormatConversion> GetFormatConversions();
+
+}  // namespace tonewright

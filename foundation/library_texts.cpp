@@ -5,6 +5,8 @@
 
 #include "foundation/CTivManager.h"
 
+namespace tonewright {
+
 namespace {
 
 // What the library reported since the last call began; a session's thread reports, too.
@@ -47,3 +49,5 @@ void FailWithLibraryTexts(const std::string& subject, const std::string& otherwi
     const bool isNamed = text.substr(0, text.find('\n')).find(subject) != std::string::npos;
     throw WorkFailure(isNamed ? text : subject + ": " + text);
 }
+
+}  // namespace tonewright

@@ -6,6 +6,8 @@
 
 #include "foundation/nur_report.h"
 
+namespace tonewright {
+
 // For programs that work with exceptions: what the library reports becomes the text of one.
 
 /// The work failed; the text is for a person, the library's own where the library refused.
@@ -46,3 +48,5 @@ void Require(Call&& call, const std::string& subject, const std::string& otherwi
     ForgetLibraryTexts();
     if (!call()) FailWithLibraryTexts(subject, otherwise);
 }
+
+}  // namespace tonewright

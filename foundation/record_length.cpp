@@ -6,6 +6,8 @@
 #include "foundation/CTivImage.h"
 #include "foundation/native_record_impl.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::uint64_t kImageHead = 64;
@@ -58,3 +60,5 @@ std::string CheckVectorLength(std::istream& stream) {
     if (size > 0 && bytes == 0) return "the vector's elements have no size";
     return DescribeShortage(length, kVectorHead + bytes);
 }
+
+}  // namespace tonewright

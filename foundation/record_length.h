@@ -4,6 +4,8 @@
 #include <istream>
 #include <string>
 
+namespace tonewright {
+
 // The library reads a record that breaks off as one with zeros at its end, and memory for what never came is promised
 // only. Whoever hands such an image on (a copy, a picture on the screen) pays for all of it, so a program holds a file
 // against the length that its own head asks for before it loads it.
@@ -23,3 +25,5 @@ std::string CheckImageFileLength(const std::string& path);
 
 /// As CheckImageLength, for a native vector, whose elements may also have no size.
 std::string CheckVectorLength(std::istream& stream);
+
+}  // namespace tonewright

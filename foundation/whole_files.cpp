@@ -7,6 +7,8 @@
 #include "foundation/library_texts.h"
 #include "foundation/record_length.h"
 
+namespace tonewright {
+
 void RequireFile(const std::string& path) {
     std::error_code error;
     const std::filesystem::file_type type = std::filesystem::status(path, error).type();
@@ -53,3 +55,5 @@ CTivVector ReadWholeVector(const std::string& path) {
     Require([&] { return vector.ReadFile(file); }, path, "cannot read the vector");
     return vector;
 }
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 
 #include "foundation/CTivVector.h"
 
+namespace tonewright {
+
 // The library reads a file that breaks off as one with zeros at its end. These hold it against the length that its own
 // head asks for, and throw a WorkFailure (foundation/library_texts.h) that names the file.
 
@@ -31,3 +33,5 @@ void RequireWholeImage(const std::string& path);
 
 /// @throw WorkFailure for a native vector that is shorter than its head says, or that the library refuses
 CTivVector ReadWholeVector(const std::string& path);
+
+}  // namespace tonewright

@@ -10,6 +10,10 @@ enum CTivImageFileFormat : int {
     ImageFileCrc = 6      ///< the CRC image stream, ".crc"
 };
 
+namespace tonewright {
+
 /// @return the name under which CTivImage::Save writes: the kind's extension is appended where there is none, but for
 ///         native files
 std::string GetSavedImageName(const std::string& name, int fileFormat);
+
+}  // namespace tonewright

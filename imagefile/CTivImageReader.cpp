@@ -16,9 +16,9 @@ bool reporting(const char* origin, Action action) {
         action();
         return true;
     } catch (const std::exception& failure) {
-        return Refuse(std::string(origin) + failure.what());
+        return CTivManager::Refuse(std::string(origin) + failure.what());
     } catch (...) {
-        return Refuse(std::string(origin) + "unknown error");
+        return CTivManager::Refuse(std::string(origin) + "unknown error");
     }
 }
 

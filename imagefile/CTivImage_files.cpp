@@ -16,6 +16,8 @@
 #include "imagefile/read_image.h"
 #include "imagefile/write_image.h"
 
+using namespace tonewright;
+
 // CTivImage's files: the members that need to know the kinds.
 
 namespace {
@@ -35,7 +37,7 @@ constexpr Extension kExtensions[] = {
 }  // namespace
 
 // A name whose last of `\`, `.` and `/` is not a dot has no extension and gets the kind's.
-std::string GetSavedImageName(const std::string& name, int fileFormat) {
+std::string tonewright::GetSavedImageName(const std::string& name, int fileFormat) {
     if (fileFormat == ImageFileNative) return name;
     const std::size_t last = name.find_last_of("\\./");
     if (last != std::string::npos && name[last] == '.') return name;
@@ -47,7 +49,7 @@ std::string GetSavedImageName(const std::string& name, int fileFormat) {
 
 bool LoadNativeFile(CTivImage& image, const std::string& path, bool reallocate) {
     std::ifstream stream(path, std::ios::binary);
-    if (!stream) return Refuse("CTivImage::Load => cannot open file for loading");
+    if (!stream) return CTivManager::Refuse("CTivImage::Load => cannot open file for loading");
     return image.ReadFile(stream, reallocate);
 }
 

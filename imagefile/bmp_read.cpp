@@ -13,6 +13,8 @@
 #include "imagefile/most_bytes_impl.h"
 #include "primitives/color_rows.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

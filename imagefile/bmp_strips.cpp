@@ -15,6 +15,8 @@
 #include "imagefile/bmp_impl.h"
 #include "primitives/color_rows.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::int64_t kStripPixels = 65536;  // the files' blocks are worth a call, and all is near in the cache
@@ -139,3 +141,5 @@ bool RewriteBitmap(const std::string& from, const std::string& to,
     }
     return target.Close() && !staged.Commit();
 }
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 /// Reads a plain bitmap of 24 bits a pixel, changes it and writes it, strip by strip, so that the pixels stay in the
 /// cache and a picture of any size takes the memory of a strip. What is written equals CTivImage's Load, the change of
 /// the whole image, and Save as ImageFileBmp.
@@ -17,3 +19,5 @@
 ///         replaced; or `change` gave up. Load and Save are the way then, and tell what is wrong
 bool RewriteBitmap(const std::string& from, const std::string& to,
                    const std::function<bool(const CTivImage& strip, CTivImage& changed)>& change);
+
+}  // namespace tonewright

@@ -12,6 +12,8 @@
 #include "imagefile/bmp_impl.h"
 #include "primitives/color_rows.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

@@ -4,6 +4,8 @@
 
 #include "foundation/CTivData.h"
 
+namespace tonewright {
+
 /// The device buffer codes that the CRC image stream and TIFF's "Buffer_Format" carry in a format's place. One-to-one.
 /// FormatRgb has none, deliberately (C45): a TIFF knows it by its samples, a CRC image stream does not bring it back.
 struct BufferFormat {
@@ -37,3 +39,5 @@ constexpr CTivData::Format formatOfBuffer(std::int32_t code) {
     }
     return CTivData::FormatNone;
 }
+
+}  // namespace tonewright

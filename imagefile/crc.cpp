@@ -9,6 +9,8 @@
 #include "imagefile/buffer_format.h"
 #include "imagefile/crc_impl.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr double kNoInvalidZ = 65535.0;
@@ -45,7 +47,7 @@ CrcHead headOf(ImageParameters& image) {
 
 }  // namespace
 
-void writeCrc(const ImageParameters& parameters, const void* data, int bytes, CTivOutputStream* stream) {
+void tonewright::writeCrc(const ImageParameters& parameters, const void* data, int bytes, CTivOutputStream* stream) {
     ImageParameters image = parameters;
     write(*stream, headOf(image));
     if (bytes > 0) stream->Write(static_cast<const char*>(data), static_cast<unsigned>(bytes));

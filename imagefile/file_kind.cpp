@@ -6,6 +6,8 @@
 
 #include "foundation/whole_files.h"
 
+namespace tonewright {
+
 namespace {
 
 struct Signature {
@@ -47,3 +49,5 @@ FileKind FindKind(const std::string& path) {
     }
     return FileKind::Unknown;
 }
+
+}  // namespace tonewright

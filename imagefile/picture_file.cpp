@@ -11,6 +11,8 @@
 #include "imagefile/buffer_format.h"
 #include "imagefile/file_kind.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::pair<const char*, int> kExtensions[] = {
@@ -67,3 +69,5 @@ void SaveImage(const CTivImage& image, const std::string& path, int fileFormat) 
     }
     Require([&] { return image.Save(path, fileFormat); }, path, "cannot write the image");
 }
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 // Image files for programs that work with exceptions (foundation/library_texts.h).
 
 /// @throw WorkFailure for an image of a format that the library has no name for
@@ -24,3 +26,5 @@ int FindFileFormat(const std::string& path);
 /// Saves an image. @throw WorkFailure with the library's message, and for a format that a .crc file has no code for:
 /// the library writes such a file, but nothing loads it again
 void SaveImage(const CTivImage& image, const std::string& path, int fileFormat);
+
+}  // namespace tonewright

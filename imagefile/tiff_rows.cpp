@@ -6,6 +6,8 @@
 #include "imagefile/bit_order_impl.h"
 #include "primitives/color_rows.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

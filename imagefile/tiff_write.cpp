@@ -11,6 +11,8 @@
 #include "imagefile/tiff_handle_impl.h"
 #include "imagefile/tiff_rows_impl.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

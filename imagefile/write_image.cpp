@@ -7,6 +7,8 @@
 #include "imagefile/bmp.h"
 #include "imagefile/tiff.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

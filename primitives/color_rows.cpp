@@ -5,6 +5,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 static_assert(std::endian::native == std::endian::little);
 
 namespace {
@@ -94,3 +96,5 @@ void PackBgr(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count)
 void PackRgb(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count) {
     (RunsWide() ? PackRgbWide : PackRgbPlain)(pixels, bytes, count);
 }
+
+}  // namespace tonewright

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace tonewright {
+
 // Between the three bytes that a pixel has in files, in either order, and the four that it has in images, whose fourth
 // is 0. Any address, any count; the two ranges must not overlap.
 
@@ -21,3 +23,5 @@ void PackBgrPlain(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t c
 void PackBgrWide(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count);
 void PackRgbPlain(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count);
 void PackRgbWide(const std::uint8_t* pixels, std::uint8_t* bytes, std::size_t count);
+
+}  // namespace tonewright

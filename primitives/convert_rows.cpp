@@ -7,6 +7,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr int kBlue = 117;
@@ -193,3 +195,5 @@ void UnpackRow(const std::uint8_t* bits, std::uint8_t* values, std::size_t count
     }
     for (std::size_t x = 8 * whole; x < count; ++x) values[x] = bits[x / 8] >> (x % 8) & 1;
 }
+
+}  // namespace tonewright

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace tonewright {
+
 // Conversions of pixel rows of any length, at any address. Both forms of each give the same; wide ones need AVX2.
 
 /// Luminance of FormatRgb pixels: (601 G + 306 R + 117 B) >> 10.
@@ -45,3 +47,5 @@ void PackBandRowWide(const std::uint8_t* values, std::uint8_t* bits, std::size_t
 
 /// The reverse: a byte of 0 or 1 for each bit.
 void UnpackRow(const std::uint8_t* bits, std::uint8_t* values, std::size_t count);
+
+}  // namespace tonewright

@@ -14,6 +14,8 @@
 #include "primitives/statistics_rows.h"
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr std::int64_t kRowAlignment = 64;

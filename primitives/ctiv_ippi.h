@@ -7,8 +7,14 @@
 // fallback answers -2 and does nothing; the others compute the same.
 // The two color twists are in primitives/twist.h.
 
+namespace tonewright {
+
 /// What a wrapper without a fallback answers at level 0.
 inline constexpr int kPrimitiveAbsent = -2;
+
+enum class PrimitiveCompare { Less, LessEqual, Equal, GreaterEqual, Greater };
+
+}  // namespace tonewright
 
 /// How many threads a primitive may use on a large image; below 1 counts as 1. @return 0
 int ctiv_ippSetNumThreads(int count);
@@ -55,12 +61,10 @@ std::uint8_t* ctiv_ippiMalloc_8u_C1(int width, int height, std::int64_t* pitch);
 std::uint16_t* ctiv_ippiMalloc_16u_C1(int width, int height, std::int64_t* pitch);
 void ctiv_ippiFree(void* memory);
 
-enum class PrimitiveCompare { Less, LessEqual, Equal, GreaterEqual, Greater };
-
 /// 255 where all three channels of a three-byte pixel compare true with `value`, else 0.
 int ctiv_ippiCompareC_8u_C3R(const std::uint8_t* source, std::int64_t sourcePitch, const std::uint8_t value[3],
                              std::uint8_t* mask, std::int64_t maskPitch, int width, int height,
-                             PrimitiveCompare compare);
+                             tonewright::PrimitiveCompare compare);
 int ctiv_ippiAnd_8u_C1IR(const std::uint8_t* source, std::int64_t sourcePitch, std::uint8_t* mask,
                          std::int64_t maskPitch, int width, int height);
 int ctiv_ippiNot_8u_C1IR(std::uint8_t* mask, std::int64_t maskPitch, int width, int height);

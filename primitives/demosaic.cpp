@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::size_t kBlock = 512;  // pixels
@@ -127,3 +129,5 @@ void Demosaicer::MakeRow(int y, std::uint32_t* pixels) {
     rows.greenFirst = rows.hasRed == (phase_.redX == 1);
     makeRow_(rows, pixels, static_cast<std::size_t>(width_), depth_);
 }
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 #include "primitives/sample_rows.h"
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 // Colors from a Bayer pattern: the gradient-corrected linear interpolation of Malvar, He and Cutler, "High-quality
 // linear interpolation for demosaicing of Bayer-patterned color images", ICASSP 2004. Each missing channel is the mean
 // of its neighbours, corrected by how the channel that is there bends. Exact where colors are flat.
@@ -55,3 +57,5 @@ private:
     int given_ = 0;
     int mirrored_ = 0;  // rows whose margins are filled
 };
+
+}  // namespace tonewright

@@ -8,6 +8,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 namespace {
 
 static_assert(std::endian::native == std::endian::little);
@@ -127,3 +129,5 @@ void ForegroundWords1ByWords(const std::uint8_t* row, std::size_t count, bool ze
         words[whole] = last ^ static_cast<std::uint32_t>(flip);
     }
 }
+
+}  // namespace tonewright

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace tonewright {
+
 // Rows of pixels turned into bits, 64 to a word: pixel x is bit x AND 63 of word x / 64, set where the pixel is
 // foreground. Bits past the row's end are 0. `zeros` says which pixels are foreground: those of 0, or those other
 // than 0.
@@ -22,3 +24,5 @@ void ForegroundWords16Wide(const std::uint16_t* row, std::size_t count, bool zer
 /// multiple of 32.
 void ForegroundWords1ByBytes(const std::uint8_t* row, std::size_t count, bool zeros, std::uint64_t* words);
 void ForegroundWords1ByWords(const std::uint8_t* row, std::size_t count, bool zeros, std::uint64_t* words);
+
+}  // namespace tonewright

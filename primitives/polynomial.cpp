@@ -6,6 +6,8 @@
 
 #include "primitives/table_rows.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::size_t kBlock = 512;  // pixels; the scratch of three channels leaves room in the first cache
@@ -194,3 +196,5 @@ PolynomialRow<Pixel> GetPolynomialRow(int terms, RowForm form) {
 template PolynomialRow<PixelRgb> GetPolynomialRow<PixelRgb>(int terms, RowForm form);
 template PolynomialRow<PixelRgb10> GetPolynomialRow<PixelRgb10>(int terms, RowForm form);
 template PolynomialRow<PixelRgb16> GetPolynomialRow<PixelRgb16>(int terms, RowForm form);
+
+}  // namespace tonewright

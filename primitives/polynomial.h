@@ -6,6 +6,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 // Rows of packed colors through a polynomial of 4, 7 or 10 terms a channel, folded into range and looked up.
 
 /// Bytes blue, green, red, reserved.
@@ -49,3 +51,5 @@ using PolynomialRow = void (*)(const std::uint8_t* source, std::uint8_t* destina
 /// @param form one that this machine has; all give the same to the bit
 template <class Pixel>
 PolynomialRow<Pixel> GetPolynomialRow(int terms, RowForm form);
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 namespace {
 
 // Samples of a group, which begins and ends with a whole byte.
@@ -191,3 +193,5 @@ void PackLumaChroma(const std::uint16_t* words, std::uint32_t* pixels, std::size
         pixels[i] = red << 16 | green << 8 | blue;
     }
 }
+
+}  // namespace tonewright

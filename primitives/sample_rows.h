@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace tonewright {
+
 // Samples as cameras send them, and pixels made of them. Samples are handled as words of at most 16 bits, pixels as
 // FormatRgb (bytes blue, green, red, 0) or FormatRgb10 (10 bits each, red on top).
 
@@ -55,3 +57,5 @@ void PackPixelsWide(const std::uint16_t* words, std::uint32_t* pixels, std::size
 /// pixel before; there is none in a row of one pixel, which stays gray.
 /// @param words two a pixel  @param lumaFirst luma comes before chroma
 void PackLumaChroma(const std::uint16_t* words, std::uint32_t* pixels, std::size_t count, bool lumaFirst);
+
+}  // namespace tonewright

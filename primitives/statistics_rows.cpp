@@ -10,6 +10,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::size_t kBlock = 65536;  // 65536 x 65535 stays below 2^32
@@ -288,3 +290,5 @@ void ByteHistogram::AddTo(std::uint32_t (&bins)[256]) const {
         bins[high] += sum;
     }
 }
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace tonewright {
+
 // Sums and counts over rows of pixels, exact whole numbers.
 
 /// Running sums of one channel. A signed kind counts its values from its lowest, so that all here are unsigned.
@@ -62,3 +64,5 @@ private:
     std::uint32_t tables_[kTables][256] = {};
     std::vector<std::uint32_t> pairs_;  // low byte the left neighbour; empty for a small image
 };
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace tonewright {
+
 namespace {
 
 using ByteTable = std::array<std::uint8_t, 256>;
@@ -44,3 +46,5 @@ TONEWRIGHT_WIDEST void LookUpAvx512(const std::uint8_t* source, std::uint8_t* de
 }  // namespace
 
 LookUpRow GetLookUpRow(RowForm form) { return form == RowForm::Avx512 ? LookUpAvx512 : LookUpPlain; }
+
+}  // namespace tonewright

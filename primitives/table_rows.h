@@ -6,6 +6,8 @@
 
 #include "primitives/wide.h"
 
+namespace tonewright {
+
 /// Replaces blue, green and red of packed pixels by their table entries and writes the fourth byte as zero.
 /// @param source, destination of 4 x count bytes at any address; must not overlap
 using LookUpRow = void (*)(const std::uint8_t* source, std::uint8_t* destination, std::size_t count,
@@ -13,3 +15,5 @@ using LookUpRow = void (*)(const std::uint8_t* source, std::uint8_t* destination
 
 /// @param form one that this machine has; all give the same
 LookUpRow GetLookUpRow(RowForm form);
+
+}  // namespace tonewright

@@ -8,6 +8,8 @@
 #include "primitives/ctiv_ippi.h"
 #include "primitives/table_rows.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::size_t kBlock = 512;
@@ -126,10 +128,13 @@ TwistRowInPlace GetTwistRowInPlace(RowForm form) {
 }
 EncodeRow GetEncodeRow(RowForm form) { return Choose(form, EncodePlain, EncodeAvx2, EncodeAvx512); }
 
+}  // namespace tonewright
+
 int ctiv_ippiColorTwist32f_8u_AC4R(const std::uint8_t* source, std::int64_t sourcePitch, std::uint8_t* destination,
-                                   std::int64_t destinationPitch, int width, int height, ColorTwistMatrix twist) {
-    if (ctiv_GetAccelerationLevel() == 0) return kPrimitiveAbsent;
-    const auto row = GetTwistRow(GetRowForm());
+                                   std::int64_t destinationPitch, int width, int height,
+                                   tonewright::ColorTwistMatrix twist) {
+    if (ctiv_GetAccelerationLevel() == 0) return tonewright::kPrimitiveAbsent;
+    const auto row = tonewright::GetTwistRow(tonewright::GetRowForm());
     for (int y = 0; y < height; ++y) {
         row(source + y * sourcePitch, destination + y * destinationPitch, static_cast<std::size_t>(width), twist);
     }
@@ -137,9 +142,9 @@ int ctiv_ippiColorTwist32f_8u_AC4R(const std::uint8_t* source, std::int64_t sour
 }
 
 int ctiv_ippiColorTwist32f_8u_AC4IR(std::uint8_t* pixels, std::int64_t pitch, int width, int height,
-                                    ColorTwistMatrix twist) {
-    if (ctiv_GetAccelerationLevel() == 0) return kPrimitiveAbsent;
-    const auto row = GetTwistRowInPlace(GetRowForm());
+                                    tonewright::ColorTwistMatrix twist) {
+    if (ctiv_GetAccelerationLevel() == 0) return tonewright::kPrimitiveAbsent;
+    const auto row = tonewright::GetTwistRowInPlace(tonewright::GetRowForm());
     for (int y = 0; y < height; ++y) row(pixels + y * pitch, static_cast<std::size_t>(width), twist);
     return 0;
 }

@@ -2,6 +2,8 @@
 
 #include "primitives/acceleration.h"
 
+namespace tonewright {
+
 // How a loop gets its wide form: one always-inline body, compiled plain and for AVX2 as two named functions, picked at
 // run time. Tests call both by name and hold them equal.
 #define TONEWRIGHT_BODY [[gnu::always_inline]] inline
@@ -35,3 +37,5 @@ inline RowForm GetRowForm() {
     if (ctiv_GetAccelerationLevel() == 0) return RowForm::Plain;
     return HasForm(RowForm::Avx512) ? RowForm::Avx512 : HasAvx2() ? RowForm::Avx2 : RowForm::Plain;
 }
+
+}  // namespace tonewright

@@ -11,8 +11,8 @@ struct HeldCalibration {
     enum class Origin { Chart, Parameters, Coefficients };
 
     Origin origin = Origin::Chart;
-    ChartCalibration calibration;
-    FitMethod method = FitMethod::LeastSquares;
+    tonewright::ChartCalibration calibration;
+    tonewright::FitMethod method = tonewright::FitMethod::LeastSquares;
     std::string name;       ///< of the picture or the file, for titles
     std::string reference;  ///< of the reference picture; empty: none
 

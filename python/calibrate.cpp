@@ -7,6 +7,8 @@
 #include "python/HeldCalibration.h"
 #include "python/calibrate.h"
 
+using namespace tonewright;
+
 namespace {
 
 using DoubleArray = py::array_t<double, py::array::c_style | py::array::forcecast>;

@@ -10,6 +10,8 @@
 #include "python/number_arrays.h"
 #include "report/calibration_outputs.h"
 
+using namespace tonewright;
+
 namespace {
 
 HeldCalibration loadParameters(const py::object& file) {

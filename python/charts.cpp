@@ -5,6 +5,8 @@
 #include "foundation/whole_files.h"
 #include "python/number_arrays.h"
 
+using namespace tonewright;
+
 SearchArguments::SearchArguments(const SizeArgument& size, bool isFind, const py::object& layout) {
     search_.isFind = isFind;
     if (size) search_.size = {std::get<0>(*size), std::get<1>(*size)};

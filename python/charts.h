@@ -19,21 +19,21 @@ public:
     SearchArguments(const SizeArgument& size, bool isFind, const py::object& layout);
 
     /// Finds the chart; without the GIL. @throw as ReadChart
-    ChartReading Read(CTivImage image, const std::string& name, const RoiArgument& roi) const;
+    tonewright::ChartReading Read(CTivImage image, const std::string& name, const RoiArgument& roi) const;
 
 private:
-    std::optional<ChartLayout> layout_;
-    ChartSearch search_;
+    std::optional<tonewright::ChartLayout> layout_;
+    tonewright::ChartSearch search_;
 };
 
 /// What detect and find_chart return: a reading without its picture.
 struct ChartResult {
-    ChartReading reading;
-    std::vector<Finding> findings;
+    tonewright::ChartReading reading;
+    std::vector<tonewright::Finding> findings;
     int width = 0;
     int height = 0;
     CTivData::Format format = CTivData::FormatNone;
 
     /// Frees the picture.
-    explicit ChartResult(ChartReading whole);
+    explicit ChartResult(tonewright::ChartReading whole);
 };

@@ -5,6 +5,8 @@
 #include "acquisition/FrameGrabber.h"
 #include "python/pixel_array.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// A camera or frame grabber of the machine.

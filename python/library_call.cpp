@@ -7,6 +7,8 @@
 
 #include "quality/chart_reading.h"
 
+using namespace tonewright;
+
 namespace {
 
 // Kept for good: exceptions may be on their way while the interpreter ends.

@@ -24,14 +24,14 @@ private:
 
 /// Runs the library's work beside Python's other threads. What it reports becomes a WorkFailure, the module's Error.
 /// @tparam Thread LibraryThread, or NurReportingThread where threads of the library's own report to the call, too
-template <class Thread = LibraryThread, class Call>
+template <class Thread = tonewright::LibraryThread, class Call>
 auto Work(Call call) {
     const Unlocked unlocked;
     const Thread thread;
     try {
         return call();
     } catch (const char* text) {  // the fit throws plain text
-        throw WorkFailure(text);
+        throw tonewright::WorkFailure(text);
     }
 }
 

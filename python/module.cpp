@@ -5,6 +5,8 @@
 #include "primitives/acceleration.h"
 #include "python/library_call.h"
 
+using namespace tonewright;
+
 PYBIND11_MODULE(_tonewright, module) {
     CTivManager::Initialize();
     ListenToLibrary();

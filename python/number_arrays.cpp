@@ -2,6 +2,8 @@
 
 #include "chart/PatchMeasurement.h"
 
+using namespace tonewright;
+
 py::array ToColorArray(const CTivVector& colors) {
     const int fullScale = GetChannelFullScale(colors.GetFormat());
     const int bits = fullScale == 255 ? 8 : fullScale == 1023 ? 10 : 16;

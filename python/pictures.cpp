@@ -1,6 +1,8 @@
 #include "imagefile/picture_file.h"
 #include "python/pixel_array.h"
 
+using namespace tonewright;
+
 namespace {
 
 py::array loadImage(const py::object& file) {

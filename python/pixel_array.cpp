@@ -8,6 +8,8 @@
 #include "imagefile/picture_file.h"
 #include "primitives/color_rows.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// Gray pixels that an array has too.

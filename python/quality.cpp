@@ -3,6 +3,8 @@
 #include "python/number_arrays.h"
 #include "quality/CalibrationQuality.h"
 
+using namespace tonewright;
+
 namespace {
 
 using DoubleArray = py::array_t<double, py::array::c_style | py::array::forcecast>;

@@ -8,6 +8,8 @@
 #include "quality/finding_words_impl.h"
 #include "quality/perceptual_fit.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr int kTermCounts[] = {4, 7, 10};
@@ -253,3 +255,5 @@ int ChooseTerms(std::span<const TermsFigures> candidates) {
                                        [](const auto& a, const auto& b) { return a.unseen < b.unseen; });
     return best == candidates.end() ? 0 : best->terms;
 }
+
+}  // namespace tonewright

@@ -11,6 +11,8 @@
 #include "quality/color_spaces.h"
 #include "quality/fit_quality.h"
 
+namespace tonewright {
+
 /// How a transform is found.
 enum class FitMethod {
     LeastSquares,  ///< the operator's own
@@ -106,3 +108,5 @@ std::optional<CTivVector> FitCalibration(const CTivTonewrightDC& calibrated, Fit
 
 /// The one of the candidates that does best on patches left out, of equals the one of fewest terms; 0 for none.
 int ChooseTerms(std::span<const TermsFigures> candidates);
+
+}  // namespace tonewright

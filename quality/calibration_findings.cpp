@@ -5,6 +5,8 @@
 #include "quality/finding_words_impl.h"
 #include "quality/findings.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr double kOverfit = 1.6;  // how many times the difference of patches seen those left out may have
@@ -58,3 +60,5 @@ std::vector<Finding> FindInCalibration(const CalibrationQuality& quality, const 
     if (auto finding = FindSingular(transform)) findings.push_back(std::move(*finding));
     return findings;
 }
+
+}  // namespace tonewright

@@ -3,6 +3,8 @@
 #include "calibration/calibrate_at_depth.h"
 #include "calibration/fit_transform.h"
 
+namespace tonewright {
+
 namespace {
 
 CTivData saturationValue(const std::vector<int>& value, CTivData::Format format) {
@@ -96,3 +98,5 @@ ChartCalibration CalibrateChart(ChartReading& reading, const std::string& path, 
     fit(calibration, reading, path, settings);
     return calibration;
 }
+
+}  // namespace tonewright

@@ -10,6 +10,8 @@
 #include "quality/chart_reading.h"
 #include "quality/findings.h"
 
+namespace tonewright {
+
 /// From which raw value on a channel counts as saturated.
 struct SaturationChoice {
     enum Mode : int { Automatic = 0, Manual = 1, None = 2 };
@@ -59,3 +61,5 @@ struct ChartCalibration {
 /// @throw WorkFailure where colors and aim do not go together; const char* as CTivTonewrightDC::Calibrate does
 ChartCalibration CalibrateChart(ChartReading& reading, const std::string& path, const CalibrationSettings& settings,
                                 const CalibrationAim& aim);
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 #include "chart/patch_colors.h"
 #include "quality/measured_chart.h"
 
+namespace tonewright {
+
 namespace {
 
 ChartRoi defaultRoi(const CTivImage& image) {
@@ -98,3 +100,5 @@ void RequireOrder(const ChartReading& reading, const std::string& path) {
 ChartInPicture InPicture(const ChartReading& reading) {
     return {&reading.image, reading.measured.areas, reading.measured.patches};
 }
+
+}  // namespace tonewright

@@ -12,6 +12,8 @@
 #include "foundation/library_texts.h"
 #include "quality/findings.h"
 
+namespace tonewright {
+
 /// How a chart is looked for in a picture.
 struct ChartSearch {
     ChartSize size;                       ///< of the straight grid
@@ -60,3 +62,5 @@ void RequireOrder(const ChartReading& reading, const std::string& path);
 
 /// The picture for whoever judges a correction of it.
 ChartInPicture InPicture(const ChartReading& reading);
+
+}  // namespace tonewright

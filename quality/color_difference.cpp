@@ -3,6 +3,8 @@
 #include <cmath>
 #include <numbers>
 
+namespace tonewright {
+
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180.0;
@@ -86,3 +88,5 @@ double DeltaE2000(const Lab& first, const Lab& second) {
     const auto [l, c, h, rotation] = CompareParts(first, second);
     return std::sqrt(l * l + c * c + h * h + rotation * c * h);
 }
+
+}  // namespace tonewright

@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace tonewright {
+
 using Xyz = std::array<double, 3>;  ///< CIE XYZ, Y of white near 1
 using Lab = std::array<double, 3>;  ///< CIE L*, a*, b*
 
@@ -24,3 +26,5 @@ struct DeltaParts {
     double lightness, chroma, hue, rotation;
 };
 DeltaParts CompareParts(const Lab& first, const Lab& second);
+
+}  // namespace tonewright

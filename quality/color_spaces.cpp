@@ -5,6 +5,8 @@
 
 #include "calibration/CalibrationTables.h"
 
+namespace tonewright {
+
 namespace {
 
 using Vector3 = std::array<double, 3>;
@@ -67,3 +69,5 @@ std::vector<Xyz> ToXyz(const CalibrationTargets& targets) {
     for (const NormalisedColor& color : targets.colors) result.push_back(multiply(matrix, firstThree(color)));
     return result;
 }
+
+}  // namespace tonewright

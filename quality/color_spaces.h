@@ -6,6 +6,8 @@
 #include "calibration/fit_transform.h"
 #include "quality/color_difference.h"
 
+namespace tonewright {
+
 /// Linear red, green, blue of the calibration's output space, 0 to 1 inside its range.
 using LinearRgb = std::array<double, 3>;
 
@@ -19,3 +21,5 @@ bool IsNeutral(const Lab& target);
 
 /// What a calibration aims at as XYZ under D65, whatever its mode.
 std::vector<Xyz> ToXyz(const CalibrationTargets& targets);
+
+}  // namespace tonewright

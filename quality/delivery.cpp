@@ -6,6 +6,8 @@
 #include "calibration/execute_transform.h"
 #include "chart/PatchMeasurement.h"
 
+namespace tonewright {
+
 LinearRgb ToFractions(const CTivData& color) {
     const int fullScale = GetChannelFullScale(color.GetFormat());
     if (fullScale == 0) return {};
@@ -110,3 +112,5 @@ std::array<double, 10> ToTerms(const LinearRgb& raw, int terms) {
     if (terms == 7) return {1, r, g, b, r * r, g * g, b * b};
     return {1, r, g, b, r * r, r * g, r * b, g * g, g * b, b * b};
 }
+
+}  // namespace tonewright

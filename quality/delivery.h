@@ -7,6 +7,8 @@
 #include "chart/SamplingArea.h"
 #include "quality/color_spaces.h"
 
+namespace tonewright {
+
 /// The three channels of a FormatRgb, FormatRgb10 or FormatRgb16 value, of full scale; zeros for any other.
 LinearRgb ToFractions(const CTivData& color);
 
@@ -53,3 +55,5 @@ private:
 
 /// A color's terms in the order of the transform's row. @param raw 0 to 1
 std::array<double, 10> ToTerms(const LinearRgb& raw, int terms);
+
+}  // namespace tonewright

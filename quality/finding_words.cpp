@@ -3,6 +3,8 @@
 
 #include "quality/finding_words_impl.h"
 
+namespace tonewright {
+
 std::string Fixed(double value, int decimals) {
     if (!std::isfinite(value)) return "no number";
     char text[400];
@@ -32,3 +34,5 @@ std::string PatchWords(const std::vector<int>& patches) {
     text.front() = 'P';
     return text;
 }
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 
 #include "chart/PatchMeasurement.h"
 
+namespace tonewright {
+
 /// "12.3" with `decimals` digits behind the point, whatever the locale.
 std::string Fixed(double value, int decimals);
 /// "12 %" of a fraction.
@@ -16,3 +18,5 @@ std::string PatchWords(const std::vector<int>& patches);
 
 /// Whether enough of a patch's pixels are at full scale to spoil its mean.
 bool IsClipped(const PatchMeasurement& patch);
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 #include "chart/SamplingArea.h"
 #include "quality/CalibrationQuality.h"
 
+namespace tonewright {
+
 enum class Severity { Note, Warning, Error };
 
 /// The word of a severity: "note", "warning", "error".
@@ -59,3 +61,5 @@ std::optional<double> EstimateExponent(const MeasuredChart& chart);
 
 /// The XYZ that a chart of 24 patches should have for judging a picture by itself, by an illuminant of the tables.
 std::vector<Xyz> GetChartTargets(int illuminant);
+
+}  // namespace tonewright

@@ -8,6 +8,8 @@
 #include "chart/PatchMeasurement.h"
 #include "quality/delivery.h"
 
+namespace tonewright {
+
 namespace {
 
 /// The transform's polynomial at one raw color: linear red, green and blue.
@@ -67,3 +69,5 @@ FitQuality JudgeFit(const CTivTonewrightDC& calibrated) {
     const CTivVector* transform = calibrated.GetTransform();
     return transform ? JudgeFit(calibrated, *transform) : FitQuality{};
 }
+
+}  // namespace tonewright

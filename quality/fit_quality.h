@@ -8,6 +8,8 @@
 class CTivTonewrightDC;
 class CTivVector;
 
+namespace tonewright {
+
 /// One measure of color difference over the patches of a chart.
 struct DifferenceSummary {
     double mean = 0;
@@ -41,3 +43,5 @@ ChartDifferences Compare(std::span<const Lab> seen, std::span<const Lab> target)
 
 /// @param patches in any order; none gives zeros
 DifferenceSummary Summarize(std::vector<double> patches);
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 #include "chart/ChartFinder.h"
 #include "chart/orientation.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr std::size_t kClassicPatches = 24;
@@ -42,3 +44,5 @@ MeasuredChart MeasureFound(const CTivImage& image, const FoundChart& found, cons
     for (const FoundPatch& patch : found.patches) measured.places.push_back({patch.center.x, patch.center.y});
     return measured;
 }
+
+}  // namespace tonewright

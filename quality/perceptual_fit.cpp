@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+namespace tonewright {
+
 namespace {
 
 constexpr double kSmooth = 0.1;  // differences below it count by their square, so that the slope stays finite
@@ -186,3 +188,5 @@ void RefineTransform(const DeliveryModel& model, std::span<const NormalisedColor
     if (!std::all_of(refined.begin(), refined.end(), isNumber)) return;
     std::transform(refined.begin(), refined.end(), values, [](double value) { return static_cast<float>(value); });
 }
+
+}  // namespace tonewright

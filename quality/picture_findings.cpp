@@ -4,6 +4,8 @@
 #include "quality/finding_words_impl.h"
 #include "quality/findings.h"
 
+namespace tonewright {
+
 namespace {
 
 // Where a picture becomes one to speak of; fractions of full scale where nothing else is said.
@@ -123,3 +125,5 @@ std::vector<Finding> FindInPicture(const MeasuredChart& chart) {
     if (isRead) add(FindCoded(chart));
     return findings;
 }
+
+}  // namespace tonewright

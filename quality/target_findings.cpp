@@ -9,6 +9,8 @@
 #include "quality/finding_words_impl.h"
 #include "quality/findings.h"
 
+namespace tonewright {
+
 // What shows when the measured patches are held against the colors that they should have.
 
 namespace {
@@ -327,3 +329,5 @@ std::vector<Xyz> GetChartTargets(int illuminant) {
     if (reference == tables.ReferenceTable.end()) return {};
     return ToXyz({reference->second, tables.AdaptationTable.at(GetAdaptationKey(illuminant))});
 }
+
+}  // namespace tonewright

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace tonewright {
+
 Verification VerifyOn(const ChartReading& reading, const std::string& path, const CTivTonewrightDC& settings,
                       const CTivVector& transform, const std::vector<Xyz>& targets, bool isAbsolute) {
     const CTivVector& raw = reading.colors.colors;
@@ -21,3 +23,5 @@ Verification VerifyOn(const ChartReading& reading, const std::string& path, cons
     if (auto singular = FindSingular(transform)) verification.findings.push_back(std::move(*singular));
     return verification;
 }
+
+}  // namespace tonewright

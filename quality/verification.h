@@ -6,6 +6,8 @@
 #include "quality/CalibrationQuality.h"
 #include "quality/chart_reading.h"
 
+namespace tonewright {
+
 /// A calibration held against another picture of the chart.
 struct Verification {
     VerifiedQuality quality;
@@ -20,3 +22,5 @@ struct Verification {
 /// @throw WorkFailure where picture and calibration do not go together
 Verification VerifyOn(const ChartReading& reading, const std::string& path, const CTivTonewrightDC& settings,
                       const CTivVector& transform, const std::vector<Xyz>& targets, bool isAbsolute);
+
+}  // namespace tonewright

@@ -13,6 +13,8 @@
 #include "report/icc_profile.h"
 #include "report/patch_tables.h"
 
+namespace tonewright {
+
 namespace {
 
 /// What an export is made of.
@@ -112,3 +114,5 @@ std::string MakeExport(const std::string& path, const CTivTonewrightDC& engine, 
                        const Report& report, const std::string& name) {
     return findExport(path)->make({engine, transform, report, name});
 }
+
+}  // namespace tonewright

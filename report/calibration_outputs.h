@@ -7,6 +7,8 @@
 #include "quality/verification.h"
 #include "report/calibration_report.h"
 
+namespace tonewright {
+
 // What a calibration writes for others, as the bytes of a file.
 
 /// Where the patches were measured, for the report's picture.
@@ -34,3 +36,5 @@ bool IsExportOfPatches(const std::string& path);
 /// @return empty where it cannot be made of this calibration
 std::string MakeExport(const std::string& path, const CTivTonewrightDC& engine, const CTivVector& transform,
                        const Report& report, const std::string& name);
+
+}  // namespace tonewright

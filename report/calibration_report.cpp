@@ -7,6 +7,8 @@
 #include "foundation/CTivImage.h"
 #include "report/markup_impl.h"
 
+namespace tonewright {
+
 namespace {
 
 bool isNamed(const ChartSize& chart) { return chart.Width == 6 && chart.Height == 4; }
@@ -104,3 +106,5 @@ CTivImage ReportPicture(const CTivImage& picture) {
     }
     return shown;
 }
+
+}  // namespace tonewright

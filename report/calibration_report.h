@@ -12,6 +12,8 @@
 
 class CTivImage;
 
+namespace tonewright {
+
 /// Where the straight grid measures: rectangles around the patches' places.
 PatchOutlines OutlineGrid(const std::vector<std::array<double, 2>>& places, double width, double height);
 /// Where a chart that was found is measured: the inner half of each patch.
@@ -32,3 +34,5 @@ std::vector<ReportRow> ReportSettings(const CTivTonewrightDC& engine, bool isPer
 /// The picture in the 8 bits a channel that a report shows: deep ones by their highest bits.
 /// @return empty for a format that has no colors
 CTivImage ReportPicture(const CTivImage& picture);
+
+}  // namespace tonewright

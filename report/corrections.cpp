@@ -6,6 +6,8 @@
 
 #include "quality/delivery.h"
 
+namespace tonewright {
+
 namespace {
 
 std::vector<double> numbers(const CTivVector& transform) {
@@ -46,3 +48,5 @@ ColorFunction SeenColor(const CTivTonewrightDC& settings, const CTivVector& tran
     return [model = DeliveryModel(settings, transform.GetSize() / 3),
             values = numbers(transform)](const LinearRgb& raw) { return ToXyz(evaluated(model, values, raw)); };
 }
+
+}  // namespace tonewright

@@ -3,6 +3,8 @@
 #include "calibration/CTivTonewrightDC.h"
 #include "report/cube_table.h"
 
+namespace tonewright {
+
 // A calibration as a function of one color, for tables and profiles.
 
 /// The whole correction as a user gets it: transform, limits and gamma, without the steps of words and tables and
@@ -12,3 +14,5 @@ ColorFunction CodedCorrection(const CTivTonewrightDC& settings, const CTivVector
 
 /// What the calibration says that a raw color is: CIE XYZ under D65, without gamma and limits.
 ColorFunction SeenColor(const CTivTonewrightDC& settings, const CTivVector& transform);
+
+}  // namespace tonewright

@@ -6,6 +6,8 @@
 
 #include "report/markup_impl.h"
 
+namespace tonewright {
+
 namespace {
 
 using markup::Fixed;
@@ -111,3 +113,5 @@ std::string CubeTable(const ColorFunction& correct, const std::string& title) {
     }
     return text;
 }
+
+}  // namespace tonewright

@@ -4,6 +4,8 @@
 #include <functional>
 #include <string>
 
+namespace tonewright {
+
 /// From a camera's color, each channel 0 to 1 of full scale, to a corrected one.
 using ColorFunction = std::function<std::array<double, 3>(const std::array<double, 3>&)>;
 
@@ -14,3 +16,5 @@ using ColorFunction = std::function<std::array<double, 3>(const std::array<doubl
 /// @param correct the whole correction, gamma included; channels outside 0 to 1 are clipped
 /// @param title   one line
 std::string CubeTable(const ColorFunction& correct, const std::string& title);
+
+}  // namespace tonewright

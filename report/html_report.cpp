@@ -9,6 +9,8 @@
 #include "report/png_bytes_impl.h"
 #include "report/report_words.h"
 
+namespace tonewright {
+
 namespace {
 
 using markup::Base64;
@@ -212,3 +214,5 @@ std::string HtmlReport(const Report& report) {
            swatches(report) + plots(report) + candidates(report) + numbers(report) + settings(report) +
            "</main>\n</body>\n</html>\n";
 }
+
+}  // namespace tonewright

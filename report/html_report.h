@@ -11,6 +11,8 @@
 
 class CTivImage;
 
+namespace tonewright {
+
 /// A patch as the report shows it.
 struct ReportPatch {
     int number = 0;        ///< from 1, in chart order
@@ -61,3 +63,5 @@ std::string DrawPlot(const Report& report, ReportPlot plot);
 
 /// The report as one HTML page that needs nothing else: no script, no network, pictures inside. UTF-8.
 std::string HtmlReport(const Report& report);
+
+}  // namespace tonewright

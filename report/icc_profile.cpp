@@ -8,6 +8,8 @@
 
 #include "report/adaptation.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr double kVersion = 4.3;
@@ -113,3 +115,5 @@ std::vector<std::uint8_t> IccProfile(const ColorFunction& toXyz, bool isLinear, 
     if (!cmsSaveProfileToMem(profile.get(), bytes.data(), &size)) return {};
     return bytes;
 }
+
+}  // namespace tonewright

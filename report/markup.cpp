@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+namespace tonewright {
+
 namespace markup {
 
 namespace {
@@ -98,3 +100,5 @@ std::string Base64(std::span<const std::uint8_t> bytes) {
 }
 
 }  // namespace markup
+
+}  // namespace tonewright

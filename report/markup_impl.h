@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace tonewright {
+
 // The small pieces of which an HTML page with SVG is put together. Texts are UTF-8; numbers have a decimal point
 // whatever the locale.
 
@@ -25,3 +27,5 @@ std::string CssColor(const std::array<double, 3>& linear);
 std::string Base64(std::span<const std::uint8_t> bytes);
 
 }  // namespace markup
+
+}  // namespace tonewright

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace tonewright {
+
 /// The report's style sheet: light or dark as the reader's system is, one column on a telephone, two on a screen, black
 /// on white on paper. Text keeps a contrast of at least 4.5 to 1 on its ground.
 inline constexpr const char* kPageStyle = R"css(
@@ -57,3 +59,5 @@ table.settings td { text-align: left; } table.settings td:first-child { color: v
   figure, .figure, .patches li, tr, .findings li { break-inside: avoid; } h2 { break-after: avoid; }
   .figures { grid-template-columns: repeat(4, 1fr); } .swatch { height: 34px; } }
 )css";
+
+}  // namespace tonewright

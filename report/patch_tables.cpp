@@ -3,6 +3,8 @@
 #include "report/adaptation.h"
 #include "report/markup_impl.h"
 
+namespace tonewright {
+
 namespace {
 
 using markup::Fixed;
@@ -62,3 +64,5 @@ std::string PatchCsv(std::span<const ReportPatch> patches, int fullScale) {
     }
     return text;
 }
+
+}  // namespace tonewright

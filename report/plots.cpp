@@ -7,6 +7,8 @@
 
 #include "report/markup_impl.h"
 
+namespace tonewright {
+
 namespace {
 
 using markup::Escaped;
@@ -242,3 +244,5 @@ std::string NoiseBars(std::span<const NoisePair> patches) {
     drawn += text((kLeft + kRight) / 2, kAxisTitle, "patch (light: before, dark: after; 8-bit steps)");
     return plot("Noise", "Standard deviation of each patch before and after the correction, in 8-bit steps.", drawn);
 }
+
+}  // namespace tonewright

@@ -5,6 +5,8 @@
 
 #include "quality/color_difference.h"
 
+namespace tonewright {
+
 // The plots of a calibration: SVG elements of one size, each with a title and a description for those who don't see it.
 // Their parts bear class names, which PlotRules gives their colors.
 
@@ -66,3 +68,5 @@ struct NoisePair {
 
 /// The deviation of each patch before and after the correction.
 std::string NoiseBars(std::span<const NoisePair> patches);
+
+}  // namespace tonewright

@@ -6,6 +6,8 @@
 
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 namespace {
 
 constexpr int kStoredBytes = 4;  // blue, green, red, reserved
@@ -94,3 +96,5 @@ std::vector<std::uint8_t> PngBytes(const CTivImage& picture, int longestSide) {
     if (!writer.info || !write(writer, width, height, rows, row, bytes)) return {};
     return bytes;
 }
+
+}  // namespace tonewright

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace tonewright {
+
 /// The words of a report, whatever it is written in.
 namespace report_words {
 
@@ -33,3 +35,5 @@ inline constexpr const char* kNumbers = "Numbers";
 inline constexpr const char* kSettings = "Settings";
 
 }  // namespace report_words
+
+}  // namespace tonewright

@@ -12,6 +12,8 @@
 #include "acquisition/zvn/simulation_impl.h"
 #include "foundation/SafeFile.h"
 
+using namespace tonewright;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -6,6 +6,8 @@
 #include "acquisition/zvn/color_features.h"
 #include "foundation/SafeFile.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr std::size_t kMostFileBytes = 16 << 20;

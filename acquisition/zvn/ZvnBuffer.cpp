@@ -9,6 +9,8 @@
 #include "acquisition/zvn/zvn_formats.h"
 #include "calibration/coefficient_file.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// Spreads pixels of three bytes over words of four, the reserved byte 0.

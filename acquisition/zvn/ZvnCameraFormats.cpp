@@ -8,6 +8,8 @@
 #include "primitives/demosaic.h"
 #include "primitives/sample_rows.h"
 
+using namespace tonewright;
+
 namespace {
 
 enum class Kind { Mono, Bayer, Color, LumaChroma };

@@ -9,6 +9,8 @@
 
 #include "calibration/coefficient_file.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr const char* kEnable = "ColorTransformationEnable";

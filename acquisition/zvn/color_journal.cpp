@@ -20,6 +20,8 @@
 #include "calibration/usable_transform.h"
 #include "foundation/SafeFile.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr const char* kFolder = "/Brennick Korva/Tonewright/cameras";

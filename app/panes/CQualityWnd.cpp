@@ -11,6 +11,8 @@
 #include "app/panes/quality_texts.h"
 #include "report/plots.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kMargin = 8;

@@ -19,12 +19,12 @@ public:
     explicit CQualityWnd(QWidget* parent);
 
     /// Shows the figures of a calibration; they count as up to date.
-    void ShowReport(const Report& report);
+    void ShowReport(const tonewright::Report& report);
     /// Shows what a calibration delivers on another picture, with a way back.
-    void ShowVerification(const Report& report, const QString& fileName);
+    void ShowVerification(const tonewright::Report& report, const QString& fileName);
     /// Shows what the picture of a chart tells before a calibration.
     /// @param summary a line such as how many patches were found
-    void ShowPicture(const QString& summary, const std::vector<Finding>& findings);
+    void ShowPicture(const QString& summary, const std::vector<tonewright::Finding>& findings);
     void Clear();  ///< nothing is known
     /// @param reason why the figures are out of date; empty: they are not
     void SetOutOfDate(const QString& reason);
@@ -41,7 +41,7 @@ private:
     void ShowPlot();
     void ShowPatch(int index);
 
-    Report m_report;
+    tonewright::Report m_report;
     bool m_hasReport = false;
     QLabel* m_verified;
     QPushButton* m_back;

@@ -11,6 +11,8 @@
 #include "app/toolkit/Theme.h"
 #include "report/html_report.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kGap = 3;

@@ -28,7 +28,7 @@ class PatchCells : public QWidget {
 public:
     explicit PatchCells(QWidget* parent);
 
-    void SetPatches(const std::vector<ReportPatch>& patches, int columns);
+    void SetPatches(const std::vector<tonewright::ReportPatch>& patches, int columns);
     int GetPointed() const { return m_kept >= 0 ? m_kept : m_hovered; }  ///< index; -1 for none
 
     QSize sizeHint() const override;
@@ -48,7 +48,7 @@ private:
     CellGrid Grid() const;
     void Point(int hovered, int kept);
 
-    std::vector<ReportPatch> m_patches;
+    std::vector<tonewright::ReportPatch> m_patches;
     int m_columns = 6;
     int m_worst = -1;
     int m_hovered = -1;

@@ -6,6 +6,8 @@
 #include "app/toolkit/Theme.h"
 #include "report/plots.h"
 
+using namespace tonewright;
+
 PlotView::PlotView(QWidget* parent) : QWidget(parent), m_renderer(new QSvgRenderer(this)) {
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);

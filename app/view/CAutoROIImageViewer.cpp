@@ -6,6 +6,8 @@
 #include "app/view/ViewerHost.h"
 #include "chart/PatchMeasurement.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr const char* kSaturatedText = "There are saturated colors (Red Roi)";

@@ -28,7 +28,7 @@ public:
     CTivVector GetRawColors() override;
     /// The same, ordered by the place of the brightest patch: what GetRawColors gives for 6 x 4 and 4 x 6.
     CTivVector GetOrientedRawColors();
-    const PatchDetector* Detector() const override { return &m_detector; }
+    const tonewright::PatchDetector* Detector() const override { return &m_detector; }
     /// @param bgr receives the ROI's mean color: blue, green, red
     /// @param centre receives the ROI's centre in image pixels
     void GetRoiColor(unsigned char* bgr, ViewPoint* centre);
@@ -41,10 +41,10 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    ChartRoi RoiOfChart() const;
-    CTivVector Deliver(const PatchColors& measured);
+    tonewright::ChartRoi RoiOfChart() const;
+    CTivVector Deliver(const tonewright::PatchColors& measured);
 
-    PatchDetector m_detector;
+    tonewright::PatchDetector m_detector;
     ChartSize* m_chartSize = nullptr;
     mutable std::optional<ViewRect> m_measuredRoi;  // where m_holdsTwoColors was found out
     mutable bool m_holdsTwoColors = false;

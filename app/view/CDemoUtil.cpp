@@ -146,7 +146,8 @@ bool CDemoUtil::DisplayImage(CTivImage* image, QPainter* painter, const ViewRect
                              int significantBits) {
     const auto* how = std::find_if(std::begin(kDisplayable), std::end(kDisplayable),
                                    [&](const Displayable& row) { return row.format == image->GetFormat(); });
-    if (how == std::end(kDisplayable)) return Refuse("CDemoUtil::DisplayImage => image format not supported");
+    if (how == std::end(kDisplayable))
+        return CTivManager::Refuse("CDemoUtil::DisplayImage => image format not supported");
 
     ViewRect part = wholeOf(*image);
     if (source) {

@@ -13,6 +13,8 @@
 #include "app/view/ViewerHost.h"
 #include "app/view/overlay_mapping.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kEdgeWidth = 2;

@@ -32,8 +32,8 @@ public:
     void ResetView() override;
     void ClearOverlays() override;
     void ShowNow() override { repaint(); }
-    void ShowOutlines(const PatchOutlines& outlines) override;  ///< in the place of the overlay's graphics
-    void Highlight(const PatchOutline& outline) override;
+    void ShowOutlines(const tonewright::PatchOutlines& outlines) override;  ///< in the place of the overlay's graphics
+    void Highlight(const tonewright::PatchOutline& outline) override;
     void ShowBadge(const QString& words) override;
     const QString& GetBadge() const { return m_badge; }
     void SetFileName(const QString& name) override;
@@ -138,7 +138,7 @@ private:
     Overlay m_imageOverlay;
     QFont m_font;  // the system's menu font, as it was at construction
     QPixmap m_background;
-    PatchOutline m_highlight;
+    tonewright::PatchOutline m_highlight;
     QString m_badge;
     QString m_fileName;
 };

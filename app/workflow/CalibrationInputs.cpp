@@ -6,6 +6,8 @@
 #include "app/workflow/WorkflowContext.h"
 #include "calibration/illuminants.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kRelative = 1;

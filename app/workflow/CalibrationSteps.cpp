@@ -9,6 +9,8 @@
 #include "quality/fit_quality.h"
 #include "report/calibration_report.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kAbsolute = 0;

@@ -8,6 +8,8 @@
 #include "app/workflow/StudioFiles.h"
 #include "calibration/usable_transform.h"
 
+using namespace tonewright;
+
 using namespace studio_files;
 
 namespace {

@@ -10,6 +10,8 @@
 #include "app/toolkit/Prompts.h"
 #include "calibration/parameter_limits.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kAbsolute = 0;

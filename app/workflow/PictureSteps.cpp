@@ -12,6 +12,8 @@
 #include "foundation/record_length.h"
 #include "imagefile/CTivImageFileFormat.h"
 
+using namespace tonewright;
+
 using namespace studio_files;
 
 PictureView* PictureSteps::GetSelectedViewer() {

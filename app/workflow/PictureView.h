@@ -24,9 +24,9 @@ public:
     virtual void ShowNow() = 0;      ///< redraws before it returns
 
     /// Draws the outlines of a chart's patches in the picture's pixels, until the overlays are cleared or others come.
-    virtual void ShowOutlines(const PatchOutlines&) {}
+    virtual void ShowOutlines(const tonewright::PatchOutlines&) {}
     /// Makes one outline stand out; none has no points.
-    virtual void Highlight(const PatchOutline&) {}
+    virtual void Highlight(const tonewright::PatchOutline&) {}
     /// A word in a corner of the picture; empty: none.
     virtual void ShowBadge(const QString&) {}
 
@@ -42,6 +42,6 @@ public:
     // What a view that finds charts does besides.
     virtual void SetAutoDetect(bool) {}
     virtual void DetectPatches() {}
-    virtual CTivVector GetRawColors() { return {}; }                   ///< of no format without a picture
-    virtual const PatchDetector* Detector() const { return nullptr; }  ///< null: it finds no charts
+    virtual CTivVector GetRawColors() { return {}; }                               ///< of no format without a picture
+    virtual const tonewright::PatchDetector* Detector() const { return nullptr; }  ///< null: it finds no charts
 };

@@ -11,6 +11,8 @@
 #include "quality/measured_chart.h"
 #include "report/calibration_report.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kMomentMs = 150;

@@ -20,7 +20,7 @@ public:
     QualitySteps(WorkflowContext& work, PictureSteps& pictures, CalibrationSteps& calibration);
 
     /// The figures of the last preview, with a reason where they are out of date. None before the first one.
-    const std::optional<Report>& GetReport() const { return m_report; }
+    const std::optional<tonewright::Report>& GetReport() const { return m_report; }
     const QString& WhyOutOfDate() const { return m_outOfDate; }
 
     /// Whether the raw viewer still shows the picture of the report.
@@ -35,16 +35,16 @@ public:
     void OnFindChart();
 
 signals:
-    void judged(const Report& report);
+    void judged(const tonewright::Report& report);
     /// @param summary how much of the chart was found, and how bright it is
-    void pictureTold(const QString& summary, const std::vector<Finding>& findings);
+    void pictureTold(const QString& summary, const std::vector<tonewright::Finding>& findings);
     void outOfDate(const QString& reason);  ///< empty: the figures are those of what is in force
 
 private:
     void Judge();
     void TellPicture();
-    MeasuredChart Measure() const;
-    PatchOutlines Outlines(const MeasuredChart& chart) const;
+    tonewright::MeasuredChart Measure() const;
+    tonewright::PatchOutlines Outlines(const tonewright::MeasuredChart& chart) const;
     bool ShowsFoundChart() const;
 
     WorkflowContext& m_work;
@@ -52,9 +52,9 @@ private:
     CalibrationSteps& m_calibration;
     QTimer m_moment;
     bool m_wasPreviewed = false;  ///< since the last judgement
-    std::optional<Report> m_report;
+    std::optional<tonewright::Report> m_report;
     QString m_outOfDate;
     CalibrationInputs m_judgedInputs;
-    FoundChart m_found;        ///< what filled the list of raw colors
-    int m_foundInPicture = 0;  ///< the number of that picture
+    tonewright::FoundChart m_found;  ///< what filled the list of raw colors
+    int m_foundInPicture = 0;        ///< the number of that picture
 };

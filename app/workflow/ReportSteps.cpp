@@ -11,6 +11,8 @@
 #include "foundation/version.h"
 #include "report/calibration_report.h"
 
+using namespace tonewright;
+
 using namespace studio_files;
 
 namespace {

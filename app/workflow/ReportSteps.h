@@ -14,7 +14,7 @@ public:
     void OnSaveReport();
 
 private:
-    std::optional<Report> Take() const;
+    std::optional<tonewright::Report> Take() const;
 
     WorkflowContext& m_work;
     QualitySteps& m_quality;

@@ -5,6 +5,8 @@
 #include "app/StringTable.h"
 #include "chart/patch_names.h"
 
+using namespace tonewright;
+
 namespace status_texts {
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include "calibration/illuminants.h"
 
+using namespace tonewright;
+
 namespace {
 
 unsigned differentParts(const EditState& one, const EditState& other) {

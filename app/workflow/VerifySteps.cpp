@@ -11,6 +11,8 @@
 #include "quality/verification.h"
 #include "report/calibration_outputs.h"
 
+using namespace tonewright;
+
 using namespace studio_files;
 
 namespace {

@@ -19,7 +19,7 @@ public:
 
     bool CanVerify() const { return m_work.fit && m_work.engine.IsCalibrated(); }
     /// What the last verification told. None while there is none on show.
-    const std::optional<Report>& GetReport() const { return m_report; }
+    const std::optional<tonewright::Report>& GetReport() const { return m_report; }
     const CTivImage& GetPicture() const { return m_picture; }  ///< which it was made on
     const QString& WhyOutOfDate() const { return m_outOfDate; }
     /// Holds the calibration that was verified against the present one. Called whenever a command has run.
@@ -29,7 +29,7 @@ public:
     void OnBack();
 
 signals:
-    void verified(const Report& report, const QString& fileName);
+    void verified(const tonewright::Report& report, const QString& fileName);
     void outOfDate(const QString& reason);  ///< empty: it is what would come now
     void left();
 
@@ -37,7 +37,7 @@ private:
     void VerifyPicture(const std::string& path, const std::string& name);
 
     WorkflowContext& m_work;
-    std::optional<Report> m_report;
+    std::optional<tonewright::Report> m_report;
     CTivImage m_picture;
     QString m_outOfDate;
     CalibrationInputs m_inputs;

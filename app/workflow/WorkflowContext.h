@@ -26,16 +26,17 @@ struct WorkflowParts {
     ColorLists& lists;
     UserValues& values;
     ParameterControls& controls;
-    std::string (*makePdf)(const Report& report);  ///< the report as a file of pages; empty: it can't be made
-    QString baseDir;                               ///< where the file dialogs start; may be empty
+    std::string (*makePdf)(
+        const tonewright::Report& report);  ///< the report as a file of pages; empty: it can't be made
+    QString baseDir;                        ///< where the file dialogs start; may be empty
 };
 
 /// The fit that succeeded last: what its transform was made for.
 struct LastFit {
-    std::vector<Xyz> targets;  ///< XYZ under D65, one a patch
+    std::vector<tonewright::Xyz> targets;  ///< XYZ under D65, one a patch
     bool isAbsolute = true;
     std::size_t transform = 0;  ///< its checksum
-    std::vector<ReportRow> settings;
+    std::vector<tonewright::ReportRow> settings;
 };
 
 /// What the steps remember from one to the next; the rest stands in the engine.

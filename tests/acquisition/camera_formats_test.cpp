@@ -10,6 +10,8 @@
 #include "tests/acquisition/packed_frame.h"
 #include "tests/acquisition/simulation.h"
 
+using namespace tonewright;
+
 namespace {
 
 using Bytes = std::vector<std::byte>;

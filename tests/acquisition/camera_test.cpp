@@ -10,6 +10,8 @@
 #include "tests/acquisition/fake_camera.h"
 #include "tests/acquisition/simulation.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// A camera that holds one file, accessed 48 bytes at a time. Its memory serves as the file; each operation "succeeds"

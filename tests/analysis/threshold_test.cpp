@@ -13,6 +13,8 @@
 #include "tests/support/library.h"
 #include "tests/support/text_image.h"
 
+using namespace tonewright;
+
 namespace {
 
 using D = CTivData;

@@ -12,6 +12,8 @@
 #include "app/illuminant_commands.h"
 #include "tests/support/places.h"
 
+using namespace tonewright;
+
 namespace {
 
 bool enabled(int id, const StudioState& state) { return FindCommand(id)->enabled(state); }

@@ -20,6 +20,8 @@
 #include "app/view/CAutoROIImageViewer.h"
 #include "tests/support/library.h"
 
+using namespace tonewright;
+
 namespace {
 
 // Answers the matrix size dialog and the file dialogs with what a test wants.

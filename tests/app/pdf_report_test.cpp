@@ -10,6 +10,8 @@
 
 #include "foundation/CTivImage.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// What was written where, page by page. Device units are points.

@@ -11,6 +11,8 @@
 #include "app/panes/PlotView.h"
 #include "app/panes/quality_texts.h"
 
+using namespace tonewright;
+
 namespace {
 
 Report report(int patches, double worst) {

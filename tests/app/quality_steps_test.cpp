@@ -4,6 +4,8 @@
 #include "tests/app/workflow_bench.h"
 #include "tests/support/places.h"
 
+using namespace tonewright;
+
 namespace {
 
 class QualityStepsTest : public WorkflowBench {

@@ -4,6 +4,8 @@
 #include "tests/app/studio.h"
 #include "tests/app/workflow_bench.h"
 
+using namespace tonewright;
+
 namespace {
 
 class UndoStepsTest : public WorkflowBench {

@@ -7,6 +7,8 @@
 #include "tests/app/workflow_bench.h"
 #include "tests/support/places.h"
 
+using namespace tonewright;
+
 namespace {
 
 class VerifyTest : public WorkflowBench {

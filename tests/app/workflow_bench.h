@@ -55,14 +55,14 @@ public:
         overlays = m_detector.GetOverlay().size();
     }
     CTivVector GetRawColors() override { return m_detector.GetRawColors(image, ChartRoiOfView(), m_size).colors; }
-    const PatchDetector* Detector() const override { return &m_detector; }
+    const tonewright::PatchDetector* Detector() const override { return &m_detector; }
 
 private:
-    ChartRoi ChartRoiOfView() const {
+    tonewright::ChartRoi ChartRoiOfView() const {
         const ViewRect roi = Roi();
         return {roi.left, roi.top, roi.right, roi.bottom};
     }
-    PatchDetector m_detector;
+    tonewright::PatchDetector m_detector;
     const ChartSize& m_size;
 };
 
@@ -177,17 +177,17 @@ protected:
         for (const int id : {ID_SLD_SATURATION_R, ID_SLD_SATURATION_G, ID_SLD_SATURATION_B}) {
             controls.SetSliderValue(id, 255);
         }
-        workflow =
-            std::make_unique<Workflow>(WorkflowParts{.engine = GetEngine(),
-                                                     .session = &session,
-                                                     .raw = raw,
-                                                     .reference = reference,
-                                                     .calibrated = calibrated,
-                                                     .lists = lists,
-                                                     .values = values,
-                                                     .controls = controls,
-                                                     .makePdf = [](const Report&) { return std::string("%PDF"); },
-                                                     .baseDir = folder.path()});
+        workflow = std::make_unique<Workflow>(
+            WorkflowParts{.engine = GetEngine(),
+                          .session = &session,
+                          .raw = raw,
+                          .reference = reference,
+                          .calibrated = calibrated,
+                          .lists = lists,
+                          .values = values,
+                          .controls = controls,
+                          .makePdf = [](const tonewright::Report&) { return std::string("%PDF"); },
+                          .baseDir = folder.path()});
         const WorkflowNews& news = workflow->News();
         QObject::connect(&news, &WorkflowNews::message, [this](const QString& text, int type) {
             log.push_back({text.toStdString(), type});

@@ -7,6 +7,8 @@
 #include "tests/acquisition/fake_camera.h"
 #include "tests/app/workflow_bench.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr const char* kNoRawColors =

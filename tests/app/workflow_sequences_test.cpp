@@ -5,6 +5,8 @@
 #include "app/CommandTable.h"
 #include "tests/app/workflow_bench.h"
 
+using namespace tonewright;
+
 namespace {
 
 using WorkflowSequences = WorkflowBench;

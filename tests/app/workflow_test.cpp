@@ -4,6 +4,8 @@
 #include "app/toolkit/Profile.h"
 #include "tests/app/workflow_bench.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr const char* kNoRawColors =

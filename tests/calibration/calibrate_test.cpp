@@ -8,6 +8,8 @@
 #include "calibration/color_fit.h"
 #include "tests/calibration/calibration_support.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr auto kRgb = CTivData::FormatRgb;

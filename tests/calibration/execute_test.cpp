@@ -7,6 +7,8 @@
 #include "primitives/acceleration.h"
 #include "tests/calibration/calibration_support.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr auto kRgb = CTivData::FormatRgb;

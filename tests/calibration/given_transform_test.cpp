@@ -4,6 +4,8 @@
 #include "calibration/fit_transform.h"
 #include "tests/calibration/calibration_support.h"
 
+using namespace tonewright;
+
 namespace {
 
 using GivenTransform = CalibrationFiles;

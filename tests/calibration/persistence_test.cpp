@@ -13,6 +13,8 @@
 #include "calibration/parameter_file.h"
 #include "tests/calibration/calibration_support.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr auto kRgb = CTivData::FormatRgb;

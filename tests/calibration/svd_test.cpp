@@ -10,6 +10,8 @@
 
 #include "calibration/color_fit.h"
 
+using namespace tonewright;
+
 namespace {
 
 DoubleMatrix Make(int rows, int columns, const std::function<double(int, int)>& entry) {

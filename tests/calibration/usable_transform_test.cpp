@@ -6,6 +6,8 @@
 
 #include "tests/calibration/calibration_support.h"
 
+using namespace tonewright;
+
 namespace {
 
 class UsableTransform : public CalibrationFiles {};

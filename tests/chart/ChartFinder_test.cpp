@@ -7,6 +7,8 @@
 #include "chart/SamplingArea.h"
 #include "tests/support/staged_chart.h"
 
+using namespace tonewright;
+
 namespace {
 
 using testing::ContainsRegex;

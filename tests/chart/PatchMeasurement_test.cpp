@@ -11,6 +11,8 @@
 #include "tests/support/drawn_chart.h"
 #include "tests/support/library.h"
 
+using namespace tonewright;
+
 namespace {
 
 using Color = DrawnChart::Color;

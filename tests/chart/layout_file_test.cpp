@@ -5,6 +5,8 @@
 #include "chart/ChartFinder.h"
 #include "tests/support/staged_chart.h"
 
+using namespace tonewright;
+
 namespace {
 
 using testing::HasSubstr;

@@ -4,6 +4,8 @@
 
 #include "tests/cli/tool_test.h"
 
+using namespace tonewright;
+
 namespace {
 
 using testing::HasSubstr;

@@ -11,9 +11,9 @@
 inline DrawnChart CameraChart() {
     DrawnChart chart;
     chart.surround = {4, 4, 4};
-    const std::vector<Xyz> targets = GetChartTargets(3);
+    const std::vector<tonewright::Xyz> targets = tonewright::GetChartTargets(3);
     for (std::size_t i = 0; i < 24; ++i) {
-        const auto [r, g, b] = ToLinearRgb(targets[i]);
+        const auto [r, g, b] = tonewright::ToLinearRgb(targets[i]);
         const auto level = [](double value) {
             return static_cast<std::uint32_t>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
         };

@@ -4,6 +4,8 @@
 #include "tests/cli/tool_test.h"
 #include "tests/support/staged_chart.h"
 
+using namespace tonewright;
+
 namespace {
 
 using nlohmann::json;

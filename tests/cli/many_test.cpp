@@ -3,6 +3,8 @@
 
 #include "tests/cli/chart_camera.h"
 
+using namespace tonewright;
+
 namespace {
 
 using nlohmann::json;

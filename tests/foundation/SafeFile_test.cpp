@@ -12,6 +12,8 @@
 #include <iterator>
 #include <vector>
 
+using namespace tonewright;
+
 namespace fs = std::filesystem;
 
 namespace {

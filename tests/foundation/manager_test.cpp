@@ -19,7 +19,7 @@ TEST(ErrorChannel, TextPassesASecondFormattingThatCarriesNothingOut) {
                  {"%*d%", ""},
                  {"snow%\xc3\xa9", "snow\xc3\xa9"}};
     for (const auto& each : cases) {
-        EXPECT_FALSE(Refuse(each.given));
+        EXPECT_FALSE(CTivManager::Refuse(each.given));
         EXPECT_EQ(LastError(), each.kept) << each.given;
     }
 }

@@ -7,6 +7,8 @@
 #include "foundation/CTivImage.h"
 #include "foundation/CTivVector.h"
 
+using namespace tonewright;
+
 using D = CTivData;
 
 namespace {

@@ -7,6 +7,8 @@
 #include "primitives/acceleration.h"
 #include "tests/fuzz/fuzz_file.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// Bytes handed out one by one, zeros behind the end.

@@ -3,6 +3,8 @@
 #include "imagefile/bmp_strips.h"
 #include "tests/fuzz/fuzz_file.h"
 
+using namespace tonewright;
+
 // Whatever a bitmap says, it is read or refused, into fresh memory, into memory of the caller's, and strip by strip.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool started = startLibrary();

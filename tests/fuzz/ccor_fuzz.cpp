@@ -4,6 +4,8 @@
 #include "calibration/coefficient_file.h"
 #include "tests/fuzz/fuzz_file.h"
 
+using namespace tonewright;
+
 // Coefficient files: held against their length, loaded, and applied to an image.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool started = startLibrary();

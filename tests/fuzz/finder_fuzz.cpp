@@ -7,6 +7,8 @@
 #include "chart/layout_file.h"
 #include "tests/fuzz/fuzz_file.h"
 
+using namespace tonewright;
+
 namespace {
 
 void demand(bool condition) {

@@ -4,6 +4,8 @@
 #include "calibration/parameter_file.h"
 #include "tests/fuzz/fuzz_file.h"
 
+using namespace tonewright;
+
 // Parameter files: held against their length, loaded, calibrated, and, where that went well, applied.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool started = startLibrary();

@@ -5,6 +5,8 @@
 #include "imagefile/CTivImageFileFormat.h"
 #include "tests/imagefile/file_support.h"
 
+using namespace tonewright;
+
 namespace {
 
 bool invert(const CTivImage& strip, CTivImage& changed) {

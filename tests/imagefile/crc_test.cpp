@@ -5,6 +5,8 @@
 #include "imagefile/CrcImageReader.h"
 #include "tests/imagefile/file_support.h"
 
+using namespace tonewright;
+
 using D = CTivData;
 using brennick::korva::zelvan_pix::OutputStreamStdOstream;
 

@@ -13,6 +13,8 @@
 #include "tests/imagefile/memory_support.h"
 #include "tests/support/places.h"
 
+using namespace tonewright;
+
 using D = CTivData;
 using brennick::korva::zelvan_pix::OutputStreamStdOstream;
 

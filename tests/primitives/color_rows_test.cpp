@@ -6,6 +6,8 @@
 
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 using Row = void (*)(const std::uint8_t*, std::uint8_t*, std::size_t);

@@ -8,6 +8,8 @@
 #include "primitives/wide.h"
 #include "tests/support/row_buffers.h"
 
+using namespace tonewright;
+
 namespace {
 
 // Both forms, or the plain one alone where the machine lacks the other.

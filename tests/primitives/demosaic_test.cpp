@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+using namespace tonewright;
+
 namespace {
 
 constexpr BayerPhase kPhases[] = {{0, 0}, {1, 0}, {0, 1}, {1, 1}};

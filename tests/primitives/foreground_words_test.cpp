@@ -7,6 +7,8 @@
 
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr std::size_t kCounts[] = {0, 1, 7, 8, 9, 31, 32, 33, 63, 64, 65, 127, 130, 1000};

@@ -8,6 +8,8 @@
 
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 using enum SamplePacking;

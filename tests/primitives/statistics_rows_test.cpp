@@ -9,6 +9,8 @@
 #include "primitives/wide.h"
 #include "tests/support/row_buffers.h"
 
+using namespace tonewright;
+
 namespace {
 
 struct Kind {

@@ -10,6 +10,8 @@
 #include "primitives/acceleration.h"
 #include "primitives/wide.h"
 
+using namespace tonewright;
+
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;

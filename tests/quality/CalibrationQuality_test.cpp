@@ -9,6 +9,8 @@
 #include "quality/delivery.h"
 #include "tests/quality/photographs.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr CTivData::Format kFormats[] = {CTivData::FormatRgb, CTivData::FormatRgb10, CTivData::FormatRgb16};

@@ -8,6 +8,8 @@
 
 #include "tests/quality/photographs.h"
 
+using namespace tonewright;
+
 namespace {
 
 /// The measurements of a camera that sees the chart as it should be, at 80 % of full scale for the white patch. The

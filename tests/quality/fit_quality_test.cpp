@@ -9,6 +9,8 @@
 #include "calibration/CalibrationTables.h"
 #include "tests/support/library.h"
 
+using namespace tonewright;
+
 namespace {
 
 using Rgb = std::array<double, 3>;

@@ -14,7 +14,7 @@
 /// A photograph of the 24-patch chart and where the chart lies in it.
 struct Photograph {
     const char* name;
-    ChartRoi roi;
+    tonewright::ChartRoi roi;
     bool isLinear;
 };
 
@@ -70,17 +70,17 @@ inline CTivImage ToSixteenBits(const CTivImage& image) {
 /// A chart as the tool measures it.
 struct ChartPicture {
     CTivImage image;
-    PatchDetector detector;
-    PatchColors colors;
-    MeasuredChart chart;
+    tonewright::PatchDetector detector;
+    tonewright::PatchColors colors;
+    tonewright::MeasuredChart chart;
 };
 
-inline ChartPicture ReadPicture(CTivImage image, const ChartRoi& roi) {
+inline ChartPicture ReadPicture(CTivImage image, const tonewright::ChartRoi& roi) {
     ChartPicture picture;
     picture.image = std::move(image);
     const ChartSize size;
     EXPECT_TRUE(picture.detector.DetectPatches(picture.image, roi, size));
-    picture.colors = picture.detector.GetRawColors(picture.image, roi, size, PatchDepth::AsImage);
+    picture.colors = picture.detector.GetRawColors(picture.image, roi, size, tonewright::PatchDepth::AsImage);
     picture.image.SetRoi({});
     picture.chart = MeasureGrid(picture.image, picture.detector, size, picture.colors.brightest);
     return picture;

@@ -5,6 +5,8 @@
 #include "quality/CalibrationQuality.h"
 #include "quality/delivery.h"
 
+using namespace tonewright;
+
 // Real charts: what is claimed of a calibration, held against what the corrected picture measures.
 
 namespace {

@@ -14,6 +14,8 @@
 #include "report/icc_profile.h"
 #include "report/patch_tables.h"
 
+using namespace tonewright;
+
 namespace {
 
 using Color = std::array<double, 3>;

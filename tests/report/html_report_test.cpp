@@ -7,6 +7,8 @@
 
 #include "foundation/CTivImage.h"
 
+using namespace tonewright;
+
 namespace {
 
 Report sampleReport(const CTivImage* picture) {

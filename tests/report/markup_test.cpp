@@ -6,6 +6,8 @@
 #include <cstring>
 #include <limits>
 
+using namespace tonewright;
+
 using markup::Base64;
 using markup::CssColor;
 using markup::Escaped;

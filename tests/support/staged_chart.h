@@ -36,7 +36,7 @@ struct StagedChart {
     /// What the patches look like under D65, in linear light.
     static std::vector<Color> ReferenceColors() {
         std::vector<Color> colors;
-        const auto& tables = GetCalibrationTables();
+        const auto& tables = tonewright::GetCalibrationTables();
         for (const auto& xyz : tables.ReferenceTable.at(3)) {
             Color color = {};
             for (int i = 0; i < 3; ++i) {
@@ -52,7 +52,7 @@ struct StagedChart {
     }
 
     /// Where a place of the chart lies in the picture.
-    ChartPoint At(double column, double row) const {
+    tonewright::ChartPoint At(double column, double row) const {
         const Axes axes = MakeAxes();
         const double x = (column - 2.5) * (isMirrored ? -1 : 1), y = row - 1.5;
         const double z = kFar + axes.x[2] * x + axes.y[2] * y;
