@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "foundation/symmetric_solve.h"
+
 namespace tonewright {
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "chart/plane_map_impl.h"
+#include "foundation/symmetric_solve.h"
 
 namespace tonewright {
 

@@ -27,9 +27,4 @@ struct PlacePair {
 /// @return nothing for fewer than four pairs or where they don't fix a map
 std::optional<PlaneMap> FitPlaneMap(std::span<const PlacePair> pairs);
 
-/// Solves A x = b for a symmetric positive definite A by Cholesky's method, in place.
-/// @param a row-major N x N, overwritten @param b N values, overwritten by x
-/// @return false where A is not positive definite
-bool SolveSymmetric(std::span<double> a, std::span<double> b);
-
 }  // namespace tonewright

@@ -17,6 +17,7 @@
 #include "cli/quality_json.h"
 #include "cli/report_outputs.h"
 #include "cli/target_options.h"
+#include "foundation/fixed_text.h"
 #include "imagefile/picture_file.h"
 #include "quality/chart_calibration.h"
 
@@ -132,7 +133,7 @@ void tellDelivered(const CalibrationQuality& quality) {
     if (delivered.patches.empty()) return;
     const auto worst = std::max_element(delivered.patches.begin(), delivered.patches.end());
     const auto index = static_cast<std::size_t>(worst - delivered.patches.begin());
-    TellOfFile("delivered: mean " + ToText(delivered.mean, 1) + ", worst " + ToText(*worst, 1) + " (patch " +
+    TellOfFile("delivered: mean " + FixedText(delivered.mean, 1) + ", worst " + FixedText(*worst, 1) + " (patch " +
                PatchWord(index, delivered.patches.size()) + ")");
     const std::string inPicture = TellPicture(quality.delivered, quality.picture);
     if (!inPicture.empty()) TellOfFile(inPicture);

@@ -1,8 +1,6 @@
 #include "cli/quality_json.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 #include "chart/patch_names.h"
 
@@ -56,12 +54,6 @@ void TellFindings(const std::vector<Finding>& findings) {
         if (finding.severity == Severity::Note) continue;
         TellOfFile(std::string(GetSeverityName(finding.severity)) + ": " + finding.text);
     }
-}
-
-std::string ToText(double value, int decimals) {
-    if (!std::isfinite(value)) return "no number";
-    char text[400];
-    return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr};
 }
 
 std::string PatchWord(std::size_t index, std::size_t count) {

@@ -18,9 +18,6 @@ Json Describe(const std::vector<tonewright::Finding>& findings);
 /// Writes warnings and errors to standard error, a line each.
 void TellFindings(const std::vector<tonewright::Finding>& findings);
 
-/// "12.3" with `decimals` digits behind the point, whatever the locale; "no number" for what is none.
-std::string ToText(double value, int decimals);
-
 /// "7 Orange" of a chart of 24 patches, "7" of another. @param index from 0
 std::string PatchWord(std::size_t index, std::size_t count);
 

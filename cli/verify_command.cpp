@@ -16,6 +16,7 @@
 #include "cli/quality_json.h"
 #include "cli/report_outputs.h"
 #include "cli/target_options.h"
+#include "foundation/fixed_text.h"
 #include "quality/verification.h"
 
 using namespace tonewright;
@@ -85,16 +86,16 @@ bool isWithin(double difference, const std::optional<float>& limit) {
 bool checkLimits(const VerifyOptions& options, const DifferenceSummary& delivered) {
     const bool isMeanKept = isWithin(delivered.mean, options.maxMean);
     if (!isMeanKept) {
-        Tell(options.chart.image + ": the mean difference is " + ToText(delivered.mean, 2) + ", above the limit of " +
-             ToText(static_cast<double>(*options.maxMean), 2));
+        Tell(options.chart.image + ": the mean difference is " + FixedText(delivered.mean, 2) +
+             ", above the limit of " + FixedText(static_cast<double>(*options.maxMean), 2));
     }
     bool isEachKept = true;
     for (std::size_t i = 0; i < delivered.patches.size(); ++i) {
         if (isWithin(delivered.patches[i], options.maxPatch)) continue;
         isEachKept = false;
         Tell(options.chart.image + ": patch " + PatchWord(i, delivered.patches.size()) + " differs by " +
-             ToText(delivered.patches[i], 2) + ", above the limit of " +
-             ToText(static_cast<double>(*options.maxPatch), 2));
+             FixedText(delivered.patches[i], 2) + ", above the limit of " +
+             FixedText(static_cast<double>(*options.maxPatch), 2));
     }
     return isMeanKept && isEachKept;
 }
@@ -103,10 +104,10 @@ Json describeLimit(const std::optional<float>& limit) { return limit ? ToNumber(
 
 std::string describeVerdict(const VerifyOptions& options) {
     std::string text;
-    if (options.maxMean) text = "mean difference at most " + ToText(static_cast<double>(*options.maxMean), 2);
+    if (options.maxMean) text = "mean difference at most " + FixedText(static_cast<double>(*options.maxMean), 2);
     if (options.maxPatch) {
         text += std::string(text.empty() ? "" : ", ") + "each patch at most " +
-                ToText(static_cast<double>(*options.maxPatch), 2);
+                FixedText(static_cast<double>(*options.maxPatch), 2);
     }
     return text;
 }

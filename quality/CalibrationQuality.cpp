@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "calibration/fit_transform.h"
+#include "foundation/fixed_text.h"
 #include "quality/delivery.h"
-#include "quality/finding_words_impl.h"
 #include "quality/perceptual_fit.h"
 
 namespace tonewright {
@@ -245,7 +245,7 @@ std::string TellPicture(const ChartDifferences& delivered, const PictureQuality&
     const double single = delivered.deltaE00.mean, whole = picture.delivered.deltaE00.mean;
     if (!(std::fabs(whole - single) > kClearly)) return {};  // nor where one is no number
     const bool isNoise = std::fabs(whole - picture.ofMeans) > std::fabs(picture.ofMeans - single);
-    return "In the corrected picture: mean " + Fixed(whole, 1) + ", since " +
+    return "In the corrected picture: mean " + FixedText(whole, 1) + ", since " +
            (isNoise ? "limits and tone curve bend the mean of noisy pixels"
                     : "single colors are cut to whole levels, of which dark patches have few");
 }

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "calibration/usable_transform.h"
+#include "foundation/fixed_text.h"
 #include "quality/finding_words_impl.h"
 #include "quality/findings.h"
 
@@ -34,10 +35,10 @@ std::optional<Finding> FindOverfit(const CalibrationQuality& quality, int terms)
     if (!better) return std::nullopt;
     return Finding{"overfit",
                    Severity::Note,
-                   "The " + std::to_string(terms) + " terms follow these patches (mean difference " + Fixed(seen, 1) +
-                       ") more closely than other colors (" + Fixed(unseen, 1) + "): with " +
+                   "The " + std::to_string(terms) + " terms follow these patches (mean difference " +
+                       FixedText(seen, 1) + ") more closely than other colors (" + FixedText(unseen, 1) + "): with " +
                        std::to_string(better->terms) + " terms colors that were not in the fit come out better (" +
-                       Fixed(better->unseen, 1) + ").",
+                       FixedText(better->unseen, 1) + ").",
                    {}};
 }
 

@@ -1,17 +1,10 @@
-#include <charconv>
-#include <cmath>
-
 #include "quality/finding_words_impl.h"
+
+#include "foundation/fixed_text.h"
 
 namespace tonewright {
 
-std::string Fixed(double value, int decimals) {
-    if (!std::isfinite(value)) return "no number";
-    char text[400];
-    return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr};
-}
-
-std::string Percent(double fraction) { return Fixed(100 * fraction, 0) + " %"; }
+std::string Percent(double fraction) { return FixedText(100 * fraction, 0) + " %"; }
 
 std::string PatchList(const std::vector<int>& patches) {
     constexpr std::size_t kRun = 3;  // so many in a row become "1 to 3"

@@ -7,8 +7,6 @@
 
 namespace tonewright {
 
-/// "12.3" with `decimals` digits behind the point, whatever the locale.
-std::string Fixed(double value, int decimals);
 /// "12 %" of a fraction.
 std::string Percent(double fraction);
 /// "patch 7", "patches 7, 8 and 12" or "patches 1 to 6 and 12".

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <vector>
+
+#include "foundation/symmetric_solve.h"
 
 namespace tonewright {
 
@@ -27,28 +28,6 @@ Residual residualOf(const LinearRgb& delivered, const Lab& target) {
 double lengthOf(const Residual& residual) {
     return std::sqrt(residual[0] * residual[0] + residual[1] * residual[1] + residual[2] * residual[2] +
                      kSmooth * kSmooth);
-}
-
-/// Solves A x = b for a symmetric positive definite A, row by row, by the decomposition of Cholesky.
-std::optional<std::vector<double>> solve(std::vector<double> a, std::vector<double> b) {
-    const std::size_t n = b.size();
-    for (std::size_t i = 0; i < n; ++i) {
-        for (std::size_t j = 0; j <= i; ++j) {
-            double sum = a[i * n + j];
-            for (std::size_t k = 0; k < j; ++k) sum -= a[i * n + k] * a[j * n + k];
-            if (i == j && !(sum > 0)) return std::nullopt;
-            a[i * n + j] = i == j ? std::sqrt(sum) : sum / a[j * n + j];
-        }
-    }
-    for (std::size_t i = 0; i < n; ++i) {
-        for (std::size_t k = 0; k < i; ++k) b[i] -= a[i * n + k] * b[k];
-        b[i] /= a[i * n + i];
-    }
-    for (std::size_t i = n; i-- > 0;) {
-        for (std::size_t k = i + 1; k < n; ++k) b[i] -= a[k * n + i] * b[k];
-        b[i] /= a[i * n + i];
-    }
-    return b;
 }
 
 class Refinement {
@@ -78,11 +57,11 @@ public:
             while (damping < kMostDamping) {
                 std::vector<double> damped = equations.matrix;
                 for (std::size_t i = 0; i < best.size(); ++i) damped[i * (best.size() + 1)] *= 1 + damping;
-                const auto change = solve(std::move(damped), equations.right);
-                std::vector<double> next = best;
-                for (std::size_t i = 0; change && i < next.size(); ++i) next[i] += (*change)[i];
+                std::vector<double> change = equations.right, next = best;
+                const bool isSolved = SolveSymmetric(damped, change, 0);
+                for (std::size_t i = 0; isSolved && i < next.size(); ++i) next[i] += change[i];
                 const double sum = Sum(next);
-                if (change && sum < least) {
+                if (isSolved && sum < least) {
                     isLast = least - sum < kEnough * least;
                     best = std::move(next);
                     least = sum;

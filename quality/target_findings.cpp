@@ -6,6 +6,7 @@
 
 #include "calibration/CalibrationTables.h"
 #include "calibration/svd.h"
+#include "foundation/fixed_text.h"
 #include "quality/finding_words_impl.h"
 #include "quality/findings.h"
 
@@ -262,7 +263,7 @@ std::optional<Finding> FindCoded(const MeasuredChart& chart) {
     if (!exponent || isLinear(*exponent)) return std::nullopt;
     return Finding{"coded",
                    Severity::Warning,
-                   "The picture is not linear: its neutral patches follow luminance ^ " + Fixed(*exponent, 2) +
+                   "The picture is not linear: its neutral patches follow luminance ^ " + FixedText(*exponent, 2) +
                        ", and a linear camera's follow luminance ^ 1. Turn off gamma, tone curve, contrast and other "
                        "picture styles in the camera, and take the picture again.",
                    {}};

@@ -1,7 +1,6 @@
 #include "report/markup_impl.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace tonewright {
@@ -64,14 +63,6 @@ std::string Escaped(std::string_view text) {
         text.remove_prefix(length);
     }
     return escaped;
-}
-
-std::string Fixed(double value, int decimals) {
-    if (!std::isfinite(value)) return "–";
-    char digits[400];
-    const auto result = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals);
-    std::string text(digits, result.ptr);
-    return text.find_first_not_of("-0.") == std::string::npos && text[0] == '-' ? text.substr(1) : text;
 }
 
 std::string CssColor(const std::array<double, 3>& linear) {

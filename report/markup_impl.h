@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/fixed_text.h"
+
 namespace tonewright {
 
 // The small pieces of which an HTML page with SVG is put together. Texts are UTF-8; numbers have a decimal point
@@ -18,7 +20,7 @@ namespace markup {
 std::string Escaped(std::string_view text);
 
 /// The number with `decimals` digits behind the point; "–" where it is not finite.
-std::string Fixed(double value, int decimals);
+inline std::string Fixed(double value, int decimals) { return FixedText(value, decimals, "–"); }
 
 /// "#rrggbb" of a linear RGB color (0 to 1, clipped), coded as sRGB (IEC 61966-2-1).
 std::string CssColor(const std::array<double, 3>& linear);

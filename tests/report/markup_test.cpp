@@ -4,14 +4,12 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 using namespace tonewright;
 
 using markup::Base64;
 using markup::CssColor;
 using markup::Escaped;
-using markup::Fixed;
 
 TEST(Markup, EscapesWhatMeansSomethingAndWhatIsNoText) {
     EXPECT_EQ(Escaped("<img src=\"x\" onerror='a'>&"), "&lt;img src=&quot;x&quot; onerror=&#39;a&#39;&gt;&amp;");
@@ -22,15 +20,6 @@ TEST(Markup, EscapesWhatMeansSomethingAndWhatIsNoText) {
     EXPECT_EQ(Escaped("\xC0\xAF"), mark + mark) << "overlong";
     EXPECT_EQ(Escaped("\xED\xA0\x80"), mark + mark + mark) << "half a surrogate pair";
     EXPECT_EQ(Escaped("\xF5\x80\x80\x80x"), mark + mark + mark + mark + "x");
-}
-
-TEST(Markup, NumbersArePlain) {
-    EXPECT_EQ(Fixed(3.14159, 2), "3.14");
-    EXPECT_EQ(Fixed(-0.04, 1), "0.0");
-    EXPECT_EQ(Fixed(-1.26, 1), "-1.3");
-    EXPECT_EQ(Fixed(std::nan(""), 1), "–");
-    EXPECT_EQ(Fixed(std::numeric_limits<double>::infinity(), 1), "–");
-    EXPECT_EQ(Fixed(1e308, 0).size(), 309u);
 }
 
 // 0.2158605 is byte 128 of sRGB: ((128 / 255 + 0.055) / 1.055) ^ 2.4.
