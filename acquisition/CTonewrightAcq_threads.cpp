@@ -1,11 +1,10 @@
 #include "acquisition/CTonewrightAcq_impl.h"
 
-#include <chrono>
-
+#include "acquisition/zvn/ZvnClock.h"
 #include "acquisition/zvn/ZvnTransfer.h"
 
 namespace {
-constexpr std::chrono::milliseconds kThreadTime{1000};
+constexpr ZvnClock::Duration kThreadTime{1000};
 }
 
 /// In the transfer's thread, which is not kept waiting.
@@ -59,7 +58,7 @@ void CTonewrightAcq::StopThread() {
     worker_->stop = true;
     worker_->isSet = true;
     worker_->event.notify_all();
-    const bool ended = worker_->event.wait_for(held, kThreadTime, [this] { return worker_->hasEnded; });
+    const bool ended = ZvnClock::Get().Wait(worker_->event, held, kThreadTime, [this] { return worker_->hasEnded; });
     // A thread cannot be ended from outside: from here on this one owns what it works with, and ends when it can.
     worker_->isAbandoned = true;
     held.unlock();

@@ -4,7 +4,6 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFormLayout>
 #include <QLabel>
@@ -19,6 +18,7 @@
 #include "acquisition/zvn/CAbortDlg.h"
 #include "acquisition/zvn/CAcqConfigDlg.h"
 #include "acquisition/zvn/ZvnBackend.h"
+#include "acquisition/zvn/ZvnClock.h"
 #include "acquisition/zvn/ZvnManager.h"
 #include "app/toolkit/Prompts.h"
 
@@ -116,10 +116,11 @@ std::optional<CAcqConfigDlg::Choice> askForDevice(void* parentWindow, const CAcq
 }
 
 bool waitForTransfer(void* parentWindow, ZvnTransfer& transfer, int timeoutMs) {
-    QElapsedTimer clock;
-    clock.start();
+    const auto elapsed = [start = ZvnClock::Get().Now()] {
+        return std::chrono::duration_cast<ZvnClock::Duration>(ZvnClock::Get().Now() - start).count();
+    };
     QEventLoop quiet;
-    while (clock.elapsed() < qMin(kQuietMs, timeoutMs)) {
+    while (elapsed() < qMin(kQuietMs, timeoutMs)) {
         if (transfer.Wait(kPollMs)) return true;
         quiet.processEvents(QEventLoop::ExcludeUserInputEvents);
     }
@@ -137,10 +138,10 @@ bool waitForTransfer(void* parentWindow, ZvnTransfer& transfer, int timeoutMs) {
     QObject::connect(abort, &QPushButton::clicked, &dialog, &QDialog::reject);
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &dialog, [&] {
-        progress->setValue(static_cast<int>(clock.elapsed()));
+        progress->setValue(static_cast<int>(elapsed()));
         if (transfer.Wait(0)) {
             dialog.accept();
-        } else if (clock.elapsed() >= timeoutMs) {
+        } else if (elapsed() >= timeoutMs) {
             dialog.reject();
         }
     });

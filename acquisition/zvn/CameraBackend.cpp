@@ -7,15 +7,13 @@ ZvnBackend* GetCameraBackend() { return nullptr; }
 #else
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 
+#include "acquisition/zvn/ZvnClock.h"
 #include "acquisition/zvn/camera_source_impl.h"
 #include "acquisition/zvn/color_journal.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kListLife{5};
 constexpr std::size_t kLongestName = 29;
@@ -24,7 +22,7 @@ constexpr std::size_t kLongestName = 29;
 class CameraBackend : public ZvnBackend {
 public:
     std::vector<ZvnServer> ListServers() override {
-        if (!lookedAt_ || Clock::now() - *lookedAt_ > kListLife) Look();
+        if (!lookedAt_ || ZvnClock::Get().Now() - *lookedAt_ > kListLife) Look();
         std::vector<ZvnServer> servers;
         for (const auto& camera : cameras_) servers.push_back({camera.name, 0, 1});
         return servers;
@@ -65,7 +63,7 @@ private:
 
     void Look() {
         arv_update_device_list();
-        lookedAt_ = Clock::now();
+        lookedAt_ = ZvnClock::Get().Now();
         cameras_.clear();
         for (unsigned i = 0; i < arv_get_n_devices(); ++i) {
             const char *model = arv_get_device_model(i), *serial = arv_get_device_serial_nbr(i);
@@ -87,7 +85,7 @@ private:
     }
 
     std::vector<Camera> cameras_;
-    std::optional<Clock::time_point> lookedAt_;
+    std::optional<ZvnClock::Time> lookedAt_;
 };
 
 }  // namespace

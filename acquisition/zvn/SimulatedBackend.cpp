@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "acquisition/zvn/ZvnClock.h"
 #include "acquisition/zvn/backend_impl.h"
 #include "acquisition/zvn/simulated_frame_impl.h"
 #include "acquisition/zvn/simulation_impl.h"
@@ -75,14 +76,14 @@ public:
 
     ZvnGrab Grab(std::span<std::byte> destination, std::stop_token stop) override {
         if (server_.Has(SimulatedFault::Hang)) {
-            std::this_thread::sleep_for(milliseconds(server_.hangMs));
+            ZvnClock::Get().Sleep(milliseconds(server_.hangMs));
             return ZvnGrab::None;
         }
         if (server_.Has(SimulatedFault::NoFrame)) {
             while (pause(milliseconds(60'000), stop)) continue;
             return ZvnGrab::None;
         }
-        if (server_.Has(SimulatedFault::LateFrame)) std::this_thread::sleep_for(kLateTime);
+        if (server_.Has(SimulatedFault::LateFrame)) ZvnClock::Get().Sleep(kLateTime);
         if (server_.delayMs > 0 && !pause(milliseconds(server_.delayMs), stop)) return ZvnGrab::None;
         if (!pictures_.empty() && !ShowPicture(pictures_[frames_ % pictures_.size()])) return ZvnGrab::None;
         ++frames_;

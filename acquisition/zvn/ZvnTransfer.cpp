@@ -1,6 +1,5 @@
 #include "acquisition/zvn/ZvnTransfer.h"
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
@@ -8,10 +7,11 @@
 
 #include "acquisition/zvn/ZvnBuffer.h"
 #include "acquisition/zvn/ZvnBufferMemory_impl.h"
+#include "acquisition/zvn/ZvnClock.h"
 #include "acquisition/zvn/ZvnXferNode.h"
 
 namespace {
-constexpr std::chrono::milliseconds kStopTime{200};
+constexpr ZvnClock::Duration kStopTime{200};
 }
 
 /// What the transfer and its thread share; the thread holds it until it ends, however late.
@@ -63,7 +63,7 @@ struct ZvnTransfer::State {
         wanted = 0;
         stop.request_stop();
         changed.notify_all();
-        return changed.wait_for(held, kStopTime, until);
+        return ZvnClock::Get().Wait(changed, held, kStopTime, until);
     }
 };
 
@@ -143,8 +143,8 @@ bool ZvnTransfer::Abort() {
 bool ZvnTransfer::Wait(int timeoutMs) {
     if (!state_) return true;
     std::unique_lock held(state_->lock);
-    return state_->changed.wait_for(held, std::chrono::milliseconds(timeoutMs),
-                                    [this] { return state_->wanted == 0 && !state_->isAtWork; });
+    return ZvnClock::Get().Wait(state_->changed, held, ZvnClock::Duration(timeoutMs),
+                                [this] { return state_->wanted == 0 && !state_->isAtWork; });
 }
 
 int ZvnTransfer::GetExposureMs() const { return state_ ? state_->source->GetExposureMs() : 0; }

@@ -27,6 +27,7 @@
 #include "app/toolkit/RibbonPanel.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "tests/app/studio.h"
+#include "tests/support/own_clock.h"
 
 namespace {
 
@@ -50,6 +51,12 @@ public:
 private:
     QTimer timer_;
     int rounds_ = 0;
+};
+
+/// A clock of which each look takes ten milliseconds, and nothing else any time.
+struct SlowClock : OwnClock {
+    Time Now() override { return Time() + (passed += step); }
+    Duration step{10}, passed{0};
 };
 
 class AcquisitionDialog : public Studio {
@@ -132,18 +139,21 @@ TEST_F(AcquisitionDialog, CancelChangesNothing) {
 
 TEST_F(AcquisitionDialog, AFrameThatDoesNotComeCanBeAborted) {
     Connect("[Grabber]\nkind = frame grabber\nwidth = 8\nheight = 4\nformat = RGB 32\nfaults = no frame\n");
-    QElapsedTimer clock;
-    clock.start();
+    SlowClock clock;
     {
-        WhenDialogOpens user("Acquisition", [](QWidget& dialog) { dialog.findChild<QPushButton*>()->click(); });
+        WhenDialogOpens user("Acquisition", [&](QWidget& dialog) {
+            clock.step = ZvnClock::Duration(0);  // only the button ends it
+            dialog.findChild<QPushButton*>()->click();
+        });
         Run(ID_BTN_ACQ_SNAP);
         EXPECT_TRUE(user.seen);
-        EXPECT_LT(clock.elapsed(), 900);
+        EXPECT_LT(clock.passed, ZvnClock::Duration(1000));
     }
-    clock.restart();
+    clock.step = ZvnClock::Duration(10);
+    clock.passed = ZvnClock::Duration(0);
     Run(ID_BTN_ACQ_SNAP);  // nobody aborts: a second is all
-    EXPECT_GE(clock.elapsed(), 1000);
-    EXPECT_LT(clock.elapsed(), 2500);
+    EXPECT_GE(clock.passed, ZvnClock::Duration(1000));
+    EXPECT_LT(clock.passed, ZvnClock::Duration(1050));
     EXPECT_EQ(Log().size(), 1u) << "a time-out is no failure";
     EXPECT_FALSE(frame->GetState().rawHasImage);
 }

@@ -49,7 +49,7 @@ void expectWords(Function function) {
 TEST(ForegroundWords, BytesAndWordsOfEveryLengthAtOddAddresses) {
     expectWords<std::uint8_t>(ForegroundWords8Plain);
     expectWords<std::uint16_t>(ForegroundWords16Plain);
-    if (!HasAvx2()) GTEST_SKIP();
+    if (!HasAvx2()) GTEST_SKIP() << "this machine has no wide form";
     expectWords<std::uint8_t>(ForegroundWords8Wide);
     expectWords<std::uint16_t>(ForegroundWords16Wide);
 }
