@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+namespace tonewright {
+
 using namespace tonewright;
 
 namespace {
@@ -13,7 +15,7 @@ constexpr std::chrono::milliseconds kFrameTime{1000};
 void FrameGrabber::FrameBox::Receive(void* context, int bufferIndex) {
     auto& self = *static_cast<FrameBox*>(context);
     const std::scoped_lock held(self.lock_);
-    self.frames_.push_back(*self.session->GetImage(bufferIndex));  // empty where the memory is short
+    self.frames_.push_back(*self.session_->GetImage(bufferIndex));  // empty where the memory is short
     self.arrived_.notify_all();
 }
 
@@ -29,7 +31,7 @@ CTivImage FrameGrabber::FrameBox::Take(const std::string& device) {
 }
 
 FrameGrabber::FrameGrabber(const DeviceChoice& choice) : session_(FrameBox::Receive, &box_, nullptr) {
-    box_.session = &session_;
+    box_.session_ = &session_;
     device_ = ConnectSession(session_, choice);
 }
 
@@ -37,3 +39,5 @@ CTivImage FrameGrabber::Grab() {
     Require([&] { return session_.Snap(); }, device_, "cannot grab");
     return box_.Take(device_);
 }
+
+}  // namespace tonewright

@@ -8,6 +8,8 @@
 #include "acquisition/devices.h"
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 /// A device that frames come from.
 class FrameGrabber {
 public:
@@ -24,7 +26,7 @@ private:
     /// Frames on their way from the session's thread to the main one.
     class FrameBox {
     public:
-        CTonewrightAcq* session = nullptr;
+        CTonewrightAcq* session_ = nullptr;
 
         static void Receive(void* context, int bufferIndex);
         CTivImage Take(const std::string& device);
@@ -39,3 +41,5 @@ private:
     CTonewrightAcq session_;
     std::string device_;
 };
+
+}  // namespace tonewright

@@ -7,6 +7,8 @@
 #include "acquisition/zvn/CAcqConfigDlg.h"
 #include "acquisition/zvn/ZvnManager.h"
 
+namespace tonewright {
+
 using namespace tonewright;
 
 const char* GetDeviceWord(int deviceKind) {
@@ -65,3 +67,5 @@ std::vector<std::string> BackendWords::Take() {
     const std::scoped_lock held(lock_);
     return std::exchange(errors_, {});
 }
+
+}  // namespace tonewright

@@ -8,6 +8,8 @@
 #include "acquisition/CTonewrightAcq.h"
 #include "foundation/library_texts.h"
 
+namespace tonewright {
+
 // Devices for programs without a dialog, which work with exceptions (foundation/library_texts.h).
 
 /// Which device, and how it is opened.
@@ -58,3 +60,5 @@ private:
     std::mutex lock_;
     std::vector<std::string> errors_;
 };
+
+}  // namespace tonewright

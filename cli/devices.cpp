@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+using namespace tonewright;
+
 void AddDeviceOptions(CLI::App& command, DeviceChoice& choice, bool withConfig) {
     command.add_option("--device", choice.device, "The device's name, as devices lists it (default: the first)")
         ->type_name("NAME");

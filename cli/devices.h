@@ -7,4 +7,4 @@ class App;
 }
 
 /// Adds --device, and --config where it is asked for.
-void AddDeviceOptions(CLI::App& command, DeviceChoice& choice, bool withConfig);
+void AddDeviceOptions(CLI::App& command, tonewright::DeviceChoice& choice, bool withConfig);
