@@ -22,7 +22,8 @@ struct ChartLayout {
     ChartPoint PlaceInUnit(std::size_t index) const {
         const auto i = static_cast<int>(index);
         const double side = std::max(columns, rows);
-        return {(i % columns - (columns - 1) / 2.0) / side, (i / columns - (rows - 1) / 2.0) / side};
+        const int column = i % columns, row = i / columns;
+        return {(column - (columns - 1) / 2.0) / side, (row - (rows - 1) / 2.0) / side};
     }
     std::size_t Count() const { return static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows); }
 };

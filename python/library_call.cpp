@@ -28,7 +28,7 @@ void raiseNotFound(const ChartNotFound& failure) {
     PyErr_SetObject(notFoundType.ptr(), error.ptr());
 }
 
-void translate(std::exception_ptr exception) {
+void translate(std::exception_ptr exception) {  // NOLINT(performance-unnecessary-value-param): as it is called
     try {
         if (exception) std::rethrow_exception(exception);
     } catch (const ChartNotFound& failure) {

@@ -67,7 +67,7 @@ void fit(ChartCalibration& calibration, const ChartReading& reading, const std::
     }
     if (settings.method == FitMethod::Perceptual) {
         if (auto better = FitCalibration(engine, settings.method, engine.GetXformSize())) {
-            calibration.transform = std::move(*better);
+            calibration.transform = *better;
         }
     }
     judge();

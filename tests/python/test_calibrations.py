@@ -4,7 +4,7 @@ import re
 
 import numpy
 import pytest
-from conftest import SAMPLE, chart_picture, native_pixels, tool
+from conftest import ROOT, SAMPLE, chart_picture, native_pixels, tool
 
 import tonewright
 
@@ -202,3 +202,15 @@ def test_differences_are_those_of_the_published_pairs():
     assert table.shape == (5, 5)
     numpy.testing.assert_allclose(numpy.diag(table), expected, atol=5e-5)
     assert numpy.isnan(tonewright.delta_e_2000([numpy.nan, 0, 0], [1, 2, 3]))
+
+
+@pytest.mark.parametrize("document", ["README.md", "docs/python.md"])
+def test_the_documents_lines_run_as_they_stand(tmp_path, monkeypatch, document):
+    monkeypatch.chdir(tmp_path)
+    for name in ("chart.bmp", "frame.bmp"):
+        (tmp_path / name).write_bytes(SAMPLE.read_bytes())
+    program = re.search(r"```python\n(.*?)```", (ROOT / document).read_text(), re.DOTALL).group(1)
+    assert len(program.splitlines()) <= 12
+    exec(program, {})
+    assert tonewright.load_coefficients("camera.ccor").terms == 4
+    assert tonewright.load_image("corrected.bmp").shape == tonewright.load_image("frame.bmp").shape

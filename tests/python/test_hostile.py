@@ -113,6 +113,18 @@ def test_a_place_for_the_result_must_fit(calibration, sample):
             calibration.apply(sample, out=out)
 
 
+def test_memory_that_nobody_may_write_to_is_only_read(tmp_path, calibration, sample):
+    (tmp_path / "pixels").write_bytes(sample.base.tobytes())
+    mapped = numpy.memmap(tmp_path / "pixels", "u1", "r", shape=sample.base.shape)[..., 2::-1]
+    for find in (tonewright.detect, tonewright.find_chart):
+        assert find(mapped).colors.tolist() == find(sample).colors.tolist()
+    assert tonewright.calibrate(mapped, illuminant="D65").transform.tolist() == calibration.transform.tolist()
+    numpy.testing.assert_array_equal(calibration.apply(mapped), calibration.apply(sample))
+    tonewright.save_image(tmp_path / "x.tif", mapped)
+    with pytest.raises(ValueError, match="read-only"):
+        calibration.apply(mapped, out=mapped)
+
+
 def test_files_are_written_whole_or_not_at_all(tmp_path, calibration, sample):
     for save in (
         lambda path: calibration.save_parameters(path / "x.twkp"),
