@@ -66,7 +66,7 @@ void fit(ChartCalibration& calibration, const ChartReading& reading, const std::
         calibration.transform = *engine.GetTransform();
     }
     if (settings.method == FitMethod::Perceptual) {
-        if (auto better = FitCalibration(engine, settings.method, engine.GetXformSize())) {
+        if (const auto better = FitCalibration(engine, settings.method, engine.GetXformSize())) {
             calibration.transform = *better;
         }
     }
