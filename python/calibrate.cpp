@@ -153,7 +153,8 @@ illuminant: the light on the chart, A (the default), D50, D55, D65, D75, E, F2, 
 XYZ of the patches under it, and white, the XYZ of the white reference.
 reference, reference_roi: another picture of the chart to fit to, instead of an illuminant.
 terms: 4, 7, 10, or "auto" for what does best on patches left out.
-fit: "least-squares", or "perceptual", which starts from it and minimises the mean CIEDE2000 of what is delivered.
+fit: "least-squares" (by singular value decomposition, adapted to D65 by the Bradford method), or "perceptual", which
+starts from it and minimises the mean CIEDE2000 of what is delivered (by the method of Levenberg and Marquardt).
 gamma: exponent of the corrected picture's values, above 0.
 saturation: from which raw value on a channel counts as saturated: "auto", "none" or (red, green, blue) in the
 picture's words.

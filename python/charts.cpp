@@ -191,9 +191,11 @@ void AddCharts(py::module_& module) {
     using namespace py::literals;
     addFinding(module);
     addChart(module);
-    module.def("detect", detect, "picture"_a, "roi"_a = py::none(), "chart"_a = py::none(), "layout"_a = py::none(),
-               "bits"_a = py::none(),
-               R"(Finds the patches of an upright chart by a straight grid, and measures them.
+    module.def(
+        "detect", detect, "picture"_a, "roi"_a = py::none(), "chart"_a = py::none(), "layout"_a = py::none(),
+        "bits"_a = py::none(),
+        R"(Finds the patches of an upright chart by a straight grid, and measures them. Bright regions at Otsu's level ("A
+threshold selection method from gray-level histograms", 1979) give the grid.
 
 picture: a file name, or an array as load_image gives it, of colors.
 roi: left, top, right, bottom in pixels, right and bottom exclusive; None is the picture less a fiftieth of its width
