@@ -401,8 +401,9 @@ QSize CImageViewerCtrl::WordsSize(const QPainter& painter, const QString& words)
 
 void CImageViewerCtrl::PaintWords(QPainter& painter, QPoint corner, const QString& words, const QColor& ground) {
     const QRect area(corner, WordsSize(painter, words));
+    constexpr int kMediumGray = 128;
     painter.fillRect(area, ground);
-    painter.setPen(Qt::white);
+    painter.setPen(qGray(ground.rgb()) > kMediumGray ? Qt::black : Qt::white);
     painter.drawText(area, Qt::AlignCenter, words);
 }
 
@@ -419,7 +420,7 @@ void CImageViewerCtrl::PaintCaption(QPainter& painter) const {
     const int room = ClientSize().width() - badge - 4 * kCornerMargin;
     const QString caption = painter.fontMetrics().elidedText(GetCaption(), Qt::ElideMiddle, room);
     if (room <= 0 || caption.isEmpty()) return;
-    PaintWords(painter, {kCornerMargin, kCornerMargin}, caption, m_selected ? theme::Now().accent : kCaptionGround);
+    PaintWords(painter, {kCornerMargin, kCornerMargin}, caption, m_selected ? theme::Now().chosen : kCaptionGround);
 }
 
 /// A sunken edge, which shines while the viewer is the selected one. Filled and not drawn with a pen, which leaves

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "app/toolkit/Theme.h"
 #include "app/view/CAutoROIImageViewer.h"
 #include "app/view/CDemoImageViewerComm.h"
 #include "app/view/CDockableImgPane.h"
@@ -185,6 +186,16 @@ TEST_F(ImageViewer, PressSelectsThisViewerAlone) {
     EXPECT_EQ(listener.deselections, 1);
     Mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
     EXPECT_EQ(listener.deselections, 1);
+}
+
+TEST_F(ImageViewer, TheCaptionOfTheSelectedViewerStandsOnTheColorOfItsEdge) {
+    viewer.setObjectName("Raw Image");
+    Show(mapOf(300, 200));
+    const ViewPoint corner{7, 7};  // of the caption's ground
+    EXPECT_NE(Shown(corner), theme::Now().chosen.rgb() & 0xFFFFFF);
+    viewer.SetSelected(1);
+    EXPECT_EQ(Shown(corner), theme::Now().chosen.rgb() & 0xFFFFFF);
+    EXPECT_EQ(Shown({-1, 50}), theme::Now().chosen.rgb() & 0xFFFFFF);
 }
 
 TEST_F(ImageViewer, DraggingScrollsALargeImageAndLeavesASmallOne) {
