@@ -36,6 +36,7 @@ COMMANDS = {  # where each stands, and the letters of its key tip
     "Find Chart": (*QUALITY, "fc"),
     "Calibration Quality": (*QUALITY, "cq"),
     "Compare": (*QUALITY, "co"),
+    "Verify": (*QUALITY, "ve"),
     "Save Report": (*QUALITY, "sr"),
     "Send Coefficients": (*CAMERA, "sf"),
     "Read Coefficients": (*CAMERA, "rf"),
@@ -94,6 +95,7 @@ def load_and_preview(studio):
     studio.key("ctrl+p")
     studio.wait("frame", "Calibrated Image")
     until(lambda: studio.is_enabled("Save Image"), "a preview to save")
+    studio.wait("frame", "Calibration Quality")  # shows itself with the first figures
     shoot(studio, "preview")
 
 
@@ -191,13 +193,23 @@ def by_hand(studio):
     studio.choose("Color Selection", 0)
 
 
+def save_report(studio, name, begin):
+    studio.command("Save Report")
+    studio.name_file("Save As", f"{out}/{name}")
+    studio.said(f"Report saved to {out}/{name}")
+    if begin not in content(f"{out}/{name}"):
+        raise Missing(f"{begin} in {name}")
+
+
 def quality(studio):
-    say("figures, before beside after, the chart found, a report")
+    say("figures, before beside after, reports, another picture, the chart found")
     studio.choose("Illuminant Type", 4)
     studio.key("ctrl+p")
     answer_yes(studio, "Calibrate Preview")  # the saved coefficients are given up
     studio.command("Calibration Quality")
-    until(lambda: studio.find("frame", "Calibration Quality"), "the pane of figures")
+    until(lambda: not studio.find("frame", "Calibration Quality"), "the pane of figures closed")
+    studio.command("Calibration Quality")
+    studio.wait("frame", "Calibration Quality")
     shoot(studio, "quality")
     studio.command("Compare")
     viewers = [t for t in studio.things() if t.get_name() == "Calibrated Image" and t.get_role_name() == "frame"]
@@ -205,11 +217,12 @@ def quality(studio):
     before = studio.looks(viewers[-1])
     studio.drag(viewers[-1], (0.5, 0.5), (0.3, 0.5))
     until(lambda: studio.looks(viewers[-1]) != before, "the divider slid")
-    studio.command("Save Report")
-    studio.name_file("Save As", f"{out}/report.html")
-    studio.said("Report saved to ")
-    if b"Calibration report" not in content(f"{out}/report.html"):
-        raise Missing("a report with its title")
+    save_report(studio, "report.html", b"Calibration report")
+    studio.command("Verify")
+    studio.name_file("Verify on Another Picture", chart)
+    studio.wait("push button", "Back to the Calibration")
+    shoot(studio, "verified")
+    save_report(studio, "verification.pdf", b"%PDF")
     studio.key("ctrl+1")  # the divider selected the calibrated viewer
     studio.command("Find Chart")
     studio.said("Find Chart: 24 patches found")
