@@ -2,13 +2,20 @@
 
 #include <QImage>
 #include <QSvgRenderer>
+#include <QTextOption>
 #include <utility>
 
 namespace {
 
 constexpr double kPointsPerInch = 72;
 constexpr double kFoot = 22;  // points kept free for the foot
-constexpr int kWrapped = Qt::TextWordWrap | Qt::TextWrapAnywhere;
+
+// Between words; a word that is wider than the line is broken.
+QTextOption wrapped(int alignment) {
+    QTextOption option{Qt::Alignment(alignment)};
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    return option;
+}
 
 }  // namespace
 
@@ -53,17 +60,16 @@ QFont ReportSheet::FontOf(const Style& style) const {
     return font;
 }
 
-double ReportSheet::HeightOf(const QString& text, const Style& style, double width) const {
-    const QFontMetricsF metrics(FontOf(style), &m_device);
-    const QRectF room(0, 0, width * m_scale, 1e6);
-    return metrics.boundingRect(room, kWrapped, text).height() / m_scale;
+double ReportSheet::HeightOf(const QString& text, const Style& style, double width) {
+    m_painter.setFont(FontOf(style));
+    return m_painter.boundingRect(QRectF(0, 0, width * m_scale, 1e6), text, wrapped(style.alignment)).height() /
+           m_scale;
 }
 
 double ReportSheet::Text(const QString& text, const Style& style, double x, double width, double down) {
     const double height = HeightOf(text, style, width);
-    m_painter.setFont(FontOf(style));
     m_painter.setPen(style.color);
-    m_painter.drawText(ToDevice({x, down, width, height + 1}), kWrapped | style.alignment, text);
+    m_painter.drawText(ToDevice({x, down, width, height + 1}), text, wrapped(style.alignment));
     return height;
 }
 
@@ -95,5 +101,6 @@ void ReportSheet::Polygon(const QPolygonF& points, const QColor& color, double t
 void ReportSheet::Image(const QRectF& place, const QImage& image) { m_painter.drawImage(ToDevice(place), image); }
 
 void ReportSheet::Plot(const QRectF& place, const std::string& svg) {
+    m_painter.setFont(FontOf({}));  // the plot's words take over what they don't say
     QSvgRenderer(QByteArray::fromStdString(svg)).render(&m_painter, ToDevice(place));
 }

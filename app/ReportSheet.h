@@ -33,7 +33,7 @@ public:
     bool Need(double height);
 
     /// The height that a text takes in lines of at most `width`.
-    double HeightOf(const QString& text, const Style& style, double width) const;
+    double HeightOf(const QString& text, const Style& style, double width);
     /// Draws a text in lines of at most `width`, at Y() + `down`. @return its height
     double Text(const QString& text, const Style& style, double x, double width, double down = 0);
     /// One line, cut with an ellipsis where it is wider.

@@ -32,13 +32,13 @@ constexpr int kTipWidth = 200;  // pixels, at most
 constexpr int kRecentFiles = 5;
 constexpr float kZoomStep = 0.1f;
 
-/// @param choice what is in force of a menu's choices; empty where there is none
+/// @param choice a line that says what is in force of a menu's choices; empty where there is none
 QString toolTipHtml(const CommandTip& tip, const QString& choice, const QFontMetrics& metrics) {
     if (tip.title.isEmpty()) return tip.description;
     const int width = qMin(kTipWidth, metrics.horizontalAdvance(tip.description) + 2);
     QString html = "<div style='white-space:nowrap'><b>" + tip.title.toHtmlEscaped() + "</b></div>";
     html += QString("<table width='%1'><tr><td>%2</td></tr>").arg(width).arg(tip.description.toHtmlEscaped());
-    if (!choice.isEmpty()) html += "<tr><td>Now: <b>" + choice.toHtmlEscaped() + "</b></td></tr>";
+    if (!choice.isEmpty()) html += "<tr><td>" + choice + "</td></tr>";
     return html + "</table>";
 }
 
@@ -57,8 +57,10 @@ QList<QKeySequence> keysOf(const CommandRow& row) {
     return keys;
 }
 
-void showChoice(QAction& button, const QString& choice, const QFontMetrics& metrics) {
+/// @param lead stands before the choice
+void showChoice(QAction& button, const char* lead, const QString& name, const QFontMetrics& metrics) {
     constexpr const char* kChoice = "choice";
+    const QString choice = name.isEmpty() ? QString() : lead + QString(" <b>%1</b>").arg(name.toHtmlEscaped());
     if (button.property(kChoice).toString() == choice) return;
     button.setProperty(kChoice, choice);
     button.setToolTip(toolTipHtml(SplitTip(FindCommand(button.data().toInt())->tip), choice, metrics));
@@ -149,8 +151,8 @@ void CMainFrame::UpdateCommands() {
 // A button with a menu of choices tells in its tip which one is in force, undo and redo what they bring back.
 void CMainFrame::ShowChoices() {
     const UndoSteps& undo = m_workflow->Get<UndoSteps>();
-    showChoice(*m_actions.at(ID_BTN_UNDO), undo.GetUndoName(), fontMetrics());
-    showChoice(*m_actions.at(ID_BTN_REDO), undo.GetRedoName(), fontMetrics());
+    showChoice(*m_actions.at(ID_BTN_UNDO), "Next:", undo.GetUndoName(), fontMetrics());
+    showChoice(*m_actions.at(ID_BTN_REDO), "Next:", undo.GetRedoName(), fontMetrics());
     for (const ribbon::Tab& tab : StudioRibbon().tabs) {
         for (const ribbon::Panel& panel : tab.panels) {
             for (const ribbon::Item& item : panel.items) {
@@ -160,7 +162,7 @@ void CMainFrame::ShowChoices() {
                     if (action && action->isChecked()) choice = action->text();
                 }
                 if (item.menuIds.empty()) continue;
-                showChoice(*m_actions.at(item.id), choice, fontMetrics());
+                showChoice(*m_actions.at(item.id), "Now:", choice, fontMetrics());
             }
         }
     }

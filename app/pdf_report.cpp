@@ -112,13 +112,14 @@ QImage toImage(const CTivImage& picture) {
 
 void picture(Sheet& sheet, const Report& report) {
     if (!report.picture) return;
-    constexpr int kMostPixels = 1600;  // of a side; more can't be seen on paper
+    constexpr double kMostHeight = 340;  // points: below title and findings on one page
+    constexpr int kMostPixels = 1600;    // of a side; more can't be seen on paper
     const QImage whole = toImage(*report.picture);
     if (whole.isNull()) return;
     const QImage shown =
         whole.scaled(whole.size().boundedTo({kMostPixels, kMostPixels}), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     QSizeF size = whole.size();
-    size.scale(sheet.Width(), 330, Qt::KeepAspectRatio);
+    size.scale(sheet.Width(), kMostHeight, Qt::KeepAspectRatio);
     heading(sheet, report_words::kPicture, size.height() + 20);
     sheet.Image({QPointF(), size}, shown);
     const double scale = size.width() / whole.width();
@@ -141,7 +142,11 @@ void swatches(Sheet& sheet, const Report& report) {
     const double gap = columns > 10 ? 3 : 6;
     const double width = (sheet.Width() + gap) / columns - gap;
     constexpr double kSwatch = 24, kWords = 24;
-    heading(sheet, report_words::kPatches, 30 + kSwatch + kWords);
+    constexpr double kMostTogether = 400;  // a chart as high as this is not parted
+    const auto rows = static_cast<double>((report.patches.size() + static_cast<std::size_t>(columns) - 1) /
+                                          static_cast<std::size_t>(columns));
+    const double whole = rows * (kSwatch + kWords + gap);
+    heading(sheet, report_words::kPatches, 30 + (whole < kMostTogether ? whole : kSwatch + kWords));
     paragraph(sheet, report_words::kSwatches, kNote);
     const double size = std::clamp(width / 9, 4.5, 7.5);
     for (std::size_t i = 0; i < report.patches.size(); ++i) {

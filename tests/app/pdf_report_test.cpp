@@ -141,8 +141,9 @@ TEST(PdfReport, NothingIsCutAndNothingOverlaps) {
             << columns << ": " << engine.drawn.right() << " " << engine.drawn.bottom();
         EXPECT_EQ(engine.images, 1);
         const QString text = allText(engine);
-        for (const char* words : {"Calibration report", "4.1", "10.8", "4.8", "Finding 11", "about it.", "Gamma",
-                                  "Patches left out", "7 (taken)"}) {
+        for (const char* words :
+             {"Calibration report", "4.1", "10.8", "4.8", "Finding 11",
+              "so that it has to be wrapped somewhere, and then", "Gamma", "Patches left out", "7 (taken)"}) {
             EXPECT_TRUE(text.contains(words)) << columns << " " << words;
         }
         EXPECT_TRUE(text.contains("1.00")) << "the first patch's row";
