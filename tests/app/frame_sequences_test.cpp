@@ -163,6 +163,29 @@ protected:
         }
         return "load coefficients";
     }
+    std::string Verify() {
+        Answer(AnyOf({"chart.bmp", "small.bmp", "half.bmp", "gray.zvk", "broken.bmp"}));
+        const bool mayRun = IsEnabled(ID_BTN_VERIFY);
+        const qsizetype before = Messages();
+        Run(ID_BTN_VERIFY);
+        if (mayRun && !prompts.path.isEmpty()) {
+            EXPECT_TRUE(Messages() > before || frame->GetWorkflow().Get<VerifySteps>().GetReport());
+        }
+        return "verify " + prompts.path.toStdString();
+    }
+    std::string TakeBack() {
+        Answer("");
+        const RawColorLists colors = frame->RawColorPane().Lists();
+        const float gamma = GetEngine().GetGamma();
+        if (!IsEnabled(ID_BTN_UNDO)) return "nothing to take back";
+        Run(ID_BTN_UNDO);
+        EXPECT_TRUE(IsEnabled(ID_BTN_REDO));
+        if (Below(2)) return "take back";
+        Run(ID_BTN_REDO);
+        EXPECT_EQ(GetEngine().GetGamma(), gamma);
+        EXPECT_TRUE(frame->RawColorPane().Lists() == colors);
+        return "take back and do again";
+    }
     std::string AnyCommand() {
         const auto table = CommandTable();
         const CommandRow& row = table[static_cast<std::size_t>(Below(static_cast<int>(table.size())))];
@@ -204,7 +227,8 @@ protected:
             &FrameSequences::Edit,       &FrameSequences::Preview,  &FrameSequences::Preview,
             &FrameSequences::Upload,     &FrameSequences::Keep,     &FrameSequences::AnyCommand,
             &FrameSequences::AnyCommand, &FrameSequences::Resize,   &FrameSequences::ChartSize,
-            &FrameSequences::Select,     &FrameSequences::LoadKept, &FrameSequences::Close};
+            &FrameSequences::Select,     &FrameSequences::LoadKept, &FrameSequences::Close,
+            &FrameSequences::Verify,     &FrameSequences::TakeBack, &FrameSequences::TakeBack};
         const std::string done = (this->*kDoings[Below(static_cast<int>(std::size(kDoings)))])();
         if (Below(2)) QCoreApplication::processEvents();
         return done;
