@@ -157,7 +157,8 @@ void RequireOwnPlaces(const PictureList& list,
 
 void RequireNoSingleFile(const std::vector<std::pair<std::string, std::string>>& options, const std::string& instead) {
     for (const auto& [name, value] : options) {
-        if (!value.empty()) throw UsageFailure(name + " is a file of one picture; with many pictures " + instead);
+        if (value.empty()) continue;
+        throw UsageFailure(std::string(name).append(" is a file of one picture; with many pictures ").append(instead));
     }
 }
 
