@@ -90,7 +90,10 @@ private:
         const auto failure = WhyFailed([&] { result.outcome.outputs->Commit([&] { return PrintLine(result); }); });
         if (failure && !isBroken_) {
             const std::string text = named(failure->text, pictures_[next_]);
-            result = {{{}, failure->status}, text, result.words + "tonewright: " + text + "\n"};
+            result.outcome.document = {};
+            result.outcome.status = failure->status;
+            result.error = text;
+            result.words += "tonewright: " + text + "\n";
             PrintLine(result);
         }
         status_ = worseOf(status_, result.outcome.status);
@@ -170,7 +173,10 @@ Outcome WorkOnEach(const PictureList& list, const std::function<Outcome(const st
         if (!teller.IsBroken()) teller.Take(i, workOn(list.pictures[i], work));
     });
     for (std::size_t i = begun; i < list.pictures.size(); ++i) {
-        teller.Take(i, {{{}, kWorkFailed}, list.pictures[i] + ": not begun, since the call ended", {}});
+        Result missed;
+        missed.outcome.status = kWorkFailed;
+        missed.error = list.pictures[i] + ": not begun, since the call ended";
+        teller.Take(i, std::move(missed));
     }
     if (teller.IsBroken()) throw WorkFailure("cannot write to standard output");
     return {{}, teller.GetStatus()};
