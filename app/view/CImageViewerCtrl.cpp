@@ -111,6 +111,7 @@ void CImageViewerCtrl::ResetView() {
     m_tracker.Cancel();
     m_tracker.SetRect({});
     ClearOverlays();
+    emit viewMoved();
 }
 
 void CImageViewerCtrl::ClearOverlays() {

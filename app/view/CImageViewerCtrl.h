@@ -80,7 +80,7 @@ public:
     QSize sizeHint() const override;
 
 signals:
-    void viewMoved();    ///< zoomed, fitted, dragged, or on another picture
+    void viewMoved();    ///< zoomed, fitted, dragged, reset, or on another picture
     void viewResized();  ///< the window has another size, and the view is still not fitted to it
 
 protected:

@@ -186,6 +186,18 @@ protected:
         EXPECT_TRUE(frame->RawColorPane().Lists() == colors);
         return "take back and do again";
     }
+    std::string Compare() {
+        const bool mayRun = IsEnabled(ID_BTN_COMPARE), was = frame->GetState().comparing;
+        Run(ID_BTN_COMPARE);
+        EXPECT_EQ(frame->GetState().comparing, mayRun ? !was : was);
+        CImageViewerCtrl& moved = Below(2) ? frame->RawViewer() : frame->CalibratedViewer();
+        if (Below(2) || !moved.Image().IsAllocated()) {
+            moved.SetZoom(0.05f * static_cast<float>(1 + Below(60)));
+        } else {
+            moved.FitToWindow();
+        }
+        return "compare";
+    }
     std::string AnyCommand() {
         const auto table = CommandTable();
         const CommandRow& row = table[static_cast<std::size_t>(Below(static_cast<int>(table.size())))];
@@ -228,7 +240,8 @@ protected:
             &FrameSequences::Upload,     &FrameSequences::Keep,     &FrameSequences::AnyCommand,
             &FrameSequences::AnyCommand, &FrameSequences::Resize,   &FrameSequences::ChartSize,
             &FrameSequences::Select,     &FrameSequences::LoadKept, &FrameSequences::Close,
-            &FrameSequences::Verify,     &FrameSequences::TakeBack, &FrameSequences::TakeBack};
+            &FrameSequences::Verify,     &FrameSequences::TakeBack, &FrameSequences::TakeBack,
+            &FrameSequences::Compare,    &FrameSequences::Compare};
         const std::string done = (this->*kDoings[Below(static_cast<int>(std::size(kDoings)))])();
         if (Below(2)) QCoreApplication::processEvents();
         return done;
@@ -238,6 +251,9 @@ protected:
         const StudioState state = frame->GetState();
         EXPECT_EQ(state.rawSelected + state.refSelected + state.calibSelected, 1);
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        if (state.comparing) {
+            EXPECT_EQ(frame->RawViewer().GetZoom(), frame->CalibratedViewer().GetZoom());
+        }
     }
 
 private:
