@@ -7,7 +7,6 @@
 #include "foundation/symmetric_solve.h"
 
 namespace tonewright {
-
 namespace {
 
 constexpr double kEdgeSpan = 0.8;            // of a side: the part of an edge that is looked at
