@@ -143,9 +143,9 @@ void swatches(Sheet& sheet, const Report& report) {
     const double width = (sheet.Width() + gap) / columns - gap;
     constexpr double kSwatch = 24, kWords = 24;
     constexpr double kMostTogether = 400;  // a chart as high as this is not parted
-    const auto rows = static_cast<double>((report.patches.size() + static_cast<std::size_t>(columns) - 1) /
-                                          static_cast<std::size_t>(columns));
-    const double whole = rows * (kSwatch + kWords + gap);
+    const auto perRow = static_cast<std::size_t>(columns);
+    const std::size_t rows = (report.patches.size() + perRow - 1) / perRow;
+    const double whole = static_cast<double>(rows) * (kSwatch + kWords + gap);
     heading(sheet, report_words::kPatches, 30 + (whole < kMostTogether ? whole : kSwatch + kWords));
     paragraph(sheet, report_words::kSwatches, kNote);
     const double size = std::clamp(width / 9, 4.5, 7.5);
