@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QKeyEvent>
 #include <QLabel>
+#include <algorithm>
 
 #include "app/toolkit/RibbonBar.h"
 #include "app/toolkit/RibbonButton.h"
@@ -96,19 +97,18 @@ bool KeyTips::HandleKey(int key, const QString& text) {
     return true;
 }
 
+// Tips follow a tab and a panel that drops down; a control in such a panel takes the keys from then on.
 void KeyTips::Choose(const RibbonBody::Target& target) {
     const std::function<void()> activate = target.activate;
-    const bool wasTop = m_onTop;
-    const bool isTab = wasTop && !target.widget;
+    const bool isTab = m_onTop && !target.widget;
+    const auto isDroppedDown = [this] {
+        return std::ranges::any_of(m_bar.CurrentPage().Panels(),
+                                   [](const RibbonPanel* panel) { return panel->IsDroppedDown(); });
+    };
+    const bool wasDroppedDown = isDroppedDown();
     End();
     activate();
-    if (isTab) {
-        ShowPage();
-        return;
-    }
-    for (RibbonPanel* panel : m_bar.CurrentPage().Panels()) {
-        if (panel->IsDroppedDown()) ShowPage();
-    }
+    if (isTab || (!wasDroppedDown && isDroppedDown())) ShowPage();
 }
 
 void KeyTips::ShowTop() {

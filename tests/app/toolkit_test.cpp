@@ -317,4 +317,19 @@ TEST_F(Ribbon, LettersAfterAltReachTabsAndControls) {
     EXPECT_EQ(runs[kPush], 1) << "no tips, no command";
 }
 
+// The edit in a panel that dropped down takes what is typed next; no tip is left that would.
+TEST_F(Ribbon, LettersReachAnEditInAPanelThatDropsDown) {
+    SetWidth(60);
+    QTest::keyClick(&window, Qt::Key_Alt);
+    QTest::keyClick(&window, Qt::Key_A);
+    QTest::keyClick(&window, Qt::Key_Z);
+    ASSERT_TRUE(Panel().IsDroppedDown());
+    EXPECT_EQ(TipsOnShow(), 3);
+    QTest::keyClick(&window, Qt::Key_E);
+    EXPECT_EQ(TipsOnShow(), 0);
+    EXPECT_TRUE(Panel().IsDroppedDown());
+    QTest::keyClick(window.findChild<RibbonEdit*>(), Qt::Key_7);
+    EXPECT_EQ(bar->EditText(kEdit), "7");
+}
+
 }  // namespace

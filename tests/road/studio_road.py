@@ -104,15 +104,15 @@ def gamma(studio):
     preview = studio.wait("frame", "Calibrated Image")
     before = studio.looks(preview)
     studio.command("Gamma Adjustment")
-    studio.key("Tab", *["Right"] * 10)
-    slider = studio.find("slider", "Gamma Adjustment", hidden=True)
+    studio.key("Tab", *["Right"] * 10, "Escape")  # which closes the panel that dropped down in a narrow window
+    slider = until(lambda: studio.find("slider", "Gamma Adjustment", hidden=True), "the gamma slider")
     until(lambda: Atspi.Value.get_current_value(slider) == 55, "gamma 55")
     until(lambda: studio.looks(preview) != before, "another preview")
     shoot(studio, "gamma")
     studio.command("Gamma Adjustment")
     studio.key("ctrl+a")
     studio.type("45")
-    studio.key("Return")
+    studio.key("Return", "Escape")
     until(lambda: Atspi.Value.get_current_value(slider) == 45, "gamma 45")
 
 
