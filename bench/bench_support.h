@@ -19,6 +19,9 @@ struct BenchSize {
 };
 inline constexpr BenchSize kBenchSizes[] = {{"1080p", 1920, 1080}, {"4096x3000", 4096, 3000}};
 
+/// The pixels for a matrix of the peer, which takes what it only reads as mutable, too.
+inline void* PeerPixels(const CTivImage& image) { return const_cast<void*>(image.GetData()); }
+
 /// An image of noise around slow gradients, so that neighbours are alike as in a photograph and no two runs differ.
 /// Floats run from 0 to 1. Its memory has been touched.
 inline CTivImage MakeBenchImage(CTivData::Format format, const BenchSize& size) {

@@ -80,7 +80,7 @@ void runSort(benchmark::State& state) {
 #ifdef TONEWRIGHT_HAS_OPENCV
 void runPeer(benchmark::State& state, const Picture& picture, int threads, const BenchSize& size) {
     const CTivImage image = draw(picture, size);
-    const cv::Mat gray(size.height, size.width, CV_8UC1, image.GetData());
+    const cv::Mat gray(size.height, size.width, CV_8UC1, PeerPixels(image));
     cv::Mat binary, labels, boxes, centres;
     cv::setNumThreads(threads);
     for ([[maybe_unused]] auto _ : state) {

@@ -40,7 +40,7 @@ void runUnpack(benchmark::State& state, const char* name, int bits, int delivere
 void runPeer(benchmark::State& state, int code, const BenchSize& size) {
     cv::setNumThreads(1);
     const CTivImage sent = noise(8, size);
-    const cv::Mat source(size.height, size.width, CV_8UC1, sent.GetRecord()->Row(0));
+    const cv::Mat source(size.height, size.width, CV_8UC1, PeerPixels(sent));
     cv::Mat destination;
     for ([[maybe_unused]] auto _ : state) {
         cv::demosaicing(source, destination, code);

@@ -61,7 +61,7 @@ void runMeasure(benchmark::State& state, const BenchSize& size) {
 #ifdef TONEWRIGHT_HAS_OPENCV
 void runPeerDetect(benchmark::State& state, int threads, const BenchSize& size) {
     const CTivImage image = makeChart(CTivData::FormatRgb, size);
-    const cv::Mat picture(size.height, size.width, CV_8UC4, image.GetData());
+    const cv::Mat picture(size.height, size.width, CV_8UC4, PeerPixels(image));
     cv::setNumThreads(threads);
     for ([[maybe_unused]] auto _ : state) {
         cv::Mat gray, binary, labels, boxes, centres;

@@ -78,7 +78,9 @@ void RunSetGamma(benchmark::State& state) {
 
 #ifdef TONEWRIGHT_HAS_OPENCV
 
-cv::Mat Wrap(const CTivImage& image, int type) { return {image.GetHeight(), image.GetWidth(), type, image.GetData()}; }
+cv::Mat Wrap(const CTivImage& image, int type) {
+    return {image.GetHeight(), image.GetWidth(), type, PeerPixels(image)};
+}
 
 cv::Mat Table() {
     cv::Mat table(1, 256, CV_8U);

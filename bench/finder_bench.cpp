@@ -66,7 +66,7 @@ void runFind(benchmark::State& state, const BenchSize& size) {
 void runPeerFind(benchmark::State& state, const BenchSize& size) {
     const CTivImage image = makeTurnedChart(size);
     cv::Mat picture;
-    cv::cvtColor(cv::Mat(size.height, size.width, CV_8UC4, image.GetData()), picture, cv::COLOR_BGRA2BGR);
+    cv::cvtColor(cv::Mat(size.height, size.width, CV_8UC4, PeerPixels(image)), picture, cv::COLOR_BGRA2BGR);
     cv::setNumThreads(1);
     const auto detector = cv::mcc::CCheckerDetector::create();
     for ([[maybe_unused]] auto _ : state) {

@@ -80,7 +80,7 @@ void runMapRange(benchmark::State& state, const BenchSize& size) {
 
 #ifdef TONEWRIGHT_HAS_OPENCV
 cv::Mat peerImage(const CTivImage& image, int type) {
-    return cv::Mat(image.GetHeight(), image.GetWidth(), type, image.GetData());
+    return cv::Mat(image.GetHeight(), image.GetWidth(), type, PeerPixels(image));
 }
 
 void runPeerStats(benchmark::State& state, D::Format format, int type, const BenchSize& size) {

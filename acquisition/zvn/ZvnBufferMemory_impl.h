@@ -39,7 +39,7 @@ public:
     }
 
     /// @return the next empty buffer in turn, nothing when stopped first
-    std::optional<int> WaitForEmpty(std::stop_token stop) {
+    std::optional<int> WaitForEmpty(const std::stop_token& stop) {
         std::unique_lock lock(lock_);
         std::optional<int> found;
         emptied_.wait(lock, stop, [&] { return (found = FindEmpty()).has_value(); });

@@ -39,7 +39,7 @@ struct ZvnTransfer::State {
         if (callback && !isSilent) callback(&info);
     }
 
-    void TransferOne(std::stop_token token) {
+    void TransferOne(const std::stop_token& token) {
         const auto index = buffers->WaitForEmpty(token);
         if (!index) return;
         const ZvnGrab grabbed = source->Grab(buffers->Pixels(*index), token);
