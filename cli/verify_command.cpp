@@ -114,7 +114,7 @@ std::string describeVerdict(const VerifyOptions& options) {
 
 std::shared_ptr<OutputSet> writeReport(const VerifyOptions& options, const Subject& subject,
                                        const ChartReading& reading, const Verification& verification, bool isPassed) {
-    const auto outputs = std::make_shared<OutputSet>();
+    auto outputs = std::make_shared<OutputSet>();
     Report report = ReportOn(verification, reading, options.chart.image);
     report.verdict = describeVerdict(options);
     report.hasPassed = isPassed;

@@ -54,7 +54,9 @@ std::string findings(const Report& report) {
         const std::string severity = GetSeverityName(finding.severity);
         std::string word = severity;
         word[0] = static_cast<char>(word[0] - 'a' + 'A');
-        page += "<li class=\"" + severity + "\"><strong>" + word + "</strong>: " + Escaped(finding.text) + "</li>\n";
+        page += "<li class=\"";
+        page += severity + "\"><strong>";
+        page += word + "</strong>: " + Escaped(finding.text) + "</li>\n";
     }
     return page + "</ul>\n";
 }

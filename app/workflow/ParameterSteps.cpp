@@ -36,7 +36,7 @@ int numberIn(const QString& text) {
 
 // A file may carry any gamma.
 int truncated(float value) {
-    constexpr auto kMost = static_cast<float>(std::numeric_limits<int>::max() / 2);
+    constexpr auto kMost = static_cast<float>(std::numeric_limits<int>::max()) / 2;
     return std::abs(value) < kMost ? static_cast<int>(value) : 0;
 }
 
