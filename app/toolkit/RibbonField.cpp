@@ -47,6 +47,7 @@ void RibbonEdit::keyPressEvent(QKeyEvent* event) {
         Commit();
         selectAll();
     } else if (event->key() == Qt::Key_Escape) {
+        event->setAccepted(text() != m_shown);  // with nothing to drop it closes the panel that dropped down
         DropPending();
         selectAll();
     } else {

@@ -328,8 +328,14 @@ TEST_F(Ribbon, LettersReachAnEditInAPanelThatDropsDown) {
     QTest::keyClick(&window, Qt::Key_E);
     EXPECT_EQ(TipsOnShow(), 0);
     EXPECT_TRUE(Panel().IsDroppedDown());
-    QTest::keyClick(window.findChild<RibbonEdit*>(), Qt::Key_7);
+    auto* const edit = window.findChild<RibbonEdit*>();
+    QTest::keyClick(edit, Qt::Key_7);
     EXPECT_EQ(bar->EditText(kEdit), "7");
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_EQ(bar->EditText(kEdit), "");
+    EXPECT_TRUE(Panel().IsDroppedDown()) << "what was typed goes first";
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_FALSE(Panel().IsDroppedDown());
 }
 
 }  // namespace
