@@ -11,7 +11,7 @@ using namespace tonewright;
 namespace {
 
 constexpr std::int64_t kRgbBytes = 4;
-constexpr std::int64_t kStripPixels = 4096;  // source and destination of a strip stay in the first cache
+constexpr std::int64_t kStripPixels = 16384;  // source and destination of a strip stay in the second cache
 
 bool Overlap(const NurImage& one, const NurImage& other) {
     const auto begin = [](const NurImage& image) { return static_cast<const std::uint8_t*>(image.data); };

@@ -19,7 +19,8 @@ namespace tonewright {
 
 namespace {
 
-constexpr std::int64_t kStripPixels = 65536;  // the files' blocks are worth a call, and all is near in the cache
+constexpr std::int64_t kBlockPixels = 65536;  // worth a call to read and to write
+constexpr std::int64_t kStripPixels = 4096;   // both images of a strip stay in the first cache
 constexpr int kColorBits = 24;
 
 /// A file that is open while this lives; reads and writes are whole or fail.
@@ -79,43 +80,58 @@ bool isTaken(const BmpHead& head, std::int64_t fileBytes) {
     return isPlain && hasOffset && (fileBytes - head.pixelOffset) / bmpRowBytes(head.width, kColorBits) >= head.height;
 }
 
-/// The strip that both files' rows pass through.
-class Strip {
+/// The block that both files' rows pass through, a strip at a time.
+class Block {
 public:
-    explicit Strip(const BmpHead& head)
+    explicit Block(const BmpHead& head)
         : width_(head.width),
           rowBytes_(static_cast<std::size_t>(bmpRowBytes(head.width, kColorBits))),
-          rows_(static_cast<std::int32_t>(std::clamp<std::int64_t>(kStripPixels / head.width, 1, head.height))) {}
+          rows_(RowsOf(kBlockPixels, head)),
+          stripRows_(RowsOf(kStripPixels, head)) {}
 
     std::int32_t GetRows() const { return rows_; }
 
     bool Allocate() {
         read_.resize(rowBytes_ * static_cast<std::size_t>(rows_));
         written_.resize(read_.size());
-        return strip_.Set(width_, rows_, CTivData::FormatRgb, nullptr, false) &&
-               changed_.Set(width_, rows_, CTivData::FormatRgb, nullptr, false);
+        return strip_.Set(width_, stripRows_, CTivData::FormatRgb, nullptr, false) &&
+               changed_.Set(width_, stripRows_, CTivData::FormatRgb, nullptr, false);
     }
 
     template <class Change>
     bool Pass(OpenFile& source, OpenFile& target, std::int32_t rows, const Change& change) {
         const std::size_t bytes = rowBytes_ * static_cast<std::size_t>(rows);
-        const auto count = static_cast<std::size_t>(width_);
         if (!source.Read(read_.data(), bytes)) return false;
-        if (!strip_.SetRoi({0, 0, width_, rows}) || !changed_.SetRoi({0, 0, width_, rows})) return false;
-        for (std::int32_t y = 0; y < rows; ++y) {
-            SpreadBgr(read_.data() + rowBytes_ * static_cast<std::size_t>(y), strip_.GetRecord()->RoiRow(y), count);
-        }
-        if (!change(strip_, changed_)) return false;
-        for (std::int32_t y = 0; y < rows; ++y) {
-            PackBgr(changed_.GetRecord()->RoiRow(y), written_.data() + rowBytes_ * static_cast<std::size_t>(y), count);
+        for (std::int32_t y = 0; y < rows; y += stripRows_) {
+            if (!PassStrip(y, std::min(stripRows_, rows - y), change)) return false;
         }
         return target.Write(written_.data(), bytes);
     }
 
 private:
+    static std::int32_t RowsOf(std::int64_t pixels, const BmpHead& head) {
+        return static_cast<std::int32_t>(std::clamp<std::int64_t>(pixels / head.width, 1, head.height));
+    }
+
+    template <class Change>
+    bool PassStrip(std::int32_t top, std::int32_t rows, const Change& change) {
+        if (!strip_.SetRoi({0, 0, width_, rows}) || !changed_.SetRoi({0, 0, width_, rows})) return false;
+        const auto count = static_cast<std::size_t>(width_);
+        const auto place = [&](std::int32_t y) { return rowBytes_ * static_cast<std::size_t>(top + y); };
+        for (std::int32_t y = 0; y < rows; ++y) {
+            SpreadBgr(read_.data() + place(y), strip_.GetRecord()->RoiRow(y), count);
+        }
+        if (!change(strip_, changed_)) return false;
+        for (std::int32_t y = 0; y < rows; ++y) {
+            PackBgr(changed_.GetRecord()->RoiRow(y), written_.data() + place(y), count);
+        }
+        return true;
+    }
+
     std::int32_t width_;
     std::size_t rowBytes_;
     std::int32_t rows_;
+    std::int32_t stripRows_;
     std::vector<std::uint8_t> read_;
     std::vector<std::uint8_t> written_;  // what pads its rows stays 0
     CTivImage strip_;
@@ -129,15 +145,15 @@ bool RewriteBitmap(const std::string& from, const std::string& to,
     OpenFile source(from, O_RDONLY);
     BmpHead head{};
     if (!source.IsOpen() || !source.Read(&head, sizeof head) || !isTaken(head, source.GetLength())) return false;
-    Strip strip(head);
+    Block block(head);
     // Written in place it could be the very file that is read.
     StagedFile staged(to);
-    if (!staged.IsBeside() || !source.Seek(head.pixelOffset) || !strip.Allocate()) return false;
+    if (!staged.IsBeside() || !source.Seek(head.pixelOffset) || !block.Allocate()) return false;
     OpenFile target(staged.GetName(), O_WRONLY | O_NOFOLLOW);
     const BmpHead written = bmpColorHead(head.width, head.height);
     if (!target.IsOpen() || !target.Write(&written, sizeof written)) return false;
-    for (std::int32_t left = head.height; left > 0; left -= std::min(left, strip.GetRows())) {
-        if (!strip.Pass(source, target, std::min(left, strip.GetRows()), change)) return false;
+    for (std::int32_t left = head.height; left > 0; left -= std::min(left, block.GetRows())) {
+        if (!block.Pass(source, target, std::min(left, block.GetRows()), change)) return false;
     }
     return target.Close() && !staged.Commit();
 }
