@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -142,6 +144,9 @@ private:
 
 bool RewriteBitmap(const std::string& from, const std::string& to,
                    const std::function<bool(const CTivImage& strip, CTivImage& changed)>& change) {
+    // A pipe is not even opened: whoever writes into it would meet a reader that leaves at once.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(from, error)) return false;
     OpenFile source(from, O_RDONLY);
     BmpHead head{};
     if (!source.IsOpen() || !source.Read(&head, sizeof head) || !isTaken(head, source.GetLength())) return false;

@@ -11,12 +11,11 @@ namespace tonewright {
 /// cache and a picture of any size takes the memory of a strip. What is written equals CTivImage's Load, the change of
 /// the whole image, and Save as ImageFileBmp.
 /// @param from, to  UTF-8; may be the same file
-/// @param change makes `changed` of `strip`, both in FormatRgb and of the same size and ROI: whole rows, in the order
-/// in
-///               which the file has them; what lies outside the ROI does not count. Answers false to give up
-/// @return false, nothing written, where this is no way to do it: the file is
-///         another kind of bitmap, or breaks off, or cannot be read; the place to write is no file, or cannot be
-///         replaced; or `change` gave up. Load and Save are the way then, and tell what is wrong
+/// @param change makes `changed` of `strip`, both in FormatRgb and of the same size and ROI: whole rows, in the file's
+///        order; what lies outside the ROI does not count. Answers false to give up
+/// @return false, nothing written, where this is no way to do it: the file is no file or another kind of bitmap, breaks
+///         off or cannot be read; the place to write is no file or cannot be replaced; `change` gave up. Load and Save
+///         are the way then, and tell what is wrong
 bool RewriteBitmap(const std::string& from, const std::string& to,
                    const std::function<bool(const CTivImage& strip, CTivImage& changed)>& change);
 

@@ -1,6 +1,8 @@
 #include "imagefile/bmp_strips.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "imagefile/CTivImageFileFormat.h"
 #include "tests/imagefile/file_support.h"
@@ -111,10 +113,19 @@ TEST(BmpStrips, LeaveToTheLongWayWhatTheyCannot) {
     EXPECT_EQ(filesInScratch(), files) << "nothing staged is left";
 }
 
-TEST(BmpStrips, WaitForNoPipe) {
+TEST(BmpStrips, TouchNoPipe) {
     const std::string pipe = scratchFile("strips-pipe.bmp");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_FALSE(RewriteBitmap(pipe, outPath(), invert));
     ASSERT_TRUE(countingImage(4, 3, CTivData::FormatRgb).Save(inPath(), ImageFileBmp));
     EXPECT_FALSE(RewriteBitmap(inPath(), pipe, invert));
+    // What waits in it for another reader stays there.
+    const std::string sent = readFile(inPath());
+    const int end = ::open(pipe.c_str(), O_RDWR | O_NONBLOCK);
+    ASSERT_EQ(::write(end, sent.data(), sent.size()), static_cast<ssize_t>(sent.size()));
+    EXPECT_FALSE(RewriteBitmap(pipe, outPath(), invert));
+    std::string received(sent.size() + 1, '\0');
+    const ssize_t count = ::read(end, received.data(), received.size());
+    ::close(end);
+    EXPECT_EQ(count, static_cast<ssize_t>(sent.size()));
 }
