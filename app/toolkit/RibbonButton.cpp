@@ -149,7 +149,11 @@ void RibbonButton::paintEvent(QPaintEvent*) {
         painter.setRenderHint(QPainter::Antialiasing, false);
     }
     painter.setPen(isEnabled() ? theme::Now().text : theme::Now().disabled);
-    m_large ? PaintLarge(painter) : PaintSmall(painter);
+    if (m_large) {
+        PaintLarge(painter);
+    } else {
+        PaintSmall(painter);
+    }
 }
 
 void RibbonButton::PaintPicture(QPainter& painter, const QRect& place) const {

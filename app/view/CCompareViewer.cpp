@@ -44,12 +44,22 @@ void CCompareViewer::TakeLead(bool leads) {
 
 void CCompareViewer::Align() {
     if (!m_before) return;
-    m_leads ? m_before->GoTo(GetPlace()) : GoTo(m_before->GetPlace());
+    if (m_leads) {
+        m_before->GoTo(GetPlace());
+    } else {
+        GoTo(m_before->GetPlace());
+    }
 }
 
-void CCompareViewer::ResetView() { m_before ? ClearOverlays() : CImageViewerCtrl::ResetView(); }
+void CCompareViewer::ResetView() {
+    if (m_before) return ClearOverlays();
+    CImageViewerCtrl::ResetView();
+}
 
-void CCompareViewer::FitIfLarger() { m_before ? Align() : CImageViewerCtrl::FitIfLarger(); }
+void CCompareViewer::FitIfLarger() {
+    if (m_before) return Align();
+    CImageViewerCtrl::FitIfLarger();
+}
 
 // Where a calibration failed there is no picture, and so no place to keep.
 void CCompareViewer::ShowNow() {
@@ -84,7 +94,8 @@ CTivData CCompareViewer::PixelUnder(ViewPoint client, ViewPoint pixel) const {
 
 void CCompareViewer::mousePressEvent(QMouseEvent* event) {
     m_isSliding = event->button() == Qt::LeftButton && IsOnDivider(ClientPoint(event->position()));
-    m_isSliding ? Select() : CImageViewerCtrl::mousePressEvent(event);
+    if (m_isSliding) return Select();
+    CImageViewerCtrl::mousePressEvent(event);
 }
 
 void CCompareViewer::mouseMoveEvent(QMouseEvent* event) {

@@ -5,6 +5,7 @@
 
 #include "app/workflow/WorkflowContext.h"
 #include "calibration/illuminants.h"
+#include "quality/chart_calibration.h"
 
 using namespace tonewright;
 
@@ -49,8 +50,7 @@ CalibrationInputs TakeInputs(const WorkflowContext& work) {
     if (engine.GetTransform()) now.transform = Checksum(*engine.GetTransform());
     now.gamma = engine.GetGamma();
     now.saturationMode = engine.GetSaturationMode();
-    constexpr int kManual = 1;
-    if (now.saturationMode == kManual) now.saturation = engine.GetSaturationRgb().AsRgb();
+    if (now.saturationMode == SaturationChoice::Manual) now.saturation = engine.GetSaturationRgb().AsRgb();
     now.manualColors = work.manualColors;
     const bool isRelative = now.mode == kRelative;
     if (now.manualColors) {

@@ -1,6 +1,7 @@
 #include "app/workflow/UndoSteps.h"
 
 #include "calibration/illuminants.h"
+#include "quality/chart_calibration.h"
 
 using namespace tonewright;
 
@@ -37,8 +38,8 @@ EditState UndoSteps::Take() const {
     EditState state;
     state.gamma = engine.GetGamma();
     state.saturationMode = engine.GetSaturationMode();
-    constexpr int kManual = 1;  // in the other modes the fit computes the value
-    if (state.saturationMode == kManual) state.saturation = engine.GetSaturationRgb().AsRgb();
+    // In the other modes the fit computes the value.
+    if (state.saturationMode == SaturationChoice::Manual) state.saturation = engine.GetSaturationRgb().AsRgb();
     state.saturationControls = m_parameters.GetSaturationControls();
     const bool hasSameColors = m_now && *m_now->colors == m_work.lists.Lists();
     state.colors = hasSameColors ? m_now->colors : std::make_shared<RawColorLists>(m_work.lists.Lists());
@@ -88,8 +89,7 @@ void UndoSteps::Bring(unsigned parts, const EditState& state) {
         isRerun = isRerun || m_now->saturation != state.saturation;
         m_work.engine.SetSaturationMode(state.saturationMode);
         m_parameters.ShowSaturation(state.saturationControls);
-        constexpr int kManual = 1;
-        if (state.saturationMode == kManual) m_work.engine.SetSaturationValue(state.saturation);
+        if (state.saturationMode == SaturationChoice::Manual) m_work.engine.SetSaturationValue(state.saturation);
     }
     if (parts & kColorsPart) m_work.lists.Restore(*state.colors);
     if (parts & kValuesPart) {
