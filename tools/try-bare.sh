@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Tries both commands of the README in a bare Debian 12: try-bare.sh [FOLDER]. Makes debootstrap's smallest tree in FOLDER
-# (default: a temporary one, removed afterwards), clones the last commit into it, and runs ./run and ./test there. Takes
-# root, the network of the machine's own package mirror, 6 GB and an hour. Not for CI.
+# Tries the commands of the README in a bare Debian 12: try-bare.sh [FOLDER]. Makes debootstrap's smallest tree in FOLDER
+# (default: a temporary one, removed afterwards), clones the last commit into it, runs ./run, ./test and ./package there,
+# and hands the packages to try-packages.sh. Takes root, the network of the machine's own package mirror, 8 GB and an
+# hour. Not for CI.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 [ "$(id -u)" -eq 0 ] || { echo "try-bare.sh: needs root, for debootstrap and chroot"; exit 2; }
@@ -30,10 +31,13 @@ inside() {
       bash -c "cd /root/tonewright && $2"' bash "$tree" "$1"
 }
 failed=0
-for command in ./run ./test; do
+for command in ./run ./test ./package; do
   start=$SECONDS
   if inside "$command" > "$tree/root/${command#./}.log" 2>&1; then verdict=passed; else verdict=FAILED failed=1; fi
   echo "$command: $verdict in $((SECONDS - start)) s"
   tail -6 "$tree/root/${command#./}.log"
 done
-exit $failed
+[ $failed -eq 0 ] || exit 1
+mkdir -p packages
+cp "$tree"/root/tonewright/packages/*.deb packages/
+tools/try-packages.sh

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the packages of packages/ into a fresh Debian 12 tree, calibrates the sample there, and takes them off again:
-# try-packages.sh [FOLDER for the tree, default a temporary one]. Needs root, debootstrap and Debian's mirror.
+# Installs the packages of packages/ into a fresh Debian 12 tree, calibrates the sample there, starts the Studio from its
+# desktop entry, and takes all off again: try-packages.sh [FOLDER for the tree, default a temporary one]. Needs root,
+# debootstrap, Debian's mirror, Xvfb, xdotool and ImageMagick; a picture of the Studio stays at packages/studio.png.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mirror=$(apt-get indextargets --format '$(SITE) $(CODENAME) $(REPO_URI)' | sed -n 's/.* bookworm //p' | head -1)
@@ -8,7 +9,7 @@ tree=${1:-$(mktemp -d)}
 [ -n "${1:-}" ] || trap 'rm -rf --one-file-system "$tree"' EXIT
 within() { chroot "$tree" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
 
-[ -e "$tree/bin/sh" ] || debootstrap --variant=minbase --include=man-db,bash-completion bookworm "$tree" ${mirror:+"$mirror"} >"$tree.log" 2>&1 ||
+[ -e "$tree/bin/sh" ] || debootstrap --variant=minbase --include=man-db,bash-completion,libglib2.0-bin bookworm "$tree" ${mirror:+"$mirror"} >"$tree.log" 2>&1 ||
   { tail "$tree.log"; exit 1; }
 rm -f "$tree/etc/dpkg/dpkg.cfg.d/docker"  # manual pages are to be installed
 within dpkg --get-selections | sort > "$tree/before"
@@ -30,9 +31,21 @@ echo "calibrated: $(grep -c . "$tree/tmp/chart.json") lines told, $(stat -c %s "
 within man -w tonewright-calibrate >/dev/null
 within man -P cat tonewright-calibrate | head -5 >"$tree/tmp/man.txt"
 grep -q 'TONEWRIGHT-CALIBRATE' "$tree/tmp/man.txt"
-within timeout 20 env QT_QPA_PLATFORM=offscreen HOME=/root tonewright-studio $samples/Tonewright/Images/chart.bmp && status=0 || status=$?
-[ $status -eq 124 ] || { echo "the Studio ended by itself with $status"; exit 1; }
-echo "the Studio ran until it was ended"
+# The display stands outside, so that the tree has nothing for a window but what the packages asked for.
+display=:$((200 + $$ % 300))
+Xvfb "$display" -screen 0 1280x800x24 >/dev/null 2>&1 &
+xvfb=$!
+trap 'kill $xvfb; [ -n "${1:-}" ] || rm -rf --one-file-system "$tree"' EXIT
+for _ in $(seq 50); do DISPLAY=$display xdotool getdisplaygeometry >/dev/null 2>&1 && break || sleep 0.1; done
+within env DISPLAY="$display" HOME=/root gio launch /usr/share/applications/tonewright-studio.desktop \
+  $samples/Tonewright/Images/chart.bmp >"$tree/studio.log" 2>&1
+window=$(DISPLAY=$display timeout 30 xdotool search --sync --onlyvisible --name 'Tonewright' | head -1)
+sleep 3
+DISPLAY=$display import -window root packages/studio.png
+studio=$(DISPLAY=$display xdotool getwindowpid "$window")
+kill -0 "$studio"
+echo "the Studio came up from its desktop entry: $(DISPLAY=$display xdotool getwindowname "$window")"
+kill "$studio"
 if [ -e "$tree/usr/lib/python3/dist-packages/tonewright" ]; then
   cp "$tree/$samples/Tonewright/Images/chart.bmp" "$tree/tmp/python.bmp"
   within python3 /usr/share/doc/python3-tonewright/calibrate_from_python.py /tmp/python.bmp /tmp/python.bmp
