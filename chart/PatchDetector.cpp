@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "analysis/CTivBasic.h"
-#include "analysis/CTivBlob.h"
 #include "chart/orientation.h"
 
 namespace tonewright {
@@ -70,6 +69,8 @@ int groupCenters(int count, int gap, int limit, Center center, Store store) {
 
 }  // namespace
 
+PatchDetector::PatchDetector() : blob_(kBlobCapacity, kBlobCapacity) {}
+
 bool PatchDetector::DetectPatches(CTivImage& image, const ChartRoi& roi, const ChartSize& chart) {
     if (!image.IsAllocated()) return false;
     blobCount_ = foundRows_ = foundColumns_ = 0;
@@ -84,13 +85,12 @@ bool PatchDetector::DetectPatches(CTivImage& image, const ChartRoi& roi, const C
         patchGrid_.assign(static_cast<std::size_t>(chart.Height),
                           std::vector<PatchCell>(static_cast<std::size_t>(chart.Width)));
     }
-    CTivImage gray;
-    if (!hasRoom || !TakeGray(image, roi, gray) || !FindGrid(gray, chart)) return false;
+    if (!hasRoom || !TakeGray(image, roi) || !FindGrid(chart)) return false;
     DrawOverlay(roi);
     return true;
 }
 
-bool PatchDetector::TakeGray(CTivImage& image, const ChartRoi& roi, CTivImage& gray) const {
+bool PatchDetector::TakeGray(CTivImage& image, const ChartRoi& roi) {
     const int width = roi.right - roi.left;
     const int height = roi.bottom - roi.top;
     const CTivRect earlier = image.GetRoi();
@@ -98,41 +98,41 @@ bool PatchDetector::TakeGray(CTivImage& image, const ChartRoi& roi, CTivImage& g
     if (!image.SetRoi({roi.left, roi.top, width, height})) return false;
     const bool isRgb = image.GetFormat() == CTivData::FormatRgb;
     const CTivData::Format format = isRgb ? CTivData::FormatUByte : CTivData::FormatUShort;
-    const bool done = gray.Set(width, height, format, nullptr, false) && gray.ConvertFormat(image, 0);
+    const bool serves = gray_.GetWidth() == width && gray_.GetHeight() == height && gray_.GetFormat() == format;
+    const bool done = (serves || gray_.Set(width, height, format, nullptr, false)) && gray_.ConvertFormat(image, 0);
     image.SetRoi(earlier);
     return done;
 }
 
-bool PatchDetector::FindGrid(CTivImage& gray, const ChartSize& chart) {
-    const int cellWidth = gray.GetWidth() / chart.Width;
-    const int cellHeight = gray.GetHeight() / chart.Height;
-    CTivBlob blob(kBlobCapacity, kBlobCapacity);
-    blob.SetMinWidth(cellWidth / 4);
-    blob.SetMinHeight(cellHeight / 4);
-    blob.SetMaxWidth(cellWidth);
-    blob.SetMaxHeight(cellHeight);
-    if (!blob.Execute(gray)) return false;
-    const int count = blob.GetNumBlobs();
+bool PatchDetector::FindGrid(const ChartSize& chart) {
+    const int cellWidth = gray_.GetWidth() / chart.Width;
+    const int cellHeight = gray_.GetHeight() / chart.Height;
+    blob_.SetMinWidth(cellWidth / 4);
+    blob_.SetMinHeight(cellHeight / 4);
+    blob_.SetMaxWidth(cellWidth);
+    blob_.SetMaxHeight(cellHeight);
+    if (!blob_.Execute(gray_)) return false;
+    const int count = blob_.GetNumBlobs();
     if (count < 1) return false;
 
     std::int64_t widths = 0, heights = 0;
     for (int i = 0; i < count; ++i) {
-        widths += blob.GetBlobWidth(i);
-        heights += blob.GetBlobHeight(i);
+        widths += blob_.GetBlobWidth(i);
+        heights += blob_.GetBlobHeight(i);
     }
     blobCount_ = count;
     patchWidth_ = static_cast<std::int32_t>(widths / (2 * std::int64_t{count}));
     patchHeight_ = static_cast<std::int32_t>(heights / (2 * std::int64_t{count}));
 
-    blob.SortByFeature(BlobCenterY, kBlobAscending);
+    blob_.SortByFeature(BlobCenterY, kBlobAscending);
     foundRows_ = groupCenters(
-        count, patchHeight_, chart.Height, [&](int i) { return blob.GetCenterY(i); },
+        count, patchHeight_, chart.Height, [&](int i) { return blob_.GetCenterY(i); },
         [&](int row, float y) {
             for (PatchCell& cell : patchGrid_[static_cast<std::size_t>(row)]) cell.y = y;
         });
-    blob.SortByFeature(BlobCenterX, kBlobAscending);
+    blob_.SortByFeature(BlobCenterX, kBlobAscending);
     foundColumns_ = groupCenters(
-        count, patchWidth_, chart.Width, [&](int i) { return blob.GetCenterX(i); },
+        count, patchWidth_, chart.Width, [&](int i) { return blob_.GetCenterX(i); },
         [&](int column, float x) {
             for (auto& row : patchGrid_) row[static_cast<std::size_t>(column)].x = x;
         });

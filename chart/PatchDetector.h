@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "analysis/CTivBlob.h"
 #include "foundation/CTivImage.h"
 #include "foundation/CTivVector.h"
 
@@ -62,10 +63,13 @@ struct PatchColors {
 /// a straight grid, so that a patch that is too dark for the level is found by its neighbours. A turned chart by more
 /// than a few degrees is not found: nothing here corrects a rotation.
 ///
-/// Holds the grid between finding and measuring, and no image. One thread at a time.
+/// Holds the grid between finding and measuring, and of the image nothing but working memory, which serves the next
+/// one. One thread at a time.
 class PatchDetector {
 public:
     using PatchGrid = std::vector<std::vector<PatchCell>>;
+
+    PatchDetector();
 
     /// Rebuilds grid, sampling size and overlay from the image. The image's own region is the same afterwards.
     /// @return whether there was a blob. Otherwise the grid is zero, the overlay empty, the sampling size the earlier
@@ -103,13 +107,15 @@ public:
     int GetBrightest() const { return brightest_; }  ///< as PatchColors tells it, of the last measurement
 
 private:
-    bool TakeGray(CTivImage& image, const ChartRoi& roi, CTivImage& gray) const;
-    bool FindGrid(CTivImage& gray, const ChartSize& chart);
+    bool TakeGray(CTivImage& image, const ChartRoi& roi);
+    bool FindGrid(const ChartSize& chart);
     void DrawOverlay(const ChartRoi& roi);
     template <class Word>
     PatchColors Measure(CTivImage& image, const ChartRoi& roi, const ChartSize& chart);
     PatchColors MeasureAt(PatchDepth depth, CTivImage& image, const ChartRoi& roi, const ChartSize& chart);
 
+    CTivImage gray_;  // kept with the blobs' own memory: fresh pages are a quarter of a detection's time
+    CTivBlob blob_;
     PatchGrid patchGrid_;
     std::int32_t patchWidth_ = 0;
     std::int32_t patchHeight_ = 0;

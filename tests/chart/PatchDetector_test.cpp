@@ -253,6 +253,31 @@ TEST_F(PatchDetectorTest, WhatCannotBeFoundLeavesAGridOfZerosAndTheEarlierSize) 
     EXPECT_THAT(rowsOf(detector_), Each(0.0f));
 }
 
+TEST_F(PatchDetectorTest, OnePictureAfterTheOtherIsSeenAsByAFreshDetector) {
+    CTivImage deep = chart_.Draw(CTivData::FormatRgb16, 8);
+    CTivImage dark = image_;
+    dark.Clear();
+    const ChartRoi whole = wholeOf(image_);
+    const ChartRoi left = {0, 0, 160, whole.bottom};  // three columns and a piece of the fourth
+    const struct {
+        const char* what;
+        CTivImage* image;
+        ChartRoi roi;
+        ChartSize chart;
+    } pictures[] = {{"whole", &image_, whole, {}},
+                    {"a part", &image_, left, {3, 4}},
+                    {"deep", &deep, whole, {}},
+                    {"nothing on it", &dark, whole, {}},
+                    {"whole again", &image_, whole, {}}};
+    for (const auto& [what, image, roi, chart] : pictures) {
+        PatchDetector fresh;
+        EXPECT_EQ(detector_.DetectPatches(*image, roi, chart), fresh.DetectPatches(*image, roi, chart)) << what;
+        EXPECT_EQ(detector_.GetBlobCount(), fresh.GetBlobCount()) << what;
+        EXPECT_EQ(columnsOf(detector_), columnsOf(fresh)) << what;
+        EXPECT_EQ(rowsOf(detector_), rowsOf(fresh)) << what;
+    }
+}
+
 TEST_F(PatchDetectorTest, AGrayImageHasNoColorsToMeasure) {
     CTivImage gray(image_.GetWidth(), image_.GetHeight(), CTivData::FormatUByte, nullptr, true);
     ASSERT_TRUE(gray.ConvertFormat(image_, 0));
