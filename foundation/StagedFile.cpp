@@ -116,7 +116,7 @@ bool IsReplaceable(const std::string& target, bool& exists) {
 
 }  // namespace
 
-StagedFile::StagedFile(const std::string& path) {
+StagedFile::StagedFile(const std::string& path, Waits waits) {
     const std::optional<fs::path> target = FollowLinks(path, error_);
     if (error_) return;
     name_ = path;
@@ -133,7 +133,7 @@ StagedFile::StagedFile(const std::string& path) {
     if (created.empty()) return;
     name_ = std::move(created);
     target_ = target->native();
-    standsIn_ = Staged().names.contains(target_);
+    waits_ = (waits == Waits::Always || exists) && !Staged().names.contains(target_);
     Staged().names.insert(name_);
 }
 
@@ -142,7 +142,7 @@ StagedFile::StagedFile(StagedFile&& other) noexcept
       target_(std::exchange(other.target_, {})),
       earlier_(std::move(other.earlier_)),
       error_(other.error_),
-      standsIn_(other.standsIn_) {}
+      waits_(other.waits_) {}
 
 StagedFile::~StagedFile() {
     if (!IsBeside()) return;
@@ -150,7 +150,7 @@ StagedFile::~StagedFile() {
     if (Staged().names.erase(name_) != 0) ::unlink(name_.c_str());
 }
 
-/// Owner and permissions of the file that is replaced; the bytes on the disk.
+/// Owner and permissions of the file that is replaced; the bytes on the disk, where it waits.
 std::error_code StagedFile::Prepare() {
     const Descriptor file(name_.c_str(), O_RDONLY | O_NOFOLLOW);
     if (!file) return LastError();
@@ -160,7 +160,7 @@ std::error_code StagedFile::Prepare() {
         if (::fchown(file.Get(), earlier.st_uid, earlier.st_gid) != 0) errno = 0;
         ::fchmod(file.Get(), earlier.st_mode & 0777);
     }
-    if (!standsIn_ && ::fsync(file.Get()) != 0 && errno != EINVAL) return LastError();
+    if (waits_ && ::fsync(file.Get()) != 0 && errno != EINVAL) return LastError();
     return {};
 }
 
@@ -238,7 +238,7 @@ std::optional<StagedFile::Failure> StagedFile::CommitAll(std::span<StagedFile> f
             if (!file.IsBeside()) continue;
             file.DropEarlier();
             Staged().names.erase(file.name_);
-            if (!file.standsIn_) folders.insert(FolderOf(file.target_));
+            if (file.waits_) folders.insert(FolderOf(file.target_));
             file.target_.clear();
         }
     }

@@ -21,8 +21,14 @@ namespace tonewright {
 ///     if (const auto failure = StagedFile::CommitAll(files)) ...
 class StagedFile {
 public:
+    /// Which files are on the disk, as a power cut would leave it, before they take their places.
+    enum class Waits {
+        Always,
+        Replacing  ///< those that replace another: a new one can be made again by who lost it
+    };
+
     /// @param path UTF-8, as given
-    explicit StagedFile(const std::string& path);
+    explicit StagedFile(const std::string& path, Waits waits = Waits::Always);
     StagedFile(StagedFile&& other) noexcept;
     StagedFile& operator=(StagedFile&&) = delete;
     /// Removes the new file where it did not take the target's place.
@@ -44,8 +50,8 @@ public:
         std::error_code error;
     };
     /// Puts the files into their places, all or none, and lets them reach the disk: each gets the replaced file's owner
-    /// and permissions and is synchronised before the first is renamed, each folder once after the last. Files written
-    /// in place are left alone.
+    /// and permissions and is synchronised, where it waits, before the first is renamed, each folder once after the
+    /// last. Files written in place are left alone.
     /// @param confirm called once all are in their places; its error makes them give the places back
     /// @return nothing, or what failed (at index 0 where that is `confirm`); then those that had taken their places
     /// have
@@ -69,7 +75,7 @@ private:
     std::string target_;
     std::string earlier_;  ///< second name of the replaced file while a CommitAll runs
     std::error_code error_;
-    bool standsIn_ = false;  ///< the target is itself a staged file of this process, which reaches the disk by itself
+    bool waits_ = true;  ///< for the disk; a target that is itself a staged file of this process does so by itself
 };
 
 }  // namespace tonewright

@@ -151,8 +151,8 @@ bool RewriteBitmap(const std::string& from, const std::string& to,
     BmpHead head{};
     if (!source.IsOpen() || !source.Read(&head, sizeof head) || !isTaken(head, source.GetLength())) return false;
     Block block(head);
-    // Written in place it could be the very file that is read.
-    StagedFile staged(to);
+    // Written in place it could be the very file that is read. A new file, lost, can be made again from that one.
+    StagedFile staged(to, StagedFile::Waits::Replacing);
     if (!staged.IsBeside() || !source.Seek(head.pixelOffset) || !block.Allocate()) return false;
     OpenFile target(staged.GetName(), O_WRONLY | O_NOFOLLOW);
     const BmpHead written = bmpColorHead(head.width, head.height);
