@@ -2,7 +2,6 @@
 
 #include "calibration/CalibrationTables.h"
 #include "calibration/ImplTonewrightDC_impl.h"
-#include "calibration/gamma_table.h"
 
 using namespace tonewright;
 
@@ -16,7 +15,7 @@ void ImplTonewrightDC::Reset() {
     parameters_ = {};
     parameters_.illuminantValue = kept;
     transform_.Free();
-    FillGammaTables();
+    gammaTables_ = GetGammaTables(parameters_.gamma);
     fitMatrix_.Reshape(3, parameters_.terms);
     adaptationMatrix_.Reshape(0, 0);
     calibrated_ = false;
@@ -30,13 +29,7 @@ void ImplTonewrightDC::SetXformSize(std::int32_t terms) {
 
 void ImplTonewrightDC::SetGamma(float gamma) {
     parameters_.gamma = gamma;
-    FillGammaTables();
-}
-
-void ImplTonewrightDC::FillGammaTables() {
-    FillGammaTable(channelLut8_, parameters_.gamma);
-    FillGammaTable(channelLut10_, parameters_.gamma);
-    FillGammaTable(channelLut16_, parameters_.gamma);
+    gammaTables_ = GetGammaTables(parameters_.gamma);
 }
 
 bool ImplTonewrightDC::SetSaturation(const CTivData& value) {

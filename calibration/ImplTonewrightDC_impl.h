@@ -3,12 +3,14 @@
 #include <array>
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "calibration/DoubleMatrix.h"
 #include "calibration/color_fit.h"
+#include "calibration/gamma_tables.h"
 #include "calibration/parameter_file.h"
 #include "foundation/CTivAlgo.h"
 #include "foundation/CTivData.h"
@@ -56,7 +58,6 @@ public:
     DoubleMatrix adaptationMatrix_;
 
 private:
-    void FillGammaTables();
     // calibrate.cpp
     void UpdateSaturation();
     void ComputeSaturation();
@@ -75,9 +76,7 @@ private:
     std::array<float, 3> GetSaturationFractions() const;
     void SetSaturationFractions(const std::array<float, 3>& fractions);
 
-    tonewright::GammaTable<tonewright::PixelRgb> channelLut8_{};
-    tonewright::GammaTable<tonewright::PixelRgb10> channelLut10_{};
-    tonewright::GammaTable<tonewright::PixelRgb16> channelLut16_{};
+    std::shared_ptr<const tonewright::GammaTables> gammaTables_;
     std::array<float, 12> colorTwist_{};  ///< the transform reversed: blue, green, red rows of blue, green, red, offset
     std::vector<std::uint8_t> untouched_;  ///< source pixels of a correction in place, kept from image to image
 };

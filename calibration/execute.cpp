@@ -66,9 +66,9 @@ bool ImplTonewrightDC::Execute(const CTivImage& source, CTivImage& destination, 
     if (roi.width <= 0 || roi.height <= 0 || !source.IsAllocated() || !destination.IsAllocated()) return true;
     const NurImage& from = *source.GetRecord();
     NurImage& to = *destination.GetRecord();
-    if (isRgb10) return RunPolynomial<PixelRgb10>(from, to, coefficients, channelLut10_);
-    if (isRgb16) return RunPolynomial<PixelRgb16>(from, to, coefficients, channelLut16_);
-    if (coefficients.terms != 4) return RunPolynomial<PixelRgb>(from, to, coefficients, channelLut8_);
+    if (isRgb10) return RunPolynomial<PixelRgb10>(from, to, coefficients, gammaTables_->rgb10);
+    if (isRgb16) return RunPolynomial<PixelRgb16>(from, to, coefficients, gammaTables_->rgb16);
+    if (coefficients.terms != 4) return RunPolynomial<PixelRgb>(from, to, coefficients, gammaTables_->rgb);
     return RunTwist(from, to, coefficients.colorTwist, untouched);
 }
 
@@ -138,7 +138,7 @@ bool ImplTonewrightDC::RunTwist(const NurImage& source, NurImage& destination, c
                 {width, sourcePixels - (top + y) * sourceStep, destinationPixels - (top + y) * destinationStep});
             if (count <= 0) break;
             encode(before + y * sourceStep * kRgbBytes, after + y * destinationStep * kRgbBytes,
-                   static_cast<std::size_t>(count), channelLut8_, parameters_.saturationRgb);
+                   static_cast<std::size_t>(count), gammaTables_->rgb, parameters_.saturationRgb);
         }
     }
     return true;

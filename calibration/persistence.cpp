@@ -31,7 +31,7 @@ bool ImplTonewrightDC::Load(const std::string& path) {
     if (!file) return Refuse("CTivTonewrightDC::Load => cannot open file for loading");
     std::int32_t version = 0;
     if (!ReadParameters(file, parameters_, version)) return false;
-    FillGammaTables();
+    gammaTables_ = GetGammaTables(parameters_.gamma);
     return Calibrate();
 }
 
