@@ -171,9 +171,11 @@ void CMainFrame::OpenDroppedFile(const QString& path) {
 
 void CMainFrame::LogMessage(const QString& text, int type) { m_logger->AddMessage(text, type); }
 
-// Closing asks nothing: a number that was typed and not committed would count once its edit loses the focus.
+// Closing asks nothing: a number that was typed and not committed would count once its edit loses the focus. The layout
+// is noted before the panes that float close, too.
 void CMainFrame::closeEvent(QCloseEvent* event) {
     m_ribbon->DropPendingEdits();
+    m_panes->Save();
     QMainWindow::closeEvent(event);
 }
 

@@ -53,7 +53,6 @@ bool CTonewrightApp::InitInstance() {
 }
 
 int CTonewrightApp::ExitInstance(int code) {
-    if (m_mainFrame) m_mainFrame->GetPanes().Save();
     DestroyMainFrame();
     nur_set_message_box({});
     CTivManager::Shutdown();

@@ -24,8 +24,8 @@ constexpr int kImagePaneWidth = 800;
 constexpr int kQualityPaneWidth = 260;
 constexpr int kLoggerHeight = 180;
 constexpr int kRawViewerWidth = 320;
-constexpr int kRoomForAll =
-    800;  // a window as wide as this has room for the raw viewer beside the panes at their least
+// A window as wide as this has room for the raw viewer beside an image pane and one column of lists at their least.
+constexpr int kRoomForAll = 800;
 
 constexpr const char* kSection = "Window";
 constexpr const char* kPlace = "Place";
@@ -136,7 +136,9 @@ void PaneLayout::FollowSize(int grown) {
 // The picture to work on and the lists keep their least widths while there is room, and the image panes give way. In a
 // narrow window they must not, or it could not become narrower.
 void PaneLayout::KeepLeastWidths() {
-    const bool hasRoom = m_window.width() >= kRoomForAll;
+    const bool areLists = m_panes.rawColors.isVisible() || m_panes.spectrum.isVisible();
+    const bool areSideBySide = areLists && m_panes.quality.isVisible();
+    const bool hasRoom = m_window.width() >= kRoomForAll + (areSideBySide ? kListPaneWidth : 0);
     m_panes.rawViewer.setMinimumWidth(hasRoom ? kRawViewerWidth : 0);
     for (QDockWidget* pane :
          std::initializer_list<QDockWidget*>{&m_panes.rawColors, &m_panes.spectrum, &m_panes.quality}) {

@@ -128,7 +128,10 @@ TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
     Run(ID_CBTN_LOG);
     Run(ID_CBTN_RAW_COLOR_LIST);
     frame->addDockWidget(Qt::RightDockWidgetArea, &frame->RawColorPane());
-    frame->GetPanes().Save();
+    Run(ID_CBTN_CALIB_IMG_VIEW);
+    frame->CalibratedPane().setFloating(true);
+    frame->close();
+    frame->CalibratedPane().close();  // as the program's end does with every window
     Start();
     EXPECT_FALSE(frame->Logger().isHidden()) << "a start without a memory is as ever";
     ASSERT_TRUE(frame->GetPanes().Restore());
@@ -137,8 +140,9 @@ TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
     EXPECT_TRUE(frame->Logger().isHidden());
     EXPECT_FALSE(frame->RawColorPane().isHidden());
     EXPECT_EQ(frame->dockWidgetArea(&frame->RawColorPane()), Qt::RightDockWidgetArea);
+    EXPECT_TRUE(frame->CalibratedPane().isFloating());
+    EXPECT_FALSE(frame->CalibratedPane().isHidden());
 
-    frame->CalibratedPane().setFloating(true);
     Run(ID_BTN_RESET_LAYOUT);
     EXPECT_FALSE(frame->Logger().isHidden());
     EXPECT_TRUE(frame->RawColorPane().isHidden());
@@ -265,6 +269,14 @@ TEST_F(FramePanes, TheRawViewerKeepsItsWidthWhileThereIsRoomAndThePanesTheirs) {
     QCoreApplication::processEvents();
     frame->resize(500, 800);  // once more: the least size follows the first
     EXPECT_LT(frame->width(), 700);
+
+    frame->resize(1700, 800);
+    Run(ID_BTN_QUALITY_PANE);  // beside the lists
+    for (const int width : {1280, 1000, 700, 500}) {
+        frame->resize(width, 800);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_LT(frame->width(), 800);
 }
 
 }  // namespace
