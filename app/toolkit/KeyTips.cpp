@@ -74,7 +74,7 @@ bool KeyTips::WatchAlt(QEvent* event) {
 
 bool KeyTips::HandleKey(int key, const QString& text) {
     if (key == Qt::Key_Escape && !m_onTop) {
-        ShowTop();
+        StepBack();
         return true;
     }
     if (text.isEmpty() || !text.front().isLetterOrNumber()) {
@@ -97,18 +97,28 @@ bool KeyTips::HandleKey(int key, const QString& text) {
     return true;
 }
 
+RibbonPanel* KeyTips::DroppedDown() const {
+    const std::vector<RibbonPanel*>& panels = m_bar.CurrentPage().Panels();
+    const auto dropped = std::ranges::find_if(panels, &RibbonPanel::IsDroppedDown);
+    return dropped == panels.end() ? nullptr : *dropped;
+}
+
+// From a panel that dropped down to its tab, from there to the tabs.
+void KeyTips::StepBack() {
+    RibbonPanel* const dropped = DroppedDown();
+    if (!dropped) return ShowTop();
+    dropped->CloseDropDown();
+    ShowPage();
+}
+
 // Tips follow a tab and a panel that drops down; a control in such a panel takes the keys from then on.
 void KeyTips::Choose(const RibbonBody::Target& target) {
     const std::function<void()> activate = target.activate;
     const bool isTab = m_onTop && !target.widget;
-    const auto isDroppedDown = [this] {
-        return std::ranges::any_of(m_bar.CurrentPage().Panels(),
-                                   [](const RibbonPanel* panel) { return panel->IsDroppedDown(); });
-    };
-    const bool wasDroppedDown = isDroppedDown();
+    const bool wasDroppedDown = DroppedDown();
     End();
     activate();
-    if (isTab || (!wasDroppedDown && isDroppedDown())) ShowPage();
+    if (isTab || (!wasDroppedDown && DroppedDown())) ShowPage();
 }
 
 void KeyTips::ShowTop() {
@@ -126,12 +136,8 @@ void KeyTips::ShowTop() {
 // The tips of the current tab; while a panel is dropped down, that panel's alone.
 void KeyTips::ShowPage() {
     End();
-    const std::vector<RibbonPanel*>& panels = m_bar.CurrentPage().Panels();
-    const RibbonPanel* dropped = nullptr;
-    for (const RibbonPanel* panel : panels) {
-        if (panel->IsDroppedDown()) dropped = panel;
-    }
-    for (const RibbonPanel* panel : panels) {
+    const RibbonPanel* const dropped = DroppedDown();
+    for (const RibbonPanel* panel : m_bar.CurrentPage().Panels()) {
         if (dropped && panel != dropped) continue;
         for (const RibbonBody::Target& target : panel->Targets()) {
             QWidget* const window = target.widget->window();

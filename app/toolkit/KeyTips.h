@@ -8,6 +8,7 @@
 
 class QLabel;
 class RibbonBar;
+class RibbonPanel;
 
 /// The letters that Alt lays over the ribbon. Alt shows those of the top row; a tab's letter selects the tab and shows
 /// its panels'; a control's letters press it. Esc steps back, any other key or a click ends it.
@@ -30,6 +31,8 @@ private:
     bool HandleKey(int key, const QString& text);
     void ShowTop();
     void ShowPage();
+    void StepBack();
+    RibbonPanel* DroppedDown() const;  // null: no panel is
     struct Spot;
     static Spot SpotOf(QWidget& widget);
     void Show(const RibbonBody::Target& target, QWidget* window, const Spot& spot);

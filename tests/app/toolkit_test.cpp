@@ -338,4 +338,17 @@ TEST_F(Ribbon, LettersReachAnEditInAPanelThatDropsDown) {
     EXPECT_FALSE(Panel().IsDroppedDown());
 }
 
+TEST_F(Ribbon, EscapeGoesAStepBackFromAPanelThatDroppedDown) {
+    SetWidth(60);
+    for (const Qt::Key key : {Qt::Key_Alt, Qt::Key_A, Qt::Key_Z}) QTest::keyClick(&window, key);
+    ASSERT_TRUE(Panel().IsDroppedDown());
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(Panel().IsDroppedDown());
+    EXPECT_EQ(TipsOnShow(), 1) << "the panel's button";
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_EQ(TipsOnShow(), 4) << "the tabs";
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_EQ(TipsOnShow(), 0);
+}
+
 }  // namespace
