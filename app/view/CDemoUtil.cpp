@@ -30,6 +30,10 @@ constexpr Displayable kDisplayable[] = {
     {CTivData::FormatYuv, Conversion::ToRgb},      {CTivData::FormatLab, Conversion::ToRgb},
     {CTivData::FormatRgb10, Conversion::ToRgb},
 };
+const Displayable* findDisplayable(CTivData::Format format) {
+    const auto* const row = std::ranges::find(kDisplayable, format, &Displayable::format);
+    return row == std::end(kDisplayable) ? nullptr : row;
+}
 constexpr int kFitMode = 1, kScaleMode = 2;
 constexpr const char* kBlitFailed = "CDemoUtil::DisplayImage => Error blitting bitmap to device";
 constexpr const char* kStretchFailed = "CDemoUtil::DisplayImage => Error stretching bitmap to device";
@@ -142,12 +146,12 @@ bool isBetween(ViewPoint point, ViewPoint first, ViewPoint second) {
 
 }  // namespace
 
+bool CDemoUtil::IsDisplayable(CTivData::Format format) { return findDisplayable(format); }
+
 bool CDemoUtil::DisplayImage(CTivImage* image, QPainter* painter, const ViewRect* source, const ViewRect* destination,
                              int significantBits) {
-    const auto* how = std::find_if(std::begin(kDisplayable), std::end(kDisplayable),
-                                   [&](const Displayable& row) { return row.format == image->GetFormat(); });
-    if (how == std::end(kDisplayable))
-        return CTivManager::Refuse("CDemoUtil::DisplayImage => image format not supported");
+    const Displayable* const how = findDisplayable(image->GetFormat());
+    if (!how) return CTivManager::Refuse("CDemoUtil::DisplayImage => image format not supported");
 
     ViewRect part = wholeOf(*image);
     if (source) {

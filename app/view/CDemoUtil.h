@@ -23,6 +23,9 @@ public:
     static bool DisplayImage(CTivImage* image, QPainter* painter, const ViewRect* source, const ViewRect* destination,
                              int significantBits);
 
+    /// Whether DisplayImage knows the format.
+    static bool IsDisplayable(CTivData::Format format);
+
     /// Cuts a segment at a rectangle that is grown by 1 on each side. Each of its edges (left, right, top, bottom) that
     /// the segment crosses gives a point: the first goes to outA, the next to outB, further ones overwrite outB.
     /// @param count receives how many were found

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "app/view/CDemoImageViewerComm.h"
+#include "app/view/CDemoUtil.h"
 #include "app/view/ViewerHost.h"
 
 using namespace tonewright;
@@ -317,6 +318,9 @@ void CImageViewerCtrl::SetFileName(const QString& name) {
 
 QString CImageViewerCtrl::GetCaption() const {
     if (!m_image.IsAllocated() || objectName().isEmpty()) return {};
-    const QString size = QString("%1 x %2").arg(m_image.GetWidth()).arg(m_image.GetHeight());
+    QString size = QString("%1 x %2").arg(m_image.GetWidth()).arg(m_image.GetHeight());
+    if (!CDemoUtil::IsDisplayable(m_image.GetFormat())) {
+        size += QString(", %1 cannot be shown").arg(CTivData::GetFormatName(m_image.GetFormat()));
+    }
     return m_fileName.isEmpty() ? objectName() + ": " + size : objectName() + ": " + m_fileName + ", " + size;
 }

@@ -96,7 +96,7 @@ void CImageViewerCtrl::PaintWords(QPainter& painter, QPoint corner, const QStrin
 }
 
 void CImageViewerCtrl::PaintBadge(QPainter& painter) const {
-    if (m_badge.isEmpty()) return;
+    if (m_badge.isEmpty() || !m_image.IsAllocated()) return;
     const int left = ClientSize().width() - WordsSize(painter, m_badge).width() - kCornerMargin;
     PaintWords(painter, {left, kCornerMargin}, m_badge, QColor(0x8a, 0x1c, 0x12));
 }

@@ -198,6 +198,18 @@ TEST_F(ImageViewer, TheCaptionOfTheSelectedViewerStandsOnTheColorOfItsEdge) {
     EXPECT_EQ(Shown({-1, 50}), theme::Now().chosen.rgb() & 0xFFFFFF);
 }
 
+TEST_F(ImageViewer, WordsInTheCornersAreThoseOfThePictureOnShow) {
+    viewer.setObjectName("Raw Image");
+    const QImage empty = viewer.grab().toImage();
+    viewer.ShowBadge("out of date");
+    EXPECT_EQ(viewer.grab().toImage(), empty) << "nothing is there that could be";
+    Show(mapOf(300, 200));
+    EXPECT_EQ(Shown({293, 8}), 0x8a1c12u);
+    EXPECT_EQ(viewer.GetCaption(), "Raw Image: 300 x 200");
+    Show(CTivImage(300, 200, CTivData::FormatRgb16, nullptr, true));
+    EXPECT_EQ(viewer.GetCaption(), "Raw Image: 300 x 200, FormatRgb16 cannot be shown");
+}
+
 TEST_F(ImageViewer, DraggingScrollsALargeImageAndLeavesASmallOne) {
     Show(mapOf(100, 100));
     Drag({150, 100}, {120, 80});
