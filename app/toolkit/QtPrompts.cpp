@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QMessageBox>
+#include <QSplitter>
 #include <QTreeView>
 
 #include "app/toolkit/CMatrixSizeDialog.h"
@@ -14,10 +15,14 @@ namespace {
 QWidget* dialogParent() { return QApplication::activeWindow(); }
 
 constexpr QSize kFileDialog(860, 520);
+constexpr int kPlacesWidth = 130;
 
 // Wide enough for whole dates and kinds; the names take what is left. The desktop's own dialog has no such list.
 void makeRoom(QFileDialog& dialog) {
     dialog.resize(kFileDialog.expandedTo(dialog.size()));
+    if (auto* halves = dialog.findChild<QSplitter*>("splitter")) {
+        halves->setSizes({kPlacesWidth, dialog.width() - kPlacesWidth});
+    }
     const auto* list = dialog.findChild<QTreeView*>("treeView");
     if (!list) return;
     list->header()->setStretchLastSection(false);

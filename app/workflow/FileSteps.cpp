@@ -17,6 +17,8 @@ namespace {
 // Somewhere behind the first character, in just these letters: "a.bmp.txt" counts, deliberately (C14).
 bool holds(const QString& path, const char* text) { return path.indexOf(QLatin1String(text)) > 0; }
 
+bool isPicture(const QString& path) { return holds(path, ".bmp") || holds(path, ".tif") || holds(path, ".zvk"); }
+
 }  // namespace
 
 bool FileSteps::LoadParameterFile(const QString& path) {
@@ -42,7 +44,7 @@ QString FileSteps::GetTitle() const {
 }
 
 void FileSteps::OpenDroppedFile(const QString& path) {
-    if (holds(path, ".bmp") || holds(path, ".tif") || holds(path, ".zvk")) {
+    if (isPicture(path)) {
         m_pictures.LoadImageFile(path);
     } else if (holds(path, ".twkp")) {
         LoadParameterFile(path);
@@ -56,6 +58,9 @@ void FileSteps::OpenDroppedFile(const QString& path) {
 void FileSteps::OpenStartFile(const QString& path) {
     if (path.endsWith(QLatin1String(".ccor"))) {
         LoadCoefficientFile(path);
+    } else if (isPicture(path)) {
+        if (!m_pictures.LoadImageFile(path))
+            m_work.news.Log(QString("%1 is no picture that can be opened").arg(path), LogError);
     } else {
         OpenDroppedFile(path);
     }

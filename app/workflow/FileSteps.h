@@ -18,7 +18,8 @@ public:
     /// Takes a file by what its path holds. Unlike the command, a drop also loads into the calibrated view where that
     /// is the selected one.
     void OpenDroppedFile(const QString& path);
-    /// Takes the file that the program was started with: as a drop does, and coefficients as their command does.
+    /// Takes the file that the program was started with: as a drop does, and coefficients as their command does. One
+    /// that does not open is told in the log: nobody saw it being opened.
     void OpenStartFile(const QString& path);
 
     /// What the window is called: the program, and before it the parameter file that was loaded or saved last, with a

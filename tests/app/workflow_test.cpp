@@ -322,6 +322,8 @@ TEST_F(WorkflowSteps, TheFileOfTheStartOpensAsADropDoesAndCoefficientsAsTheirCom
     EXPECT_EQ(State().coefficientFile, Path("kept.ccor"));
     Files().OpenStartFile(Path("no extension"));
     EXPECT_EQ(log.back(), (LogRow{"File signature not recognized.", LogWarning}));
+    Files().OpenStartFile(Path("missing.bmp"));
+    EXPECT_EQ(log.back(), (LogRow{Path("missing.bmp").toStdString() + " is no picture that can be opened", LogError}));
 }
 
 // Nobody asks when the window closes, so it shows what would be lost.
