@@ -84,7 +84,7 @@ void headline(Sheet& sheet, const Report& report) {
 
 void findings(Sheet& sheet, const Report& report) {
     heading(sheet, report_words::kFindings, 30);
-    if (report.findings.empty()) paragraph(sheet, report_words::kNoFinding, kPlain);
+    if (report.findings.empty()) paragraph(sheet, report_words::WithoutFindings(report), kPlain);
     for (const Finding& finding : report.findings) {
         const QColor color = finding.severity == Severity::Error     ? kBad
                              : finding.severity == Severity::Warning ? kWarn

@@ -48,7 +48,7 @@ std::string headline(const Report& report) {
 
 std::string findings(const Report& report) {
     std::string page = heading(report_words::kFindings);
-    if (report.findings.empty()) return page + "<p>" + report_words::kNoFinding + "</p>\n";
+    if (report.findings.empty()) return page + "<p>" + report_words::WithoutFindings(report) + "</p>\n";
     page += "<ul class=\"findings\">\n";
     for (const Finding& finding : report.findings) {
         const std::string severity = GetSeverityName(finding.severity);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "report/html_report.h"
+
 namespace tonewright {
 
 /// The words of a report, whatever it is written in.
@@ -14,6 +16,10 @@ inline constexpr const char* kScale =
 
 inline constexpr const char* kFindings = "Findings";
 inline constexpr const char* kNoFinding = "Nothing speaks against this calibration.";
+inline constexpr const char* kNoGain = "What is delivered is no closer to what is wanted than before.";
+
+/// What stands in place of findings where there are none.
+inline const char* WithoutFindings(const Report& report) { return report.mean < report.before ? kNoFinding : kNoGain; }
 
 inline constexpr const char* kPicture = "Picture";
 inline constexpr const char* kOutlines =

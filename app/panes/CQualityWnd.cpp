@@ -10,6 +10,7 @@
 #include "app/panes/PlotView.h"
 #include "app/panes/quality_texts.h"
 #include "report/plots.h"
+#include "report/report_words.h"
 
 using namespace tonewright;
 
@@ -79,7 +80,7 @@ void CQualityWnd::ShowReport(const Report& report) {
     m_headline->setText(quality_texts::Headline(report));
     m_caption->setText("mean difference of what is delivered (CIEDE2000)");
     m_figures->setText(quality_texts::Figures(report));
-    m_findings->setText(quality_texts::Findings(report.findings));
+    m_findings->setText(quality_texts::Findings(report.findings, report_words::WithoutFindings(report)));
     m_cells->SetPatches(report.patches, report.columns);
     for (QWidget* part :
          {static_cast<QWidget*>(m_headline), static_cast<QWidget*>(m_figures), static_cast<QWidget*>(m_cells),
@@ -106,8 +107,9 @@ void CQualityWnd::SetVerified(const QString& fileName) {
 
 void CQualityWnd::ShowPicture(const QString& summary, const std::vector<Finding>& findings) {
     Clear();
+    if (summary.isEmpty()) return;
     m_caption->setText(summary);
-    m_findings->setText(quality_texts::Findings(findings));
+    m_findings->setText(quality_texts::Findings(findings, "Nothing speaks against this picture."));
 }
 
 void CQualityWnd::Clear() {

@@ -42,8 +42,8 @@ QString PatchNumbers(const ReportPatch& patch) {
              lab(patch.color.deliveredLab));
 }
 
-QString Findings(const std::vector<Finding>& findings) {
-    if (findings.empty()) return "Nothing speaks against this picture.";
+QString Findings(const std::vector<Finding>& findings, const char* without) {
+    if (findings.empty()) return without;
     QString text;
     for (const Finding& finding : findings) {
         QString word = GetSeverityName(finding.severity);

@@ -15,7 +15,8 @@ QString Headline(const tonewright::Report& report);
 QString Figures(const tonewright::Report& report);
 /// What a patch measures, in lines.
 QString PatchNumbers(const tonewright::ReportPatch& patch);
-/// The findings as rich text, each with its severity; one sentence where there are none.
-QString Findings(const std::vector<tonewright::Finding>& findings);
+/// The findings as rich text, each with its severity.
+/// @param without stands in their place where there are none
+QString Findings(const std::vector<tonewright::Finding>& findings, const char* without);
 
 }  // namespace quality_texts

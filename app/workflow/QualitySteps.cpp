@@ -67,11 +67,17 @@ void QualitySteps::TellAgain() {
 }
 
 void QualitySteps::CheckInputs() {
+    // While colors are picked by hand no detection tells of a new picture.
+    if (!m_report && m_work.manualColors && m_toldPictures != m_work.pictures) TellPicture();
     if (!m_report || m_wasPreviewed) return;
     const QString reason = WhatDiffers(m_judgedInputs, TakeInputs(m_work));
     if (reason == m_outOfDate) return;
     m_outOfDate = reason;
     emit outOfDate(reason);
+}
+
+bool QualitySteps::LooksForChart() const {
+    return !m_work.manualColors && m_work.raw.Image().IsAllocated() && m_work.raw.Detector();
 }
 
 bool QualitySteps::ShowsFoundChart() const { return m_found.found && m_foundInPicture == m_work.pictures; }
@@ -84,7 +90,12 @@ MeasuredChart QualitySteps::Measure() const {
         return ShowsFoundChart() ? MeasureFound(raw, m_found, GetClassicLayout()) : MeasuredChart();
     }
     const auto patches = static_cast<std::size_t>(chart.Width) * static_cast<std::size_t>(chart.Height);
-    if (!raw.IsAllocated() || !detector || detector->GetOverlay().size() != patches) return {};
+    if (!LooksForChart()) return {};
+    if (detector->GetOverlay().size() != patches) {  // nothing was found
+        MeasuredChart none;
+        none.chart = chart;
+        return none;
+    }
     return MeasureGrid(raw, *detector, chart, detector->GetBrightest());
 }
 
@@ -100,6 +111,7 @@ void QualitySteps::Judge() {
     // Coefficients that were loaded since are not what was previewed.
     if (Checksum(*engine.GetTransform()) != m_judgedInputs.transform) return;
     MeasuredChart chart = Measure();
+    const std::optional<Finding> incomplete = LooksForChart() ? FindIncomplete(chart) : std::nullopt;
     // Other colors than the engine's say nothing of its calibration.
     if (!areLike(colorsOf(chart), *engine.GetRawColors())) chart = {};
     const CalibrationQuality quality =
@@ -109,6 +121,8 @@ void QualitySteps::Judge() {
     if (!chart.patches.empty()) {
         if (engine.GetCalibrationMode() != kRelative) chart.targets = ToXyz(GetTargets(engine));
         findings = FindInPicture(chart);
+    } else if (incomplete) {
+        findings.push_back(*incomplete);
     }
     for (Finding& finding : FindInCalibration(quality, *engine.GetTransform())) findings.push_back(std::move(finding));
     m_report =
@@ -120,14 +134,18 @@ void QualitySteps::Judge() {
 
 void QualitySteps::TellPicture() {
     const MeasuredChart chart = Measure();
-    if (chart.patches.empty()) return;
-    const auto size = static_cast<int>(chart.patches.size());
-    const int found = std::min(size, chart.foundRows * chart.foundColumns);
-    emit pictureTold(QString("%1 of %2 patches found; the brightest reaches %3 % of full scale")
-                         .arg(found)
-                         .arg(size)
-                         .arg(std::lround(100 * brightest(chart))),
-                     FindInPicture(chart));
+    m_toldPictures = m_work.pictures;
+    if (chart.patches.empty() && !LooksForChart()) {
+        emit pictureTold({}, {});
+        return;
+    }
+    const int size = chart.chart.Width * chart.chart.Height;
+    QString summary =
+        QString("%1 of %2 patches found").arg(std::min(size, chart.foundRows * chart.foundColumns)).arg(size);
+    if (!chart.patches.empty()) {
+        summary += QString("; the brightest reaches %1 % of full scale").arg(std::lround(100 * brightest(chart)));
+    }
+    emit pictureTold(summary, FindInPicture(chart));
 }
 
 // The chart is looked for in the whole picture: a rectangle drawn for the straight grid is none for this.

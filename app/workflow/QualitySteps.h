@@ -36,7 +36,7 @@ public:
 
 signals:
     void judged(const tonewright::Report& report);
-    /// @param summary how much of the chart was found, and how bright it is
+    /// @param summary how much of the chart was found, and how bright it is; empty: nothing is known of the picture
     void pictureTold(const QString& summary, const std::vector<tonewright::Finding>& findings);
     void outOfDate(const QString& reason);  ///< empty: the figures are those of what is in force
 
@@ -46,6 +46,7 @@ private:
     tonewright::MeasuredChart Measure() const;
     tonewright::PatchOutlines Outlines(const tonewright::MeasuredChart& chart) const;
     bool ShowsFoundChart() const;
+    bool LooksForChart() const;  ///< in the raw picture, by the straight grid
 
     WorkflowContext& m_work;
     PictureSteps& m_pictures;
@@ -57,4 +58,5 @@ private:
     CalibrationInputs m_judgedInputs;
     tonewright::FoundChart m_found;  ///< what filled the list of raw colors
     int m_foundInPicture = 0;        ///< the number of that picture
+    int m_toldPictures = 0;          ///< the number of the picture that was told last
 };

@@ -112,7 +112,9 @@ void VerifySteps::CheckInputs() {
     QString reason;
     if (now.transform != m_inputs.transform) {
         const bool isFit = m_work.fit && now.transform == m_work.fit->transform;
-        reason = isFit ? "another calibration was made" : "other coefficients were loaded";
+        reason = !now.transform ? "there is no calibration any more"
+                 : isFit        ? "another calibration was made"
+                                : "other coefficients were loaded";
     } else if (now.gamma != m_inputs.gamma) {
         reason = "gamma was changed";
     } else if (now.saturationMode != m_inputs.saturationMode || now.saturation != m_inputs.saturation) {

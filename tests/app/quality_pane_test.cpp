@@ -57,7 +57,7 @@ TEST(QualityTexts, TellWhatIsNoNumberAsNone) {
     broken.mean = std::nan("");
     EXPECT_EQ(quality_texts::Headline(broken), "–");
     const std::vector<Finding> findings = {{"coded", Severity::Warning, "a < b & \"c\"", {}}};
-    EXPECT_EQ(quality_texts::Findings(findings),
+    EXPECT_EQ(quality_texts::Findings(findings, "none"),
               "<p style=\"margin:0 0 6px 0\"><b>Warning:</b> a &lt; b &amp; &quot;c&quot;</p>");
 }
 
@@ -72,6 +72,7 @@ TEST(QualityPane, FollowsWhatTheUserDoes) {
 
     pane.ShowReport(report(24, 9.04));
     EXPECT_EQ(textOf(pane, "headline"), "4.1");
+    EXPECT_EQ(textOf(pane, "findings"), "Nothing speaks against this calibration.");
     EXPECT_FALSE(cells->isHidden());
     QSignalSpy pointed(&pane, &CQualityWnd::patchPointed);
     const CellGrid grid(cells->rect(), 6, 24);
@@ -92,6 +93,14 @@ TEST(QualityPane, FollowsWhatTheUserDoes) {
     pane.ShowPicture("6 of 24 patches found", {});
     EXPECT_EQ(textOf(pane, "caption"), "6 of 24 patches found");
     EXPECT_TRUE(cells->isHidden());
+    EXPECT_EQ(textOf(pane, "findings"), "Nothing speaks against this picture.");
+    pane.ShowPicture({}, {});  // another one, of which nothing is known
+    EXPECT_TRUE(textOf(pane, "caption").startsWith("Nothing calibrated yet."));
+    EXPECT_EQ(textOf(pane, "findings"), "");
+    Report worse = report(24, 2);
+    worse.before = worse.mean;
+    pane.ShowReport(worse);
+    EXPECT_EQ(textOf(pane, "findings"), "What is delivered is no closer to what is wanted than before.");
     pane.ShowReport(report(24, 2));
     EXPECT_EQ(textOf(pane, "headline"), "4.1");
     EXPECT_EQ(cells->GetPointed(), -1);

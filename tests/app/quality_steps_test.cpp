@@ -1,4 +1,5 @@
 #include <QFile>
+#include <algorithm>
 
 #include "app/workflow/QualitySteps.h"
 #include "tests/app/workflow_bench.h"
@@ -53,6 +54,36 @@ TEST_F(QualityStepsTest, FiguresFollowPreviewsAndSayWhenTheyAreOld) {
     Calibration().OnColorsManual();
     Quality().CheckInputs();
     EXPECT_EQ(Quality().WhyOutOfDate(), "the colors were changed");
+}
+
+// A chart, then a picture without one, calibrated all the same, and one that is picked from by hand.
+TEST_F(QualityStepsTest, NothingGoodIsSaidOfAPictureWithoutAChart) {
+    QString told;
+    std::vector<Finding> found;
+    QObject::connect(&Quality(), &QualitySteps::pictureTold, [&](const QString& summary, const auto& findings) {
+        told = summary;
+        found = findings;
+    });
+    LoadChart();
+    Quality().CatchUp();
+    EXPECT_TRUE(told.startsWith("24 of 24")) << told.toStdString();
+    LoadChart(40, 0);
+    Quality().CatchUp();
+    EXPECT_EQ(told, "0 of 24 patches found");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_STREQ(found[0].code, "incomplete");
+
+    Calibration().OnColorsManual();
+    LoadChart();
+    Quality().CheckInputs();
+    EXPECT_EQ(told, "") << "nobody looked for a chart in this one";
+
+    Calibration().OnColorsAutomatic();
+    LoadChart(40, 0);
+    Preview();
+    ASSERT_TRUE(Quality().GetReport());
+    const auto& judged = Quality().GetReport()->findings;
+    EXPECT_TRUE(std::ranges::any_of(judged, [](const Finding& f) { return f.code == std::string("incomplete"); }));
 }
 
 // Loading a coefficient file replaces the transform under a preview, before or after it was judged.

@@ -110,9 +110,12 @@ TEST_F(VerifyTest, AVerificationStandsUntilTheCalibrationChanges) {
     VerifyOn(Path("other.bmp"));
     Verify().OnBack();
     EXPECT_EQ(left.count(), 2);
+    VerifyOn(Path("other.bmp"));
     prompts.yes = true;
     Parameters().OnResetParameters();
     EXPECT_FALSE(Verify().CanVerify());
+    Verify().CheckInputs();
+    EXPECT_EQ(Verify().WhyOutOfDate(), "there is no calibration any more");
 }
 
 // Parameters of a file are a calibration without any picture.
