@@ -185,7 +185,7 @@ void addCalibration(py::module_& module) {
             "illuminant", illuminantOf,
             "The word of the light on the chart; None against a reference, and where it is not known.")
         .def_property_readonly(
-            "chart", [](const HeldCalibration& held) { return *requireChart(held).chart; },
+            "chart", [](const HeldCalibration& held) -> const ChartResult& { return *requireChart(held).chart; },
             "The Chart that it was made from. Raises Error for one from a file, which has none.")
         .def_property_readonly(
             "quality", [](const HeldCalibration& held) { return requireChart(held).calibration.quality; },
