@@ -4,6 +4,8 @@
 #include "analysis/threshold.h"
 #include "foundation/CTivAlgo.h"
 
+using namespace tonewright;
+
 class ImplBasic : public CTivAlgo {
 public:
     ImplBasic() : CTivAlgo("Bleu d'Auvergne") {}

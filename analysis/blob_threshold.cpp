@@ -8,6 +8,8 @@
 #include "analysis/local_threshold.h"
 #include "analysis/threshold.h"
 
+using namespace tonewright;
+
 namespace {
 
 constexpr int kFullScale = 255;

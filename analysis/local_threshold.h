@@ -2,6 +2,8 @@
 
 #include "foundation/nur_image.h"
 
+namespace tonewright {
+
 /// What a local threshold compares a window's mean with.
 enum LocalMethod : int {
     kLocalOffset = 0,     ///< nothing: the factors are offsets
@@ -10,6 +12,8 @@ enum LocalMethod : int {
     kLocalDeviation = 3,  ///< the deviation within the window
     kLocalTiles = 4       ///< none: Otsu's level of each tile of the window's size
 };
+
+}  // namespace tonewright
 
 /// Thresholds each pixel by levels from a window around it, whose mean is m. Beyond the ROI the nearest row or column
 /// stands in.

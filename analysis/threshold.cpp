@@ -184,7 +184,7 @@ int thresh(const NurImage* source, NurImage* destination, float low, float high,
     return 0;
 }
 
-int thresh_consume(NurImage* image, float low, float high, bool invert, bool single) {
+int tonewright::thresh_consume(NurImage* image, float low, float high, bool invert, bool single) {
     return thresh(image, image, low, high, invert, single, false);
 }
 
@@ -199,7 +199,7 @@ int threshImages(const NurImage* source, NurImage* destination, const NurImage* 
     return 0;
 }
 
-int threshImages_consume(NurImage* image, const NurImage* lowImage, const NurImage* highImage, bool invert,
-                         bool single) {
+int tonewright::threshImages_consume(NurImage* image, const NurImage* lowImage, const NurImage* highImage, bool invert,
+                                     bool single) {
     return threshImages(image, image, lowImage, highImage, invert, single, false);
 }

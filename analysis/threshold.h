@@ -17,9 +17,6 @@
 /// @param low, high limited to the source's range and cut to whole numbers, but for FormatFloat
 int thresh(const NurImage* source, NurImage* destination, float low, float high, bool invert, bool single, bool binary);
 
-/// The semi-threshold without a second image.
-int thresh_consume(NurImage* image, float low, float high, bool invert, bool single);
-
 /// Thresholds FormatRgb, Hsv, Yuv or Lab. A pixel is selected if its first three bytes in memory are all in the range
 /// of their channel; in a semi-threshold the others become black.
 /// @param destination FormatUByte for a mask, else the source's format
@@ -28,20 +25,20 @@ int thresh_consume(NurImage* image, float low, float high, bool invert, bool sin
 int thresh_color(const NurImage* source, NurImage* destination, const float low[3], const float high[3], bool invert,
                  bool single, bool binary);
 
-/// The semi-threshold without a second image; a mask is refused, being of another type.
-int thresh_color_consume(NurImage* image, const float low[3], const float high[3], bool invert, bool single,
-                         bool binary);
-
 /// Thresholds each pixel by the pixels at the same place of two level images, all of one format: FormatByte, UByte,
 /// Short or UShort.
 /// @param highImage not looked at if single, and may be null then
 int threshImages(const NurImage* source, NurImage* destination, const NurImage* lowImage, const NurImage* highImage,
                  bool invert, bool single, bool binary);
 
+namespace tonewright {
+
+// The semi-thresholds without a second image. `thresh_color_consume` refuses a mask, which is of another type.
+int thresh_consume(NurImage* image, float low, float high, bool invert, bool single);
+int thresh_color_consume(NurImage* image, const float low[3], const float high[3], bool invert, bool single,
+                         bool binary);
 int threshImages_consume(NurImage* image, const NurImage* lowImage, const NurImage* highImage, bool invert,
                          bool single);
-
-namespace tonewright {
 
 /// Makes a threshold's output ready: a mask as told at `thresh`, else the source's format, at least the size of the
 /// source's ROI. @param caller begins the error texts

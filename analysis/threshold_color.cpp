@@ -109,8 +109,8 @@ int thresh_color(const NurImage* source, NurImage* destination, const float low[
     return semiThresh(*source, *destination, mask) ? 0 : nur_refuse("thresh_color: fail in semiThresh");
 }
 
-int thresh_color_consume(NurImage* image, const float low[3], const float high[3], bool invert, bool single,
-                         bool binary) {
+int tonewright::thresh_color_consume(NurImage* image, const float low[3], const float high[3], bool invert, bool single,
+                                     bool binary) {
     if (!isByteColor(image->format)) {
         return nur_report(1, NUR_REPORT_TYPE, "thresh_color", nur_display_name(image->format));
     }

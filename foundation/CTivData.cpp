@@ -8,6 +8,8 @@
 #include "foundation/format_table_impl.h"
 #include "foundation/nur_types.h"
 
+using namespace tonewright;
+
 namespace {
 
 const FormatInfo* info(CTivData::Format format) {

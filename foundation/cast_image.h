@@ -2,6 +2,8 @@
 
 #include "foundation/nur_image.h"
 
+namespace tonewright {
+
 /// Target codes of castImage.
 enum CastCode : int {
     CAST_UBYTE = 0,
@@ -17,8 +19,6 @@ enum CastCode : int {
     CAST_FPOINT,
     CAST_POINT
 };
-
-namespace tonewright {
 
 /// @return the code of a format (CAST_FLOAT for FormatFloat), -1 outside the table
 int castCode(CTivData::Format format);

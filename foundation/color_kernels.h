@@ -7,7 +7,7 @@
 // One-pixel conversions between the packed colors. A word holds the first component in bits 16 to 23, the second in 8
 // to 15, the third in 0 to 7; the fourth byte (bits 24 to 31) comes out 0.
 
-namespace color_kernels {
+namespace tonewright::color_kernels {
 
 constexpr int component(std::uint32_t word, int which) { return static_cast<int>(word >> (16 - 8 * which) & 0xFF); }
 constexpr std::uint32_t pack(int first, int second, int third) {
@@ -28,7 +28,9 @@ constexpr int chroma(int difference) {
     return 128 + scaled - (scaled >> 31);
 }
 
-}  // namespace color_kernels
+}  // namespace tonewright::color_kernels
+
+namespace tonewright {
 
 /// Y = (601 G + 306 R + 117 B) >> 10, with U and V scaled by 229 / 255 around 128.
 constexpr std::uint32_t RgbToYuv(std::uint32_t rgb) {
@@ -108,3 +110,5 @@ inline std::uint32_t LabToRgb(std::uint32_t lab) {
     return pack(limitByte(3.2406 * x - 1.5372 * y - 0.4986 * z), limitByte(1.8758 * y - 0.9689 * x + 0.0415 * z),
                 limitByte(0.0557 * x - 0.204 * y + 1.057 * z));
 }
+
+}  // namespace tonewright

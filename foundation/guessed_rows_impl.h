@@ -13,7 +13,7 @@
 // numbers and float32 is made for a block of pixels, which tells by itself where it lies too close to a step to be
 // sure, and those pixels go through the exact kernel. The result is the kernel's for every color.
 
-namespace guessed_rows {
+namespace tonewright::guessed_rows {
 
 /// A word, and 1 where it may be wrong, else 0.
 struct Guess {
@@ -124,4 +124,4 @@ TONEWRIGHT_BODY void GuessedRow(const std::uint8_t* source, std::uint8_t* destin
     }
 }
 
-}  // namespace guessed_rows
+}  // namespace tonewright::guessed_rows

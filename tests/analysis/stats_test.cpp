@@ -5,6 +5,8 @@
 #include "tests/support/library.h"
 #include "tests/support/row_buffers.h"
 
+using namespace tonewright;
+
 using D = CTivData;
 
 namespace {
