@@ -41,6 +41,7 @@ bool CTonewrightApp::InitInstance() {
         m_mainFrame->move(free.center() - QRect(QPoint(0, 0), m_mainFrame->size()).center());
     }
     m_mainFrame->show();
+    m_mainFrame->GetPanes().RestoreFloating();
     if (const QStringList words = arguments(); words.size() > 1) {
         // Once the window is up: a file that does not fit may ask.
         const auto open = [this, path = QFileInfo(words[1]).absoluteFilePath()] {

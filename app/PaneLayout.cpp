@@ -82,9 +82,18 @@ bool PaneLayout::Restore() {
     if (!place) return false;
     m_window.setGeometry(FitToScreens(place->normal, screensOfToday()));
     if (place->isMaximised) m_window.setWindowState(m_window.windowState() | Qt::WindowMaximized);
+    RestorePanes();
+    return true;
+}
+
+void PaneLayout::RestorePanes() {
     const QString panes = GetProfile().ReadString(kSection, kPanes, {});
     m_window.restoreState(QByteArray::fromBase64(panes.toLatin1()), kPanesVersion);
-    return true;
+}
+
+void PaneLayout::RestoreFloating() {
+    const auto panes = m_window.findChildren<QDockWidget*>();
+    if (std::ranges::any_of(panes, &QDockWidget::isFloating)) RestorePanes();
 }
 
 QDockWidget* PaneLayout::PaneOf(int id) const {

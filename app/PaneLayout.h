@@ -33,6 +33,8 @@ public:
     /// Puts window and panes where they were when Save last wrote it, on a screen of today.
     /// @return false, nothing changed, where nothing was written yet
     bool Restore();
+    /// Once the window is shown: panes that float and came before it have their place behind it.
+    void RestoreFloating();
     void Save() const;
 
     // By the number of the command that shows and hides the pane.
@@ -44,6 +46,7 @@ public:
     void FollowSize(int grown);
 
 private:
+    void RestorePanes();
     void KeepLeastWidths();
     void GiveRoomBack(int grown);
 

@@ -130,17 +130,20 @@ TEST_F(FramePanes, TheWindowRemembersItsPlaceAndItsPanes) {
     frame->addDockWidget(Qt::RightDockWidgetArea, &frame->RawColorPane());
     Run(ID_CBTN_CALIB_IMG_VIEW);
     frame->CalibratedPane().setFloating(true);
+    frame->CalibratedPane().setGeometry(300, 200, 320, 240);
     frame->close();
     frame->CalibratedPane().close();  // as the program's end does with every window
     Start();
     EXPECT_FALSE(frame->Logger().isHidden()) << "a start without a memory is as ever";
     ASSERT_TRUE(frame->GetPanes().Restore());
     frame->show();
+    frame->GetPanes().RestoreFloating();
     EXPECT_EQ(frame->geometry(), QRect(10, 40, 700, 600));
     EXPECT_TRUE(frame->Logger().isHidden());
     EXPECT_FALSE(frame->RawColorPane().isHidden());
     EXPECT_EQ(frame->dockWidgetArea(&frame->RawColorPane()), Qt::RightDockWidgetArea);
     EXPECT_TRUE(frame->CalibratedPane().isFloating());
+    EXPECT_EQ(frame->CalibratedPane().geometry(), QRect(300, 200, 320, 240));
     EXPECT_FALSE(frame->CalibratedPane().isHidden());
 
     Run(ID_BTN_RESET_LAYOUT);
