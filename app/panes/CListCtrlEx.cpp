@@ -125,10 +125,16 @@ void CInPlaceEdit::End(Ending ending) {
     }
 }
 
+// Keys count here before the focus chain and the accelerators see them. Those with Ctrl that edit nothing, and Ctrl+E,
+// which would move to the end of the line, are the window's: what was typed counts for the command that they run.
 bool CInPlaceEdit::event(QEvent* event) {
-    // Before the focus chain and the accelerators see them.
     if (event->type() == QEvent::ShortcutOverride) {
-        event->accept();
+        const auto* const key = static_cast<QKeyEvent*>(event);
+        QLineEdit::event(event);
+        const bool isEdit = event->isAccepted() && key->key() != Qt::Key_E;
+        const bool isWindows = key->modifiers() == Qt::ControlModifier && key->key() != Qt::Key_Control && !isEdit;
+        event->setAccepted(!isWindows);
+        if (isWindows) End(Ending::Commit);
         return true;
     }
     if (event->type() == QEvent::KeyPress) {

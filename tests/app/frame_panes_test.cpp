@@ -248,6 +248,31 @@ TEST_F(FramePanes, KeysSelectAViewerAndBringItIntoView) {
     }
 }
 
+// The keys of the window come through while a value is typed, with what was typed; those that edit do not.
+TEST_F(FramePanes, AValueBeingTypedCountsForTheCommandOfAKey) {
+    Run(ID_BTN_ILLUMINANT_USER);
+    frame->show();
+    frame->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get()));
+    CSpectrumValuesListCtrl& list = frame->SpectrumPane().SpectrumList();
+    for (const auto& [key, comesThrough] : {std::pair{Qt::Key_O, true},
+                                            {Qt::Key_E, true},
+                                            {Qt::Key_A, false},
+                                            {Qt::Key_C, false},
+                                            {Qt::Key_V, false},
+                                            {Qt::Key_Z, false}}) {
+        list.SetCellText(0, 1, "0");
+        list.EditCell(0, 1);
+        QTest::keyClicks(list.GetEditor(), "0.5");
+        prompts.opened.clear();
+        const auto told = Log().size();
+        QTest::keyClick(list.GetEditor(), key, Qt::ControlModifier);
+        EXPECT_EQ(list.GetEditor() == nullptr, comesThrough) << key;
+        EXPECT_EQ(list.CellText(0, 1), comesThrough ? "0.5" : "0") << key;
+        EXPECT_EQ(prompts.opened.size() + Log().size() - told, comesThrough ? 1u : 0u) << key;
+    }
+}
+
 TEST_F(FramePanes, TheRawViewerKeepsItsWidthWhileThereIsRoomAndThePanesTheirs) {
     RestoreAppearance();  // the widths are those of the program's own look
     Start();
