@@ -74,6 +74,10 @@ std::optional<SentCoefficients> SendCoefficients(CTonewrightAcq& session, const 
     const auto fail = [](bool) { return std::optional<SentCoefficients>(); };
     const std::string unusable = WhyUnusableCoefficients(path);
     if (!unusable.empty()) return fail(CTivManager::Refuse(path + ": " + unusable));
+    std::error_code none;
+    if (std::filesystem::equivalent(path, backup, none)) {
+        return fail(CTivManager::Refuse(backup + ": is to be sent, so it cannot take the backup"));
+    }
     ZvnAcqDevice* camera = session.GetCamera();
     const bool hasFeatures = camera && camera->HasColorFeatures();
     const CoefficientWay found = FindCoefficientWay(session);

@@ -31,8 +31,8 @@ struct SentCoefficients {
 /// Sends a coefficient file (.ccor) to the session's device.
 /// @param way File or Features where it must be that one, None for the one that is found
 /// @param backup receives the device's present coefficients before anything is written; empty: they are not kept
-/// @return nothing, reported, where the file cannot be a calibration, the device does not have the way, the backup or
-///         the transfer fails; but for the last two nothing was written
+/// @return nothing, reported, where the file cannot be a calibration, the backup is that file itself, the device does
+///         not have the way, the backup or the transfer fails; but for the last two nothing was written
 std::optional<SentCoefficients> SendCoefficients(CTonewrightAcq& session, const std::string& path, CoefficientWay way,
                                                  const std::string& backup);
 

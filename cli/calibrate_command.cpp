@@ -167,6 +167,12 @@ std::vector<std::string> getOutputs(const CalibrateOptions& options) {
     return outputs;
 }
 
+std::vector<std::string> getInputs(const CalibrateOptions& options) {
+    std::vector<std::string> inputs = options.list.pictures;
+    inputs.insert(inputs.end(), {options.target.reference.value_or(""), options.target.values, options.chart.layout});
+    return inputs;
+}
+
 /// What is written into a folder by its extension.
 struct FolderType {
     const char* extension;
@@ -241,8 +247,9 @@ void checkMany(const CalibrateOptions& options) {
     if (options.settings.method == FitMethod::Perceptual && std::ranges::count(options.types, "twkp") != 0) {
         throw UsageFailure("--write twkp cannot carry a perceptual fit: loading the file fits by least squares");
     }
-    RequireOwnPlaces(options.list, [&](const std::string& picture) { return getOutputs(forPicture(options, picture)); },
-                     {options.target.reference.value_or(""), options.target.values, options.chart.layout});
+    RequireOwnPlaces(
+        options.list, [&](const std::string& picture) { return getOutputs(forPicture(options, picture)); },
+        getInputs(options));
 }
 
 /// What the single options cannot see of each other.
@@ -254,7 +261,7 @@ void check(const CalibrateOptions& options) {
     if (options.settings.method == FitMethod::Perceptual && !options.parameters.empty()) {
         throw UsageFailure("--parameters cannot carry a perceptual fit: loading the file fits by least squares");
     }
-    RequireDifferentPlaces(getOutputs(options));
+    if (!options.list.IsMany()) RequireDifferentPlaces(getOutputs(options), getInputs(options));
 }
 
 void addSettings(CLI::App& command, CalibrateOptions& options) {

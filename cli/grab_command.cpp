@@ -75,6 +75,14 @@ Outcome grab(const GrabOptions& options) {
             outputs};
 }
 
+void check(const GrabOptions& options) {
+    std::vector<std::string> pictures;
+    for (int number = 1; number <= options.count; ++number) {
+        pictures.push_back(numbered(options.file, number, options.count));
+    }
+    RequireDifferentPlaces(pictures, {options.dark, options.flat});
+}
+
 auto parseUpTo(int most) {
     return [most](const std::string& text) {
         const auto count = ParseInteger(text);
@@ -107,6 +115,8 @@ void AddGrabCommand(CLI::App& tool, Work& work) {
         ->type_name("N");
     command->add_option("--dark", options->dark, "A picture taken without light, to subtract")->type_name("FILE");
     command->add_option("--flat", options->flat, "A picture of an even surface, to divide by")->type_name("FILE");
-    command->callback(
-        [options, &work] { work = [options] { return BackendWords(Tell).Explain([&] { return grab(*options); }); }; });
+    command->callback([options, &work] {
+        check(*options);
+        work = [options] { return BackendWords(Tell).Explain([&] { return grab(*options); }); };
+    });
 }

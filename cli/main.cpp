@@ -31,6 +31,17 @@ bool print(const Json& document) {
     return static_cast<bool>(std::cout);
 }
 
+/// An empty word most often comes from a script's variable that nobody set. Taken for an option that was not given it
+/// would write nothing, or choose another device.
+void refuseEmptyWords(CLI::App& tool) {
+    for (CLI::App* command : tool.get_subcommands({})) {
+        for (CLI::Option* option : command->get_options()) {
+            if (option->get_items_expected_max() == 0) continue;  // a flag
+            option->check([](const std::string& word) { return std::string(word.empty() ? "is empty" : ""); });
+        }
+    }
+}
+
 int run(const Work& work) {
     int status = kDone;
     const auto failure = WhyFailed([&] {
@@ -46,7 +57,10 @@ int run(const Work& work) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const SignalWatch watch;
+    std::optional<SignalWatch> watch;
+    if (const auto failure = WhyFailed([&] { watch.emplace(); })) {
+        return fail(failure->status, "cannot watch for signals: " + failure->text);
+    }
     CTivManager::Initialize();
     ListenToLibrary();
 
@@ -55,10 +69,12 @@ int main(int argc, char** argv) {
     tool.require_subcommand(0, 1);  // none is told below, so that an unknown word is named
     Work work;
     for (const auto add : kCommands) add(tool, work);
+    refuseEmptyWords(tool);
     try {
         tool.parse(argc, argv);
     } catch (const CLI::Success& success) {  // help and version
-        return tool.exit(success);
+        const int status = tool.exit(success);
+        return std::cout.flush() ? status : fail(kWorkFailed, "cannot write to standard output");
     } catch (const CLI::ParseError& error) {
         return fail(kWrongUsage, std::string(error.what()) + "\nRun with --help for more information.");
     } catch (const UsageFailure& failure) {

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 using namespace tonewright;
@@ -61,4 +62,15 @@ void OutputSet::Commit(const std::function<bool()>& tell) {
     const auto failure = StagedFile::CommitAll(files_, confirm);
     if (!isTold) throw WorkFailure("cannot write to standard output");
     if (failure) throw WorkFailure(paths_[failure->index] + ": " + failure->error.message());
+}
+
+void RequireDifferentPlaces(const std::vector<std::string>& outputs, const std::vector<std::string>& inputs) {
+    std::set<std::string> taken, written;
+    for (const std::string& input : inputs) taken.insert(OutputSet::PlaceOf(input));
+    for (const std::string& path : outputs) {
+        if (path.empty()) continue;
+        const std::string place = OutputSet::PlaceOf(path);
+        if (taken.contains(place)) throw UsageFailure(path + " is to be written, and is an input");
+        if (!written.insert(place).second) throw UsageFailure(path + " is to be written twice");
+    }
 }

@@ -41,3 +41,7 @@ private:
     std::vector<std::string> paths_;
     std::vector<tonewright::StagedFile> files_;
 };
+
+/// Holds what will be written against each other and what is read; empty names don't count.
+/// @throw UsageFailure
+void RequireDifferentPlaces(const std::vector<std::string>& outputs, const std::vector<std::string>& inputs);

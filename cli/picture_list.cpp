@@ -143,8 +143,7 @@ std::string PlaceFor(const std::string& folder, const std::string& picture, cons
 
 void RequireOwnPlaces(const PictureList& list,
                       const std::function<std::vector<std::string>(const std::string& picture)>& placesFor,
-                      std::vector<std::string> inputs) {
-    inputs.insert(inputs.end(), list.pictures.begin(), list.pictures.end());
+                      const std::vector<std::string>& inputs) {
     std::set<std::string> taken, written;
     for (const std::string& input : inputs) taken.insert(OutputSet::PlaceOf(input));
     for (const std::string& picture : list.pictures) {

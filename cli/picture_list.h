@@ -23,13 +23,13 @@ void AddPictureOptions(CLI::App& command, PictureList& list, const std::string& 
 /// "FOLDER/NAME" + extension, with the picture's name.
 std::string PlaceFor(const std::string& folder, const std::string& picture, const std::string& extension);
 
-/// Holds what will be written for the pictures against them and each other.
+/// Holds what will be written for the pictures against each other and what is read.
 /// @param placesFor the files of a picture; empty ones don't count
-/// @param inputs further ones that must not be written over
+/// @param inputs must not be written over
 /// @throw UsageFailure
 void RequireOwnPlaces(const PictureList& list,
                       const std::function<std::vector<std::string>(const std::string& picture)>& placesFor,
-                      std::vector<std::string> inputs);
+                      const std::vector<std::string>& inputs);
 
 /// @param options names and values of what names a single file
 /// @param instead completes "with many pictures ..." @throw UsageFailure where a list of many has one

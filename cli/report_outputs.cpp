@@ -1,7 +1,6 @@
 #include "cli/report_outputs.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <fstream>
 
 #include "cli/arguments.h"
@@ -51,17 +50,5 @@ void WriteExports(OutputSet& outputs, const ReportOptions& options, const std::s
         const std::string content = MakeExport(path, engine, transform, report, name);
         if (content.empty()) throw WorkFailure(path + ": cannot be made of this calibration");
         writeText(outputs, path, content);
-    }
-}
-
-void RequireDifferentPlaces(const std::vector<std::string>& paths) {
-    std::vector<std::string> places;
-    for (const std::string& path : paths) {
-        if (path.empty()) continue;
-        std::string place = OutputSet::PlaceOf(path);
-        if (std::find(places.begin(), places.end(), place) != places.end()) {
-            throw UsageFailure(path + " is to be written twice");
-        }
-        places.push_back(std::move(place));
     }
 }

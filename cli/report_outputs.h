@@ -27,6 +27,3 @@ void WriteReport(OutputSet& outputs, const ReportOptions& options, tonewright::R
 /// @param report for the patches' colors
 void WriteExports(OutputSet& outputs, const ReportOptions& options, const std::string& name,
                   const CTivTonewrightDC& engine, const CTivVector& transform, const tonewright::Report& report);
-
-/// @param paths of outputs; empty ones don't count @throw UsageFailure where two are the same place
-void RequireDifferentPlaces(const std::vector<std::string>& paths);

@@ -171,13 +171,19 @@ Outcome verifyAll(const VerifyOptions& options) {
     return WorkOnEach(options.list, [&](const std::string& picture) { return verify(forPicture(options, picture)); });
 }
 
+std::vector<std::string> getInputs(const VerifyOptions& options) {
+    std::vector<std::string> inputs = options.list.pictures;
+    inputs.insert(inputs.end(), {options.parameters, options.coefficients, options.target.reference.value_or(""),
+                                 options.target.values, options.chart.layout});
+    return inputs;
+}
+
 void checkMany(const VerifyOptions& options) {
     RequireNoSingleFile({{"--report", options.report.report}}, "--output-folder takes one of each");
     RequireOwnPlaces(
         options.list,
         [&](const std::string& picture) { return std::vector{forPicture(options, picture).report.report}; },
-        {options.parameters, options.coefficients, options.target.reference.value_or(""), options.target.values,
-         options.chart.layout});
+        getInputs(options));
 }
 
 void check(const VerifyOptions& options) {
@@ -186,7 +192,8 @@ void check(const VerifyOptions& options) {
     }
     CheckChartOptions(options.chart);
     CheckTargetOptions(options.target);
-    if (options.list.IsMany()) checkMany(options);
+    if (options.list.IsMany()) return checkMany(options);
+    RequireDifferentPlaces({options.report.report}, getInputs(options));
 }
 
 }  // namespace

@@ -96,11 +96,11 @@ std::optional<ToneCurve> fitToneCurve(const MeasuredChart& chart) {
             curve.pedestal[channel] = pedestal;
             error += left;
         }
-        if (error >= least) continue;
+        if (!(error < least)) continue;  // nor what is no number
         least = error;
         best = curve;
     }
-    return best;
+    return std::isfinite(least) ? std::optional(best) : std::nullopt;
 }
 
 /// Raw means brought to linear, of full scale.
@@ -310,7 +310,7 @@ std::optional<Finding> FindMisread(const MeasuredChart& chart) {
     for (const Order& order : kOrders) {
         if (order.width != chart.chart.Width || order.height != chart.chart.Height) continue;
         const double error = errorOf([&order](int i) { return order.place(i / 6, i % 6); });
-        if (error >= least) continue;
+        if (!(error < least)) continue;  // nor what is no number
         least = error;
         better = &order;
     }

@@ -77,6 +77,15 @@ TEST_F(CommandLine, AWrongOneIsTwoAndNamesTheArgument) {
         {{"calibrate", image, "--reference", image, "--illuminant", "A"}, "--illuminant"},
         {{"calibrate", image, "--corrected", Path("x.crc")}, "--corrected"},
         {{"calibrate", image, "--corrected", Path("x.bmp"), "--parameters", Path("x.bmp")}, "x.bmp"},
+        {{"calibrate", "y.bmp", "--corrected", "./y.bmp"}, "is to be written, and is an input"},
+        {{"calibrate", image, "--report", "y.csv", "--illuminant", "user", "--white", "1,1,1", "--values", "./y.csv"},
+         "y.csv is to be written, and is an input"},
+        {{"calibrate", image, "--coefficients", ""}, "--coefficients: is empty"},
+        {{"verify", "y.bmp", "--parameters", "p", "--report", "./y.bmp"}, "is to be written, and is an input"},
+        {{"verify", image, "--coefficients", "p", "--report", "p"}, "p is to be written, and is an input"},
+        {{"grab", "f.bmp", "--dark", "./f.bmp"}, "f.bmp is to be written, and is an input"},
+        {{"grab", "f.bmp", "--count", "12", "--flat", "f-07.bmp"}, "f-07.bmp is to be written, and is an input"},
+        {{"send", "f.ccor", "--device", ""}, "--device: is empty"},
         {{"apply", image, "--output", Path("x.bmp")}, "--parameters"},
         {{"apply", image, "--parameters", "p", "--coefficients", "c", "--output", Path("x.bmp")}, "--coefficients"},
         {{"apply", image, "--parameters", "p"}, "--output"},
@@ -85,6 +94,7 @@ TEST_F(CommandLine, AWrongOneIsTwoAndNamesTheArgument) {
         {{"apply", image, image, "--parameters", "p", "--output", Path("x.bmp")}, "--output"},
         {{"apply", image, "--parameters", "p", "--output", Path(""), "--type", "png"}, "--type"},
         {{"info"}, "FILE"},
+        {{"info", image, ""}, "FILE: is empty"},
         {{"convert", image, Path("x.png")}, "OUTPUT"},
         {{"convert", image, Path("x.bmp"), "--format", "FormatPurple"}, "--format"},
         {{"convert", image, Path("x.bmp"), "--mode", "3"}, "--mode"},
@@ -97,6 +107,23 @@ TEST_F(CommandLine, AWrongOneIsTwoAndNamesTheArgument) {
         EXPECT_THAT(run.err, HasSubstr(named)) << line;
     }
     EXPECT_TRUE(Files().empty());
+}
+
+TEST_F(CommandLine, WhatCannotBeSaidOrBegunIsOne) {
+    const ToolRun unsaid = RunTool({"--help"}, "/dev/full");
+    EXPECT_EQ(unsaid.status, 1);
+    EXPECT_THAT(unsaid.err, HasSubstr("cannot write to standard output"));
+#ifndef __SANITIZE_ADDRESS__  // whose own memory has no room under the limits
+    bool isDone = false;
+    for (int megabytes = 40; megabytes <= 400 && !isDone; ++megabytes) {
+        const ToolRun run =
+            RunTool({"info", kSample}, {}, "ulimit -v " + std::to_string(megabytes * 1024) + "; ulimit -c 0;");
+        isDone = run.status == 0;
+        const int expected = isDone ? 0 : run.status == 127 ? 127 : 1;  // 127: the system could not load the program
+        EXPECT_EQ(run.status, expected) << megabytes << " MiB: " << run.err;
+    }
+    EXPECT_TRUE(isDone);
+#endif
 }
 
 }  // namespace

@@ -243,6 +243,15 @@ TEST_F(DeviceCommands, SendKeepsABackupTellsItsWayAndReceiveReadsBack) {
         EXPECT_EQ(ReadBytes(Path("ColorCorrectionMatrix")), "factory");
     }
     EXPECT_EQ(ReadBytes(Path("b.ccor")), "");
+    Simulate(kCamera);
+    std::filesystem::create_hard_link(file, Path("same.ccor"));
+    for (const char* backup : {"new.ccor", "same.ccor"}) {
+        const ToolRun refused = RunTool({"send", file, "--backup", Path(backup)});
+        EXPECT_EQ(refused.status, 1) << backup;
+        EXPECT_THAT(refused.err, testing::HasSubstr("is to be sent, so it cannot take the backup"));
+        EXPECT_EQ(ReadBytes(file), identity());
+        EXPECT_EQ(ReadBytes(Path("ColorCorrectionMatrix")), "factory");
+    }
     Simulate("[Grabber]\nkind = frame grabber\nfiles = .\n[Other]\nkind = other\n");
     const ToolRun filter = RunTool({"send", file, "--device", "Grabber"});
     ASSERT_EQ(filter.status, 0) << filter.err;

@@ -196,6 +196,9 @@ TEST(Findings, WithoutTargetsOrPatchesNothingIsGuessed) {
     encode(unknown, 0.45);
     slope(unknown, 0.5, 0);
     EXPECT_EQ(codes(FindInPicture(unknown)), std::vector<std::string>{});
+    MeasuredChart unlit = cleanChart();
+    for (Xyz& target : unlit.targets) target = {};
+    EXPECT_EQ(codes(FindInPicture(unlit)), std::vector<std::string>{});
     EXPECT_EQ(codes(FindInPicture(MeasuredChart{{6, 4}, CTivData::FormatUByte, {}, {}, {}, 4, 6, {}})),
               std::vector<std::string>{});
 }
