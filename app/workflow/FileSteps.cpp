@@ -24,6 +24,7 @@ bool isPicture(const QString& path) { return holds(path, ".bmp") || holds(path, 
 bool FileSteps::LoadParameterFile(const QString& path) {
     if (!m_work.engine.Load(path.toStdString())) {
         m_work.news.LogLastError(LogError);
+        m_parameters.ShowGamma();  // a file that breaks off has replaced what came before its end
         return false;
     }
     m_calibration.NoteFit();

@@ -364,6 +364,22 @@ TEST_F(WorkflowSteps, TheTitleNamesTheParameterFileAndWhatIsNotInIt) {
     EXPECT_EQ(title(), "camera 1.twkp* - Zelvan Tonewright");
 }
 
+// Such a file has replaced the parameters before the record that breaks off.
+TEST_F(WorkflowSteps, GammaIsShownAsItIsInForceAfterAFileThatBreaksOff) {
+    LoadChart();
+    EditGamma("60");
+    prompts.path = Path("a.twkp");
+    Files().OnSaveParameters();
+    std::string file = Read("a.twkp");
+    file.replace(88, 10, "no record.");
+    Write("half.twkp", file);
+    EditGamma("45");
+    EXPECT_FALSE(Files().LoadParameterFile(Path("half.twkp")));
+    EXPECT_FLOAT_EQ(GetEngine().GetGamma(), 0.6f);
+    EXPECT_EQ(controls.EditText(ID_EDIT_GAMMA), "60");
+    EXPECT_EQ(controls.SliderValue(ID_SLD_GAMMA), 60);
+}
+
 // The colors that a file brought are the same whether they stand in the list or not.
 TEST_F(WorkflowSteps, ColorsOfAFileInTheListsAreNoChange) {
     LoadChart();
