@@ -64,7 +64,8 @@ void ParameterSteps::SyncControlsFromEngine() {
         m_work.lists.FillReferenceColors(*engine.GetReferenceColors());
     }
     m_work.lists.FillRawColors(*engine.GetRawColors());
-    m_work.manualColors = false;
+    // The rectangles are around the charts again: the next fit would look for a whole chart in the one to pick with.
+    if (m_work.manualColors) m_calibration.OnColorsAutomatic();
     emit m_work.news.parametersReplaced();
 }
 

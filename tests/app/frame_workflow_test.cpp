@@ -138,6 +138,24 @@ TEST_F(FrameWorkflow, FindChartLeavesTheRectangleToPickWithAndSaysWhereItIs) {
 }
 
 // Two patches in one rectangle: what is picked says so in the list.
+// Picked by hand, then parameters that end that: the next fit is made from the whole chart again.
+TEST_F(FrameWorkflow, ParametersThatComeEndPickingByHandInTheViewersToo) {
+    LoadChart();
+    prompts.path = Path("a.twkp");
+    Run(ID_BTN_PARAM_SAVE);
+    prompts.yes = true;
+    const ViewRect chart = frame->RawViewer().GetRoi();
+    for (const int id : {ID_BTN_PARAM_LOAD, ID_BTN_PARAM_RESET}) {
+        Run(ID_BTN_COLOR_MANUAL);
+        EXPECT_NE(frame->RawViewer().GetRoi(), chart);
+        Run(id);
+        EXPECT_EQ(frame->RawViewer().GetRoi(), chart) << id;
+        EXPECT_EQ(frame->RawViewer().ImageOverlay().Rectangles().size(), 24u) << id;
+        EXPECT_FALSE(frame->GetState().rawColorListEnabled) << id;
+    }
+    EXPECT_TRUE(Log().empty());
+}
+
 TEST_F(FrameWorkflow, AColorPickedOverAnEdgeIsMarkedInItsRow) {
     LoadChart();
     Run(ID_BTN_COLOR_MANUAL);
