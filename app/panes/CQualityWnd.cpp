@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "app/panes/PatchCells.h"
 #include "app/panes/PlotView.h"
@@ -18,6 +19,8 @@ namespace {
 
 constexpr int kMargin = 8;
 constexpr double kHeadlineScale = 2.2;
+
+bool isError(const Finding& finding) { return finding.severity == Severity::Error; }
 
 QLabel* addLabel(QVBoxLayout& layout, const char* name) {
     auto* label = new QLabel;
@@ -81,6 +84,7 @@ void CQualityWnd::ShowReport(const Report& report) {
     m_caption->setText("mean difference of what is delivered (CIEDE2000)");
     m_figures->setText(quality_texts::Figures(report));
     m_findings->setText(quality_texts::Findings(report.findings, report_words::WithoutFindings(report)));
+    PlaceFindings(std::ranges::any_of(report.findings, isError));
     m_cells->SetPatches(report.patches, report.columns);
     for (QWidget* part :
          {static_cast<QWidget*>(m_headline), static_cast<QWidget*>(m_figures), static_cast<QWidget*>(m_cells),
@@ -96,6 +100,13 @@ void CQualityWnd::ShowReport(const Report& report) {
 void CQualityWnd::ShowVerification(const Report& report, const QString& fileName) {
     ShowReport(report);
     SetVerified(fileName);
+}
+
+// What makes the figures worthless stands above them, where it is seen in a low pane, too; the rest below the plot.
+void CQualityWnd::PlaceFindings(bool onTop) {
+    auto& layout = static_cast<QVBoxLayout&>(*m_findings->parentWidget()->layout());
+    layout.removeWidget(m_findings);
+    layout.insertWidget(onTop ? layout.indexOf(m_headline) : layout.indexOf(m_plot) + 1, m_findings);
 }
 
 void CQualityWnd::SetVerified(const QString& fileName) {
@@ -118,6 +129,7 @@ void CQualityWnd::Clear() {
     m_cells->SetPatches({}, m_report.columns);
     m_caption->setText("Nothing calibrated yet. \"Calibrate and Preview\" shows here what is delivered.");
     m_findings->clear();
+    PlaceFindings(false);
     for (QWidget* part :
          {static_cast<QWidget*>(m_headline), static_cast<QWidget*>(m_figures), static_cast<QWidget*>(m_cells),
           static_cast<QWidget*>(m_patch), static_cast<QWidget*>(m_plotChoice), static_cast<QWidget*>(m_plot)}) {

@@ -37,6 +37,7 @@ signals:
     void backWanted();  ///< from a verification
 
 private:
+    void PlaceFindings(bool onTop);
     void SetVerified(const QString& fileName);  ///< empty: what is shown is the calibration
     void ShowPlot();
     void ShowPatch(int index);

@@ -101,7 +101,15 @@ TEST(QualityPane, FollowsWhatTheUserDoes) {
     worse.before = worse.mean;
     pane.ShowReport(worse);
     EXPECT_EQ(textOf(pane, "findings"), "What is delivered is no closer to what is wanted than before.");
+    const auto top = [&](const char* name) {
+        QCoreApplication::processEvents();  // which lays it out
+        return pane.findChild<QLabel*>(name)->y();
+    };
+    worse.findings = {{"singular", Severity::Error, "This is no calibration.", {}}};
+    pane.ShowReport(worse);
+    EXPECT_LT(top("findings"), top("headline")) << "in sight, however low the pane is";
     pane.ShowReport(report(24, 2));
+    EXPECT_GT(top("findings"), top("patch"));
     EXPECT_EQ(textOf(pane, "headline"), "4.1");
     EXPECT_EQ(cells->GetPointed(), -1);
 }
