@@ -9,7 +9,7 @@ tree=${1:-$(mktemp -d)}
 [ -n "${1:-}" ] || trap 'rm -rf --one-file-system "$tree"' EXIT
 within() { chroot "$tree" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
 
-[ -e "$tree/bin/sh" ] || debootstrap --variant=minbase --include=man-db,bash-completion,libglib2.0-bin bookworm "$tree" ${mirror:+"$mirror"} >"$tree.log" 2>&1 ||
+[ -e "$tree/bin/sh" ] || debootstrap --variant=minbase --include=man-db,bash-completion,libglib2.0-bin,shared-mime-info bookworm "$tree" ${mirror:+"$mirror"} >"$tree.log" 2>&1 ||
   { tail "$tree.log"; exit 1; }
 rm -f "$tree/etc/dpkg/dpkg.cfg.d/docker"  # manual pages are to be installed
 within dpkg --get-selections | sort > "$tree/before"
