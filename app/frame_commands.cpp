@@ -250,7 +250,12 @@ void CMainFrame::OnExit() { close(); }
 void CMainFrame::OnAbout() { CAboutDlg(this).exec(); }
 
 void CMainFrame::OnHelp() {
-    if (!OpenHelpFile()) (new CHelpWnd(this))->show();
+    if (OpenHelpFile()) return;
+    auto* page = findChild<CHelpWnd*>();
+    if (!page) page = new CHelpWnd(this);
+    page->show();
+    page->raise();
+    page->activateWindow();
 }
 
 void CMainFrame::OnContextHelp() { QWhatsThis::enterWhatsThisMode(); }

@@ -18,6 +18,7 @@
 #include "acquisition/zvn/CAbortDlg.h"
 #include "app/AcquisitionDialogs.h"
 #include "app/CAboutDlg.h"
+#include "app/CHelpWnd.h"
 #include "app/FrameMessage.h"
 #include "app/HelpFile.h"
 #include "app/toolkit/QtPrompts.h"
@@ -252,6 +253,20 @@ TEST(Help, PathFollowsTheRootAndFallsBackBesideTheProgram) {
     EXPECT_FALSE(OpenHelpFile()) << "there is none";
     SetHelpRoot("");
     EXPECT_EQ(HelpFilePath(), QCoreApplication::applicationFilePath() + ".chm");
+}
+
+using FrameHelp = Studio;
+
+TEST_F(FrameHelp, OnePageIsEnoughAndComesAgainAfterItWasClosed) {
+    for (int i = 0; i < 2; ++i) {
+        Run(ID_HELP);
+        Run(ID_HELP);
+        const auto pages = frame->findChildren<CHelpWnd*>();
+        ASSERT_EQ(pages.size(), 1);
+        EXPECT_TRUE(pages[0]->isVisible());
+        pages[0]->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 }
 
 class RibbonWidth : public Studio, public testing::WithParamInterface<int> {};
