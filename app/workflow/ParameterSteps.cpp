@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 
 #include "app/CommandIds.h"
 #include "app/illuminant_commands.h"
@@ -16,6 +17,9 @@ namespace {
 
 constexpr int kAbsolute = 0;
 constexpr int kRelative = 1;
+constexpr const char* kPickingEnded =
+    "Colors are no longer picked by hand, but the rectangles are still those to pick with. Choose Color Selection, "
+    "Automatic to find the charts again";
 
 struct SaturationChannel {
     int editId;
@@ -64,8 +68,8 @@ void ParameterSteps::SyncControlsFromEngine() {
         m_work.lists.FillReferenceColors(*engine.GetReferenceColors());
     }
     m_work.lists.FillRawColors(*engine.GetRawColors());
-    // The rectangles are around the charts again: the next fit would look for a whole chart in the one to pick with.
-    if (m_work.manualColors) m_calibration.OnColorsAutomatic();
+    // The rectangles deliberately (C46) stay those to pick with, in which a fit will look for a whole chart.
+    if (std::exchange(m_work.manualColors, false)) m_work.news.Log(kPickingEnded, LogWarning);
     emit m_work.news.parametersReplaced();
 }
 
