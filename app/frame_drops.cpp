@@ -7,15 +7,35 @@
 
 #include "app/CMainFrame.h"
 
-void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+namespace {
+
+/// What the program that the file comes from is told to do: never to take the file away, as a move would.
+/// @return Qt::IgnoreAction where it offers nothing else, or no file of this machine comes first
+Qt::DropAction actionFor(const QDropEvent& event) {
+    const QList<QUrl> urls = event.mimeData()->urls();
+    if (urls.isEmpty() || !urls.constFirst().isLocalFile()) return Qt::IgnoreAction;
+    for (const Qt::DropAction action : {Qt::CopyAction, Qt::LinkAction}) {
+        if (event.possibleActions() & action) return action;
+    }
+    return Qt::IgnoreAction;
 }
+
+bool accept(QDropEvent& event) {
+    const Qt::DropAction action = actionFor(event);
+    event.setDropAction(action);
+    event.setAccepted(action != Qt::IgnoreAction);
+    return event.isAccepted();
+}
+
+}  // namespace
+
+void CMainFrame::dragEnterEvent(QDragEnterEvent* event) { accept(*event); }
+
+void CMainFrame::dragMoveEvent(QDragMoveEvent* event) { accept(*event); }
 
 // Of several files the first counts. It is opened once the drop is over: a dialog would keep the other program waiting.
 void CMainFrame::dropEvent(QDropEvent* event) {
-    const QList<QUrl> urls = event->mimeData()->urls();
-    if (urls.isEmpty() || !urls.constFirst().isLocalFile()) return;
-    event->acceptProposedAction();
-    const auto open = [this, path = urls.constFirst().toLocalFile()] { OpenDroppedFile(path); };
+    if (!accept(*event)) return;
+    const auto open = [this, path = event->mimeData()->urls().constFirst().toLocalFile()] { OpenDroppedFile(path); };
     QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
 }

@@ -146,6 +146,30 @@ TEST_F(Frame, OfSeveralDroppedFilesTheFirstCounts) {
     EXPECT_TRUE(Log().empty());
 }
 
+// A file that is moved goes away from where it was.
+TEST_F(Frame, ADropNeverTakesTheFileAwayAndWantsOneOfThisMachine) {
+    const QUrl file = QUrl::fromLocalFile(WriteChart("a.bmp"));
+    struct Case {
+        QUrl url;
+        Qt::DropActions offered;
+        Qt::DropAction taken;
+    };
+    for (const Case& c :
+         {Case{file, Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction},
+          Case{file, Qt::MoveAction | Qt::LinkAction, Qt::LinkAction}, Case{file, Qt::MoveAction, Qt::IgnoreAction},
+          Case{QUrl("https://example.org/a.bmp"), Qt::CopyAction, Qt::IgnoreAction}}) {
+        QMimeData files;
+        files.setUrls({c.url});
+        QDragEnterEvent enter(QPoint(10, 10), c.offered, &files, Qt::LeftButton, Qt::NoModifier);
+        QDragMoveEvent move(QPoint(10, 10), c.offered, &files, Qt::LeftButton, Qt::NoModifier);
+        QDropEvent drop(QPointF(10, 10), c.offered, &files, Qt::LeftButton, Qt::NoModifier);
+        for (QDropEvent* event : std::initializer_list<QDropEvent*>{&enter, &move, &drop}) {
+            static_cast<QObject&>(*frame).event(event);
+            EXPECT_EQ(event->isAccepted() ? event->dropAction() : Qt::IgnoreAction, c.taken) << event->type();
+        }
+    }
+}
+
 TEST_F(Frame, DroppedValuesLoadWhileTheIlluminantIsUserDefined) {
     Run(ID_BTN_ILLUMINANT_USER);
     std::string lines;
