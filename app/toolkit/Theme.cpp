@@ -236,7 +236,7 @@ const Colors* inForce = &kLight;
 QString styleSheet(const Colors& colors) {
     QString sheet = kStyleSheet;
     for (const Word& word : kWords) sheet.replace(word.word, (colors.*word.color).name());
-    return sheet.replace("@variant", &colors == &kDark ? "-light" : "");
+    return sheet.replace("@variant", &colors == &kDark ? "-light" : &colors == &kNeutralGray ? "-gray" : "");
 }
 
 QPalette paletteOf(const Colors& colors) {

@@ -216,6 +216,12 @@ TEST_F(FramePanes, TextsCanBeReadInEverySetOfColorsAndTheChoiceIsKept) {
         for (const QColor& color : {now.window, now.surface, now.raised, now.accent, now.selection, now.text}) {
             EXPECT_EQ(color.hsvSaturation(), 0);
         }
+        Run(ID_CBTN_RAW_COLOR_LIST);
+        const QImage pane = frame->RawColorPane().grab().toImage();  // its buttons have pictures of their own
+        for (int y = 0; y < 24; ++y) {
+            for (int x = 0; x < pane.width(); ++x)
+                ASSERT_EQ(pane.pixelColor(x, y).hsvSaturation(), 0) << x << ", " << y;
+        }
     }
 }
 
