@@ -48,7 +48,7 @@ private:
 };
 
 // A thread that is late may still hold it when the process ends.
-const std::shared_ptr<Road>& road() {
+std::shared_ptr<Road> road() {
     static const auto theRoad = std::make_shared<Road>();
     return theRoad;
 }
@@ -61,9 +61,10 @@ void Open(CMainFrame& frame) {
 }
 
 void Close() {
-    const std::lock_guard hold(road()->lock);
-    road()->frame = nullptr;
-    for (const auto& gate : road()->gates) gate->Open();
+    const std::shared_ptr<Road> own = road();
+    const std::lock_guard hold(own->lock);
+    own->frame = nullptr;
+    for (const auto& gate : own->gates) gate->Open();
 }
 
 void Send(int bufferIndex) {
