@@ -1,31 +1,16 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdint>
 #include <limits>
 #include <type_traits>
 
-#include "foundation/CTivData.h"
+#include "foundation/cast_rows.h"
 
 /// Calls `body` with a value of the element type of a gray format; FormatChar is signed.
 /// @return what `body` gives, or `none` for any other format
 template <class Answer, class Body>
 Answer withGrayElement(CTivData::Format format, Answer none, Body body) {
-    switch (format) {
-        case CTivData::FormatChar:
-        case CTivData::FormatByte:
-            return body(std::int8_t{});
-        case CTivData::FormatUByte:
-            return body(std::uint8_t{});
-        case CTivData::FormatShort:
-            return body(std::int16_t{});
-        case CTivData::FormatUShort:
-            return body(std::uint16_t{});
-        case CTivData::FormatFloat:
-            return body(float{});
-        default:
-            return none;
-    }
+    return tonewright::WithNumber(format == CTivData::FormatChar ? CTivData::FormatByte : format, none, body);
 }
 
 /// Limits a level to the range of a whole-number type and cuts it to a whole number (NaN to the lower end); a float

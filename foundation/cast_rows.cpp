@@ -126,25 +126,6 @@ CastRow pick(CastKind kind, bool wide) {
     return wide ? wideRow<From, To, Clip<From, To>> : plainRow<From, To, Clip<From, To>>;
 }
 
-// Answers visit(number of the format's type), or `none` for a format that is not numeric.
-template <class Answer, class Visit>
-Answer withNumber(D::Format format, Answer none, Visit visit) {
-    switch (format) {
-        case D::FormatByte:
-            return visit(std::int8_t{});
-        case D::FormatUByte:
-            return visit(std::uint8_t{});
-        case D::FormatShort:
-            return visit(std::int16_t{});
-        case D::FormatUShort:
-            return visit(std::uint16_t{});
-        case D::FormatFloat:
-            return visit(float{});
-        default:
-            return none;
-    }
-}
-
 template <class T>
 TONEWRIGHT_BODY void rangeOfRow(const T* row, std::size_t count, T& least, T& most) {
     T lowest = least, highest = most;
@@ -176,14 +157,14 @@ auto rangeRow(bool wide) {
 }  // namespace
 
 CastRow GetCastRow(CTivData::Format from, CTivData::Format to, CastKind kind, bool wide) {
-    return withNumber(from, CastRow{}, [&]<class From>(From) {
-        return withNumber(to, CastRow{}, [&]<class To>(To) { return pick<From, To>(kind, wide); });
+    return WithNumber(from, CastRow{}, [&]<class From>(From) {
+        return WithNumber(to, CastRow{}, [&]<class To>(To) { return pick<From, To>(kind, wide); });
     });
 }
 
 CastRange GetCastRange(const NurImage& image, bool wide) {
     if (!image.data || image.roi.width <= 0 || image.roi.height <= 0) return {};
-    return withNumber(image.format, CastRange{}, [&]<class T>(T) {
+    return WithNumber(image.format, CastRange{}, [&]<class T>(T) {
         const auto row = rangeRow<T>(wide);
         constexpr bool kHasEnds = Limits<T>::has_infinity;  // a first pixel that is no number says nothing
         T least = kHasEnds ? Limits<T>::infinity() : Limits<T>::max();

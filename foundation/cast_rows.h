@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "foundation/nur_image.h"
 
@@ -34,5 +35,25 @@ struct CastRange {
     float most = 0;
 };
 CastRange GetCastRange(const NurImage& image, bool wide);
+
+/// Calls `visit` with a zero of a numeric format's type.
+/// @return what `visit` gives, or `none` for a format that is not numeric
+template <class Answer, class Visit>
+Answer WithNumber(CTivData::Format format, Answer none, Visit visit) {
+    switch (format) {
+        case CTivData::FormatByte:
+            return visit(std::int8_t{});
+        case CTivData::FormatUByte:
+            return visit(std::uint8_t{});
+        case CTivData::FormatShort:
+            return visit(std::int16_t{});
+        case CTivData::FormatUShort:
+            return visit(std::uint16_t{});
+        case CTivData::FormatFloat:
+            return visit(float{});
+        default:
+            return none;
+    }
+}
 
 }  // namespace tonewright
