@@ -14,7 +14,7 @@ export tidy=$(command -v clang-tidy-14 || command -v clang-tidy)
 export passed=${XDG_CACHE_HOME:-$HOME/.cache}/tonewright-tidy
 mkdir -p "$passed"
 find "$passed" -type f -mtime +30 -delete
-how=$({ cat .clang-tidy "$0"; "$tidy" --version; echo "$checks"; } | sha256sum)
+how=$({ cat .clang-tidy */.clang-tidy "$0"; "$tidy" --version | grep version; echo "$checks"; } | sha256sum)
 # A line a source: its name, then the sums of all that it is made of.
 mapfile -t sources < <(
   ninja -C build -t deps |
