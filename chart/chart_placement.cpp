@@ -216,6 +216,7 @@ std::vector<PlacementSearch::Looked> PlacementSearch::MatchPartly(const Cells& c
     std::stable_sort(leaving.begin(), leaving.end(), [](const Place& a, const Place& b) { return a.seen > b.seen; });
     if (leaving.size() > kMatchedPartly) leaving.resize(kMatchedPartly);
     std::vector<Looked> looked;
+    looked.reserve(leaving.size());
     for (const Place& place : leaving) looked.push_back({place, MatchAt(cells, place, 1.0, 0)});
     return looked;
 }

@@ -35,7 +35,7 @@ CalibrationAim::UserLight readUserLight(const TargetOptions& options, int count)
         throw WorkFailure(options.values + ": " + failure.what());
     }
     const std::vector<float>& white = *options.white;
-    return {std::move(values), {white[0], white[1], white[2]}};
+    return {values, {white[0], white[1], white[2]}};
 }
 
 }  // namespace
