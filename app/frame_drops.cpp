@@ -33,6 +33,13 @@ void CMainFrame::dragEnterEvent(QDragEnterEvent* event) { accept(*event); }
 
 void CMainFrame::dragMoveEvent(QDragMoveEvent* event) { accept(*event); }
 
+// A pane that floats is a window of its own: what is dropped on it is dropped on the Studio all the same.
+bool CMainFrame::eventFilter(QObject* watched, QEvent* event) {
+    const auto type = event->type();
+    const bool isDrag = type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop;
+    return isDrag ? QMainWindow::event(event) : QMainWindow::eventFilter(watched, event);
+}
+
 // Of several files the first counts. It is opened once the drop is over: a dialog would keep the other program waiting.
 void CMainFrame::dropEvent(QDropEvent* event) {
     if (!accept(*event)) return;

@@ -71,6 +71,10 @@ bool CMainFrame::CreatePanes() {
     m_qualityWnd = std::make_unique<CQualityWnd>(this);
     setUp(*m_qualityWnd, ID_BTN_QUALITY_PANE, "Calibration Quality", Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea,
           ":/icons/list-pane.svg");
+    for (QDockWidget* pane : findChildren<QDockWidget*>()) {
+        pane->setAcceptDrops(true);
+        pane->installEventFilter(this);
+    }
     m_rawViewer->SetChartSize(m_spectrumWnd->GetChartSize());
     m_refViewer->SetChartSize(m_spectrumWnd->GetChartSize());
     m_panes = std::make_unique<PaneLayout>(

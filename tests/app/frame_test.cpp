@@ -144,6 +144,16 @@ TEST_F(Frame, OfSeveralDroppedFilesTheFirstCounts) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(frame->GetState().rawHasImage);
     EXPECT_TRUE(Log().empty());
+
+    frame->CalibratedPane().setFloating(true);  // a window of its own, and a part of the Studio
+    files.setUrls({QUrl::fromLocalFile(WriteChart("other.bmp", 20))});
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&frame->CalibratedPane(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent onPane(QPointF(10, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&frame->CalibratedPane(), &onPane);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frame->RawViewer().Image().GetWidth(), 200);
 }
 
 // A file that is moved goes away from where it was.
