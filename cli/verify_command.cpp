@@ -3,10 +3,7 @@
 #include <memory>
 
 #include "calibration/CTivTonewrightDC.h"
-#include "calibration/calibrate_at_depth.h"
 #include "calibration/calibration_files.h"
-#include "calibration/execute_transform.h"
-#include "calibration/fit_transform.h"
 #include "cli/arguments.h"
 #include "cli/chart_reading.h"
 #include "cli/command.h"
@@ -55,26 +52,6 @@ Subject loadSubject(const VerifyOptions& options) {
     }
     subject.transform = *subject.engine.GetTransform();
     return subject;
-}
-
-/// What the patches should be: by the command line, else by the calibration itself.
-std::vector<Xyz> findTargets(const VerifyOptions& options, const Subject& subject, const CTivVector& raw) {
-    CTivTonewrightDC aim;
-    const bool isOwn = !options.parameters.empty() && !options.target.IsGiven();
-    if (!isOwn) {
-        Require([&] { return aim.SetRawColors(raw); }, options.chart.image, "cannot take the raw colors");
-        aim.SetXformSize(4);
-        SetAim(aim, ReadAim(options.target, options.chart, raw.GetSize()));
-        Require([&] { return CalibrateAtDepth(aim); }, options.chart.image, "the targets do not fit the chart");
-    }
-    return ToXyz(GetTargets(isOwn ? subject.engine : aim));
-}
-
-void requireDepth(const VerifyOptions& options, const CTivVector& raw) {
-    if (options.coefficients.empty() || raw.GetFormat() == CTivData::FormatRgb) return;
-    throw WorkFailure(options.chart.image +
-                      ": a coefficient file does not say which depth it was made for, so it serves FormatRgb images "
-                      "only; use the parameter file");
 }
 
 /// Whether a difference keeps within its limit; what is no number does not.
@@ -128,13 +105,12 @@ Outcome verify(const VerifyOptions& options) {
     const Subject subject = loadSubject(options);
     const ChartReading reading = ReadChart(options.chart.image, options.chart.roi, options.chart);
     RequireOrder(reading, options.chart.image);
-    const CTivVector& raw = reading.colors.colors;
-    const std::vector<Xyz> targets = findTargets(options, subject, raw);
-    requireDepth(options, raw);
-    const bool isAbsolute =
-        !options.target.reference && (options.target.IsGiven() || subject.engine.GetCalibrationMode() == 0);
+    std::optional<CalibrationAim> aim;  // by the command line, else by the parameter file
+    if (options.parameters.empty() || options.target.IsGiven()) {
+        aim = ReadAim(options.target, options.chart, reading.colors.colors.GetSize());
+    }
     const Verification verification =
-        VerifyOn(reading, options.chart.image, subject.engine, subject.transform, targets, isAbsolute);
+        Verify(reading, options.chart.image, subject.engine, subject.transform, options.parameters.empty(), aim);
     const auto& [quality, findings] = verification;
 
     TellFindings(findings);

@@ -22,3 +22,6 @@ struct HeldCalibration {
 
     const CTivTonewrightDC& Engine() const { return calibration.engine; }
 };
+
+/// The bits of an array's words, which it does not tell: those that the calibration was made for.
+std::optional<int> BitsFor(const HeldCalibration& held, const py::object& picture);

@@ -8,6 +8,7 @@
 #include "python/HeldCalibration.h"
 #include "python/calibrate.h"
 #include "python/number_arrays.h"
+#include "python/verification.h"
 #include "report/calibration_outputs.h"
 
 using namespace tonewright;
@@ -31,14 +32,6 @@ HeldCalibration loadCoefficients(const py::object& file, double gamma) {
     Work([&] { LoadCoefficients(held.calibration.engine, held.name); });
     held.calibration.transform = *held.Engine().GetTransform();
     return held;
-}
-
-/// The bits of an array's words, which it does not tell: those that the calibration was made for.
-std::optional<int> bitsFor(const HeldCalibration& held, const py::object& picture) {
-    const bool isDeep = py::isinstance<py::array>(picture) &&
-                        py::reinterpret_borrow<py::array>(picture).itemsize() == 2 &&
-                        held.Engine().GetCalibratedFormat() == CTivData::FormatRgb10;
-    return isDeep ? std::optional(10) : std::nullopt;
 }
 
 void execute(const HeldCalibration& held, const CTivImage& source, CTivImage& target, const std::string& name) {
@@ -66,7 +59,7 @@ void executeInto(const HeldCalibration& held, const PictureSource& source, const
 }
 
 py::array apply(const HeldCalibration& held, const py::object& picture, const std::optional<py::array>& out) {
-    const std::optional<int> bits = bitsFor(held, picture);
+    const std::optional<int> bits = BitsFor(held, picture);
     const PictureSource source(picture, bits);
     if (out) {
         const PixelArray target(*out);
@@ -203,6 +196,17 @@ looks at the library's own pixels as load_image's does. An array that load_image
 an array of four, is read and written where it lies; others are copied row by row.
 
 Returns the corrected picture. Raises Error where the picture is of another depth than the calibration.)")
+        .def("verify", VerifyCalibration, "picture"_a, py::kw_only(), "roi"_a = py::none(), "chart"_a = py::none(),
+             "find"_a = false, "layout"_a = py::none(), "illuminant"_a = py::none(), "values"_a = py::none(),
+             "white"_a = py::none(), "reference"_a = py::none(), "reference_roi"_a = py::none(),
+             R"(Judges the calibration on another picture of the chart: what it delivers there against what the patches
+should be.
+
+picture, roi, chart, find, layout: as for calibrate. An array of 10 bits a channel is known by the calibration.
+illuminant, values, white, reference, reference_roi: what the patches should be, as for calibrate; without them what the
+calibration was made for, A where it is from a coefficient file.
+
+Returns a Verification. Raises Error, or ChartNotFound with find.)")
         .def("save_parameters", saveParameters, "path"_a,
              "Writes the whole calibration (.twkp). Raises Error for a perceptual fit, which such a file cannot carry.")
         .def("save_coefficients", saveCoefficients, "path"_a, "Writes the transform for a device (.ccor).")
@@ -215,8 +219,16 @@ Returns the corrected picture. Raises Error where the picture is of another dept
 
 }  // namespace
 
+std::optional<int> BitsFor(const HeldCalibration& held, const py::object& picture) {
+    const bool isDeep = py::isinstance<py::array>(picture) &&
+                        py::reinterpret_borrow<py::array>(picture).itemsize() == 2 &&
+                        held.Engine().GetCalibratedFormat() == CTivData::FormatRgb10;
+    return isDeep ? std::optional(10) : std::nullopt;
+}
+
 void AddCalibrations(py::module_& module) {
     using namespace py::literals;
+    AddVerification(module);
     addCalibration(module);
     AddCalibrate(module);
     module.def(

@@ -48,6 +48,7 @@ std::vector<FoundDevice> listDevices() {
 }
 
 py::array grab(const std::optional<std::string>& device, const py::object& config) {
+    if (device && device->empty()) throw py::value_error("device: None is the first one, not an empty name");
     const DeviceChoice choice = {device.value_or(""), config.is_none() ? std::string() : ToPath(config)};
     auto [frame, name] = workOnDevices([&] {
         FrameGrabber grabber(choice);

@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "calibration/calibrate_at_depth.h"
+#include "calibration/fit_transform.h"
+
 namespace tonewright {
 
 Verification VerifyOn(const ChartReading& reading, const std::string& path, const CTivTonewrightDC& settings,
@@ -22,6 +25,34 @@ Verification VerifyOn(const ChartReading& reading, const std::string& path, cons
     verification.findings = FindInPicture(measured);
     if (auto singular = FindSingular(transform)) verification.findings.push_back(std::move(*singular));
     return verification;
+}
+
+namespace {
+
+std::vector<Xyz> targetsOf(const CalibrationAim& aim, const CTivVector& raw, const std::string& path) {
+    CTivTonewrightDC engine;
+    Require([&] { return engine.SetRawColors(raw); }, path, "cannot take the raw colors");
+    engine.SetXformSize(4);
+    SetAim(engine, aim);
+    Require([&] { return CalibrateAtDepth(engine); }, path, "the targets do not fit the chart");
+    return ToXyz(GetTargets(engine));
+}
+
+}  // namespace
+
+Verification Verify(const ChartReading& reading, const std::string& path, const CTivTonewrightDC& engine,
+                    const CTivVector& transform, bool isOfCoefficients, const std::optional<CalibrationAim>& aim) {
+    RequireOrder(reading, path);
+    const CTivVector& raw = reading.colors.colors;
+    const std::vector<Xyz> targets = aim ? targetsOf(*aim, raw, path) : ToXyz(GetTargets(engine));
+    if (isOfCoefficients && raw.GetFormat() != CTivData::FormatRgb) {
+        throw WorkFailure(
+            path +
+            ": a coefficient file does not say which depth it was made for, so it serves FormatRgb images "
+            "only; use the parameter file");
+    }
+    const bool isAbsolute = aim ? !aim->reference : engine.GetCalibrationMode() == 0;
+    return VerifyOn(reading, path, engine, transform, targets, isAbsolute);
 }
 
 }  // namespace tonewright

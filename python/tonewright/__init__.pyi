@@ -11,6 +11,7 @@ _Picture = _Path | _Pixels
 _Roi = tuple[int, int, int, int]
 _Doubles = NDArray[np.float64]
 _Bits = Literal[8, 10, 16]
+_Illuminant = Literal["A", "D50", "D55", "D65", "D75", "E", "F2", "F7", "F11", "user"]
 
 __version__: str
 
@@ -127,6 +128,19 @@ class Quality:
     def noise_after(self) -> _Doubles: ...
 
 @final
+class Verification:
+    @property
+    def delivered(self) -> Differences: ...
+    @property
+    def picture(self) -> Differences: ...
+    @property
+    def before(self) -> Differences: ...
+    @property
+    def findings(self) -> list[Finding]: ...
+    @property
+    def chart(self) -> Chart: ...
+
+@final
 class Calibration:
     @property
     def transform(self) -> NDArray[np.float32]: ...
@@ -145,6 +159,20 @@ class Calibration:
     @property
     def findings(self) -> list[Finding]: ...
     def apply(self, picture: _Picture, out: _Pixels | None = None) -> _Pixels: ...
+    def verify(
+        self,
+        picture: _Picture,
+        *,
+        roi: _Roi | None = None,
+        chart: tuple[int, int] | None = None,
+        find: bool = False,
+        layout: _Path | None = None,
+        illuminant: _Illuminant | None = None,
+        values: ArrayLike | None = None,
+        white: Sequence[float] | None = None,
+        reference: _Picture | None = None,
+        reference_roi: _Roi | None = None,
+    ) -> Verification: ...
     def save_parameters(self, path: _Path) -> None: ...
     def save_coefficients(self, path: _Path) -> None: ...
     def export(self, path: _Path) -> None: ...
@@ -177,7 +205,7 @@ def calibrate(
     find: bool = False,
     layout: _Path | None = None,
     bits: _Bits | None = None,
-    illuminant: Literal["A", "D50", "D55", "D65", "D75", "E", "F2", "F7", "F11", "user"] | None = None,
+    illuminant: _Illuminant | None = None,
     values: ArrayLike | None = None,
     white: Sequence[float] | None = None,
     reference: _Picture | None = None,

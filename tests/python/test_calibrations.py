@@ -132,6 +132,48 @@ def test_calibrations_equal_the_tools(tmp_path, monkeypatch, arguments, options)
     assert [without_dates(tmp_path / e) for e in [*exports, "t.html"]] == expected
 
 
+VERIFIED = {
+    "as calibrated": ("t.twkp", {}, []),
+    "under another light": ("t.twkp", {"illuminant": "F2", "find": True}, ["--illuminant", "F2", "--find"]),
+    "user": (
+        "t.twkp",
+        {"illuminant": "user", "values": VALUES, "white": (0.9, 0.88, 0.7)},
+        ["--illuminant", "user", "--values", "values.csv", "--white", "0.9,0.88,0.7"],
+    ),
+    "against a picture": ("t.ccor", {"reference": SAMPLE}, ["--reference", SAMPLE]),
+    "coefficients": ("t.ccor", {}, []),
+}
+
+
+@pytest.mark.parametrize("file, arguments, options", VERIFIED.values(), ids=VERIFIED.keys())
+def test_verifying_equals_the_tools(tmp_path, monkeypatch, file, arguments, options):
+    monkeypatch.chdir(tmp_path)
+    numpy.savetxt("values.csv", VALUES, "%.9g", ",")
+    tool("calibrate", SAMPLE, "--illuminant", "D50", "--terms", 7, "--coefficients", "t.ccor", "--parameters", "t.twkp")
+    other = SAMPLE.parent / "chart-coded.bmp"
+    document = tool("verify", other, "--parameters" if file == "t.twkp" else "--coefficients", file, *options)
+    load = tonewright.load_parameters if file == "t.twkp" else tonewright.load_coefficients
+    verified = load(file).verify(other, **arguments)
+    for name in ("delivered", "picture", "before"):
+        assert both(getattr(verified, name)) == document[name], name
+    assert [f.text for f in verified.findings] == [f["text"] for f in document["findings"]]
+    assert verified.chart.colors.tolist() == document["colors"]
+
+
+def test_verifying_on_its_own_picture_gives_its_own_figures(sample):
+    made = tonewright.calibrate(sample, illuminant="D65", fit="perceptual")
+    assert both(made.verify(sample).delivered) == both(made.quality.delivered)
+    ten_bits = chart_picture(4, "u2")
+    deep = tonewright.calibrate(ten_bits, bits=10)
+    assert both(deep.verify(ten_bits).delivered) == both(deep.quality.delivered)
+    with pytest.raises(tonewright.Error, match="another depth"):
+        made.verify(ten_bits)
+    with pytest.raises(tonewright.Error, match="no patch"):
+        made.verify(sample[:9, :9])
+    with pytest.raises(ValueError, match="one of them"):
+        made.verify(sample, illuminant="A", reference=sample)
+
+
 @pytest.mark.parametrize("bits, dtype, scale", [(8, "u1", 1), (10, "u2", 4), (16, "u2", 256)])
 def test_every_depth_is_corrected_as_by_the_tool(tmp_path, bits, dtype, scale):
     picture = chart_picture(scale, dtype)

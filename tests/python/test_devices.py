@@ -31,6 +31,8 @@ def test_a_frame_is_the_chart_with_a_little_noise(sample):
 def test_what_is_no_device_is_told(monkeypatch, tmp_path):
     with pytest.raises(tonewright.Error, match="there is no device Nothing, but\n  Simulated_Grabber\n"):
         tonewright.grab("Nothing")
+    with pytest.raises(ValueError, match="device"):
+        tonewright.grab("")
     with pytest.raises(TypeError):
         tonewright.grab(7)
     with pytest.raises(TypeError):
