@@ -40,4 +40,18 @@ CTivImage FrameGrabber::Grab() {
     return box_.Take(device_);
 }
 
+CTivImage FrameGrabber::GrabMean(int count, const FrameCorrection& correction) {
+    if (count == 1 && correction.IsEmpty()) return Grab();
+    FrameMean mean;
+    for (int i = 0; i < count; ++i) {
+        const std::string wrong = mean.Add(Grab());
+        if (!wrong.empty()) throw WorkFailure(device_ + ": " + wrong);
+    }
+    const std::string wrong = mean.Check(correction);
+    if (!wrong.empty()) throw WorkFailure(wrong);
+    CTivImage picture = mean.Make(correction);
+    if (!picture.IsAllocated()) throw WorkFailure(device_ + ": not enough memory for a frame");
+    return picture;
+}
+
 }  // namespace tonewright

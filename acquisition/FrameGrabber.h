@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 
+#include "acquisition/FrameMean.h"
 #include "acquisition/devices.h"
 #include "foundation/CTivImage.h"
 
@@ -21,6 +22,9 @@ public:
 
     /// @throw WorkFailure where no frame comes within a second, or there is no memory for it
     CTivImage Grab();
+
+    /// The mean of `count` frames, corrected. @throw WorkFailure as Grab, and where frames and correction do not agree
+    CTivImage GrabMean(int count, const FrameCorrection& correction);
 
 private:
     /// Frames on their way from the session's thread to the main one.

@@ -5,7 +5,6 @@
 #include "acquisition/FrameGrabber.h"
 #include "cli/arguments.h"
 #include "cli/devices.h"
-#include "cli/frame_mean.h"
 #include "cli/json_values.h"
 #include "cli/output_set.h"
 #include "imagefile/picture_file.h"
@@ -37,21 +36,6 @@ std::string numbered(const std::string& path, int number, int count) {
     return (whole.parent_path() / name).native();
 }
 
-/// The mean of as many frames as are asked for, corrected.
-CTivImage takePicture(FrameGrabber& grabber, const GrabOptions& options, const FrameCorrection& correction) {
-    if (options.average == 1 && correction.IsEmpty()) return grabber.Grab();
-    FrameMean mean;
-    for (int i = 0; i < options.average; ++i) {
-        const std::string wrong = mean.Add(grabber.Grab());
-        if (!wrong.empty()) throw WorkFailure(grabber.GetDevice() + ": " + wrong);
-    }
-    const std::string wrong = mean.Check(correction);
-    if (!wrong.empty()) throw WorkFailure(wrong);
-    CTivImage picture = mean.Make(correction);
-    if (!picture.IsAllocated()) throw WorkFailure(grabber.GetDevice() + ": not enough memory for a frame");
-    return picture;
-}
-
 Outcome grab(const GrabOptions& options) {
     FrameCorrection correction;
     if (!options.dark.empty()) correction.dark = LoadImage(options.dark);
@@ -60,7 +44,7 @@ Outcome grab(const GrabOptions& options) {
     const auto outputs = std::make_shared<OutputSet>();
     CTivImage picture;
     for (int number = 1; number <= options.count; ++number) {
-        picture = takePicture(grabber, options, correction);
+        picture = grabber.GrabMean(options.average, correction);
         outputs->Add(numbered(options.file, number, options.count),
                      [&](const std::string& name) { SaveImage(picture, name, options.fileFormat); });
     }

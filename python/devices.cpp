@@ -47,12 +47,25 @@ std::vector<FoundDevice> listDevices() {
     });
 }
 
-py::array grab(const std::optional<std::string>& device, const py::object& config) {
+py::array grab(const std::optional<std::string>& device, const py::object& config, int average, const py::object& dark,
+               const py::object& flat, std::optional<int> bits) {
+    if (average < 1 || average > kMostAveraged) {
+        throw py::value_error("average: from 1 to " + std::to_string(kMostAveraged));
+    }
+    const auto toSource = [&](const py::object& picture) {
+        if (picture.is_none()) return std::optional<PictureSource>();
+        return std::optional<PictureSource>(std::in_place, picture,
+                                            py::isinstance<py::array>(picture) ? bits : std::nullopt);
+    };
+    const std::optional<PictureSource> darkSource = toSource(dark), flatSource = toSource(flat);
     if (device && device->empty()) throw py::value_error("device: None is the first one, not an empty name");
     const DeviceChoice choice = {device.value_or(""), config.is_none() ? std::string() : ToPath(config)};
     auto [frame, name] = workOnDevices([&] {
+        FrameCorrection correction;
+        if (darkSource) correction.dark = darkSource->Load();
+        if (flatSource) correction.flat = flatSource->Load();
         FrameGrabber grabber(choice);
-        CTivImage image = grabber.Grab();
+        CTivImage image = grabber.GrabMean(average, correction);
         return std::pair(std::move(image), grabber.GetDevice());
     });
     return ToArray(std::move(frame), name);
@@ -73,10 +86,14 @@ void AddDevices(py::module_& module) {
                R"(Lists the cameras and frame grabbers of the machine; looking takes about a second.
 
 Where ZVN_SIMULATION names a file, they are the simulated ones that it describes. Returns a list of Device.)");
-    module.def("grab", grab, "device"_a = py::none(), "config"_a = py::none(),
+    module.def("grab", grab, "device"_a = py::none(), "config"_a = py::none(), "average"_a = 1, "dark"_a = py::none(),
+               "flat"_a = py::none(), "bits"_a = py::none(),
                R"(Grabs a frame.
 
 device: the name of one of devices(); None is the first. config: a file of lines "feature = value", applied on opening.
+average: how many frames make the picture, which is their mean. dark: a picture taken without light, to subtract.
+flat: a picture of an even surface, to divide by, each channel over its mean. Both are file names or arrays of the
+frames' size; bits: of such arrays, 10 where the frames have 10 bits a channel.
 
 Returns an array as load_image does. What a device tells of its settings goes to warnings.warn. Raises Error where there
 is no such device, or no frame comes within a second.)");

@@ -44,6 +44,29 @@ def test_what_is_no_device_is_told(monkeypatch, tmp_path):
         tonewright.grab()
 
 
+def test_frames_are_averaged_and_corrected_as_by_the_tool(monkeypatch, tmp_path):
+    # Red is x, green is y, blue the frame's number: 1 to 4 here, of which the mean is 2.5.
+    (tmp_path / "sim.ini").write_text("[Camera]\nwidth = 24\nheight = 8\n")
+    monkeypatch.setenv("ZVN_SIMULATION", str(tmp_path / "sim.ini"))
+    assert tonewright.grab(average=4)[3, 20].tolist() == [20, 3, 2]
+    dark = numpy.full((8, 24, 3), (4, 0, 1), "u1")
+    flat = numpy.full((8, 24, 3), 100, "u1")
+    flat[:, :12, 0], flat[:, 12:, 0] = 50, 150
+    corrected = tonewright.grab(dark=dark, flat=flat)
+    assert corrected[3, 8].tolist() == [8, 3, 0]  # (8 - 4) x 100 / 50
+    assert corrected[3, 22].tolist() == [12, 3, 0]  # (22 - 4) x 100 / 150
+    for name, picture in {"dark": dark, "flat": flat}.items():
+        tonewright.save_image(tmp_path / f"{name}.bmp", picture)
+    files = tmp_path / "dark.bmp", tmp_path / "flat.bmp"
+    tool("grab", tmp_path / "t.zvk", "--average", 3, "--dark", files[0], "--flat", files[1])
+    assert (tonewright.grab(None, None, 3, *files) == tonewright.load_image(tmp_path / "t.zvk")).all()
+    with pytest.raises(tonewright.Error, match="the dark frame is FormatRgb of 24 x 7, the frames are FormatRgb of 24 x 8"):
+        tonewright.grab(dark=dark[1:])
+    for arguments in ({"average": 0}, {"average": 10_001}, {"dark": dark, "bits": 10}, {"flat": flat[..., :2]}):
+        with pytest.raises(ValueError):
+            tonewright.grab(**arguments)
+
+
 def test_threads_take_turns():
     frames = []
     threads = [threading.Thread(target=lambda: frames.append(tonewright.grab())) for _ in range(4)]

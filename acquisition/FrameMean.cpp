@@ -1,10 +1,12 @@
-#include "cli/frame_mean.h"
+#include "acquisition/FrameMean.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
 #include "foundation/nur_image.h"
+
+namespace tonewright {
 
 namespace {
 
@@ -133,3 +135,5 @@ CTivImage FrameMean::Make(const FrameCorrection& correction) const {
     }
     return picture;
 }
+
+}  // namespace tonewright

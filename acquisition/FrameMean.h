@@ -6,6 +6,8 @@
 
 #include "foundation/CTivImage.h"
 
+namespace tonewright {
+
 inline constexpr int kMostAveraged = 10'000;
 
 /// What is done to a picture beside averaging. Empty images: nothing.
@@ -35,3 +37,5 @@ private:
     std::uint32_t count_ = 0;
     std::vector<std::uint32_t> sums_;  // by pixel and channel, in the image's own order
 };
+
+}  // namespace tonewright

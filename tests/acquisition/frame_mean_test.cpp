@@ -1,8 +1,10 @@
-#include "cli/frame_mean.h"
+#include "acquisition/FrameMean.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/support/library.h"
+
+using namespace tonewright;
 
 namespace {
 
