@@ -6,6 +6,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-20}
 tools/build.sh fuzz
 mkdir -p build-fuzz/found
+export LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0
 run() {
   name=$1
   corpus=$(mktemp -d)
