@@ -127,6 +127,7 @@ void judgeNeutrals(CalibrationQuality& quality) {
 
 std::vector<double> toDoubles(const CTivVector& transform) {
     std::vector<double> coefficients;
+    coefficients.reserve(static_cast<std::size_t>(std::max(transform.GetSize(), 0)));
     for (int i = 0; i < transform.GetSize(); ++i)
         coefficients.push_back(static_cast<double>(transform.GetData(i).AsFloat()));
     return coefficients;
@@ -222,6 +223,7 @@ VerifiedQuality JudgeDelivery(const CTivTonewrightDC& settings, const CTivVector
     if (delivered.empty() || delivered.size() != targets.size()) return {};
     VerifiedQuality quality;
     std::vector<LinearRgb> measured;
+    measured.reserve(delivered.size());
     for (int i = 0; i < raw.GetSize(); ++i) measured.push_back(ToFractions(raw.GetData(i)));
     const std::vector<Lab> measuredLab = linearToLab(measured), targetLab = toLab(targets),
                            deliveredLab = linearToLab(delivered);

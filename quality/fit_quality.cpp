@@ -32,7 +32,7 @@ DifferenceSummary Summarize(std::vector<double> patches) {
     if (patches.empty()) return summary;
     std::vector<double> sorted = patches;
     // A total order, since a transform that is no number gives differences that are none.
-    std::sort(sorted.begin(), sorted.end(), [](double a, double b) { return std::strong_order(a, b) < 0; });
+    std::sort(sorted.begin(), sorted.end(), [](double a, double b) { return std::is_lt(std::strong_order(a, b)); });
     const std::size_t middle = sorted.size() / 2;
     summary.median = sorted.size() % 2 ? sorted[middle] : (sorted[middle - 1] + sorted[middle]) / 2.0;
     summary.max = sorted.back();

@@ -12,6 +12,7 @@ namespace {
 
 std::vector<double> numbers(const CTivVector& transform) {
     std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(std::max(transform.GetSize(), 0)));
     for (int i = 0; i < transform.GetSize(); ++i) {
         values.push_back(static_cast<double>(transform.GetData(i).AsFloat()));
     }
