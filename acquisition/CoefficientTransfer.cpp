@@ -9,6 +9,7 @@
 
 #include "acquisition/CTonewrightAcq.h"
 #include "acquisition/zvn/ZvnAcqDevice.h"
+#include "calibration/calibration_files.h"
 #include "calibration/usable_transform.h"
 
 namespace tonewright {
@@ -58,6 +59,12 @@ bool refuseWay(CoefficientWay wanted) {
 
 const char* GetWayName(CoefficientWay way) { return kWayNames[static_cast<int>(way)]; }
 
+std::optional<CoefficientWay> ParseCoefficientWay(std::string_view word) {
+    if (word == "auto") return CoefficientWay::None;
+    if (word == "file") return CoefficientWay::File;
+    return word == "features" ? std::optional(CoefficientWay::Features) : std::nullopt;
+}
+
 CoefficientWay FindCoefficientWay(CTonewrightAcq& session) {
     if (session.GetDeviceKind() == DeviceKindFrameGrabber) {
         const ScratchFile scratch;
@@ -98,6 +105,28 @@ std::optional<SentCoefficients> SendCoefficients(CTonewrightAcq& session, const 
     // Features have been read back; a file is here.
     return SentCoefficients{
         taken, taken == CoefficientWay::Features || (taken == CoefficientWay::File && isSame(session, path))};
+}
+
+std::pair<DeviceTransfer, SentCoefficients> SendToDevice(const DeviceChoice& choice, const std::string& path,
+                                                         CoefficientWay way, const std::string& backup) {
+    ReadWholeCoefficients(path);
+    CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
+    const std::string device = ConnectSession(session, choice);
+    std::optional<SentCoefficients> sent;
+    Require(
+        [&] {
+            sent = SendCoefficients(session, path, way, backup);
+            return sent.has_value();
+        },
+        device, "cannot be written to");
+    return {{device, GetDeviceWord(session.GetDeviceKind()), sent->way}, *sent};
+}
+
+DeviceTransfer ReceiveFromDevice(const DeviceChoice& choice, const std::string& path) {
+    CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
+    const std::string device = ConnectSession(session, choice);
+    Require([&] { return session.TransferFile(path.c_str(), false); }, device, "cannot be read");
+    return {device, GetDeviceWord(session.GetDeviceKind()), FindCoefficientWay(session)};
 }
 
 }  // namespace tonewright

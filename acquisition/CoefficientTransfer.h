@@ -2,8 +2,10 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
-class CTonewrightAcq;
+#include "acquisition/devices.h"
 
 namespace tonewright {
 
@@ -17,6 +19,9 @@ enum class CoefficientWay {
 
 /// @return the word for a person and for documents: "none", "file", "features", "filter"
 const char* GetWayName(CoefficientWay way);
+
+/// @return the way of a word that a program may be asked for: "auto" (None: the one that is found), "file", "features"
+std::optional<CoefficientWay> ParseCoefficientWay(std::string_view word);
 
 /// The way that CTonewrightAcq::TransferFile takes: the file where there is one, else features or filter.
 /// @return None also for a session without a device. A frame grabber is asked by reading, and what fails is reported
@@ -35,5 +40,21 @@ struct SentCoefficients {
 ///         not have the way, the backup or the transfer fails; but for the last two nothing was written
 std::optional<SentCoefficients> SendCoefficients(CTonewrightAcq& session, const std::string& path, CoefficientWay way,
                                                  const std::string& backup);
+
+// For programs without a dialog, which work with exceptions.
+
+/// A transfer that was done.
+struct DeviceTransfer {
+    std::string device;
+    const char* kind;  ///< as GetDeviceWord has it
+    CoefficientWay way;
+};
+
+/// Connects, and sends as SendCoefficients does. @throw WorkFailure, also for a file that breaks off
+std::pair<DeviceTransfer, SentCoefficients> SendToDevice(const DeviceChoice& choice, const std::string& path,
+                                                         CoefficientWay way, const std::string& backup);
+
+/// Connects, and writes the device's coefficients into a file. @throw WorkFailure
+DeviceTransfer ReceiveFromDevice(const DeviceChoice& choice, const std::string& path);
 
 }  // namespace tonewright

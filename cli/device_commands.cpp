@@ -5,7 +5,6 @@
 #include "acquisition/CoefficientTransfer.h"
 #include "acquisition/zvn/ZvnAcqDevice.h"
 #include "acquisition/zvn/ZvnManager.h"
-#include "calibration/calibration_files.h"
 #include "cli/arguments.h"
 #include "cli/devices.h"
 #include "cli/output_set.h"
@@ -55,46 +54,29 @@ Outcome check(const ListOptions& options) {
     return {{{"name", name}, {"kind", GetDeviceWord(server.deviceKind)}, {"notes", notes}}};
 }
 
-Json describe(const CTonewrightAcq& session, const std::string& device, const TransferOptions& options,
-              CoefficientWay way) {
+Json describe(const DeviceTransfer& transfer, const TransferOptions& options) {
     return {{"file", options.file},
-            {"device", device},
-            {"kind", GetDeviceWord(session.GetDeviceKind())},
-            {"way", GetWayName(way)},
+            {"device", transfer.device},
+            {"kind", transfer.kind},
+            {"way", GetWayName(transfer.way)},
             {"written", true}};
 }
 
 Outcome send(const TransferOptions& options) {
-    ReadWholeCoefficients(options.file);
-    CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
-    const std::string device = ConnectSession(session, options.choice);
-    std::optional<SentCoefficients> sent;
-    Require(
-        [&] {
-            sent = SendCoefficients(session, options.file, options.way, options.backup);
-            return sent.has_value();
-        },
-        device, "cannot be written to");
-    Json document = describe(session, device, options, sent->way);
-    document["verified"] = sent->verified;
-    if (!sent->verified) Tell("warning: " + device + ": what was sent could not be read back to compare");
+    const auto [transfer, sent] = SendToDevice(options.choice, options.file, options.way, options.backup);
+    Json document = describe(transfer, options);
+    document["verified"] = sent.verified;
+    if (!sent.verified) Tell("warning: " + transfer.device + ": what was sent could not be read back to compare");
     return {document};
 }
 
 Outcome receive(const TransferOptions& options) {
-    CTonewrightAcq session([](void*, int) {}, nullptr, nullptr);
-    const std::string device = ConnectSession(session, options.choice);
     const auto outputs = std::make_shared<OutputSet>();
+    Json document;
     outputs->Add(options.file, [&](const std::string& name) {
-        Require([&] { return session.TransferFile(name.c_str(), false); }, device, "cannot be read");
+        document = describe(ReceiveFromDevice(options.choice, name), options);
     });
-    return {describe(session, device, options, FindCoefficientWay(session)), kDone, outputs};
-}
-
-std::optional<CoefficientWay> parseWay(const std::string& text) {
-    if (text == "auto") return CoefficientWay::None;
-    if (text == "file") return CoefficientWay::File;
-    return text == "features" ? std::optional(CoefficientWay::Features) : std::nullopt;
+    return {document, kDone, outputs};
 }
 
 void addDevices(CLI::App& tool, Work& work) {
@@ -123,7 +105,7 @@ void addTransfer(CLI::App& tool, Work& work, bool sends) {
         ->required();
     AddDeviceOptions(*command, options->choice, true);
     if (sends) {
-        AddParsed(*command, "--way", options->way, parseWay, "auto, file or features",
+        AddParsed(*command, "--way", options->way, ParseCoefficientWay, "auto, file or features",
                   "file: the device's file; features: a camera's color transformation features; auto: the file where "
                   "there is one, else the features (default: auto)")
             ->type_name("auto|file|features");

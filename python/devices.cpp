@@ -2,7 +2,9 @@
 
 #include <mutex>
 
+#include "acquisition/CoefficientTransfer.h"
 #include "acquisition/FrameGrabber.h"
+#include "foundation/StagedFile.h"
 #include "python/pixel_array.h"
 
 using namespace tonewright;
@@ -47,6 +49,11 @@ std::vector<FoundDevice> listDevices() {
     });
 }
 
+DeviceChoice toChoice(const std::optional<std::string>& device, const py::object& config) {
+    if (device && device->empty()) throw py::value_error("device: None is the first one, not an empty name");
+    return {device.value_or(""), config.is_none() ? std::string() : ToPath(config)};
+}
+
 py::array grab(const std::optional<std::string>& device, const py::object& config, int average, const py::object& dark,
                const py::object& flat, std::optional<int> bits) {
     if (average < 1 || average > kMostAveraged) {
@@ -58,8 +65,7 @@ py::array grab(const std::optional<std::string>& device, const py::object& confi
                                             py::isinstance<py::array>(picture) ? bits : std::nullopt);
     };
     const std::optional<PictureSource> darkSource = toSource(dark), flatSource = toSource(flat);
-    if (device && device->empty()) throw py::value_error("device: None is the first one, not an empty name");
-    const DeviceChoice choice = {device.value_or(""), config.is_none() ? std::string() : ToPath(config)};
+    const DeviceChoice choice = toChoice(device, config);
     auto [frame, name] = workOnDevices([&] {
         FrameCorrection correction;
         if (darkSource) correction.dark = darkSource->Load();
@@ -71,10 +77,64 @@ py::array grab(const std::optional<std::string>& device, const py::object& confi
     return ToArray(std::move(frame), name);
 }
 
+struct Sent {
+    DeviceTransfer transfer;
+    bool verified;
+};
+
+Sent send(const py::object& file, const std::optional<std::string>& device, const py::object& config,
+          const std::string& way, const py::object& backup) {
+    const auto wanted = ParseCoefficientWay(way);
+    if (!wanted) throw py::value_error("way: \"auto\", \"file\" or \"features\"");
+    const DeviceChoice choice = toChoice(device, config);
+    const std::string path = ToPath(file), kept = backup.is_none() ? std::string() : ToPath(backup);
+    return workOnDevices([&] {
+        const auto [transfer, sent] = SendToDevice(choice, path, *wanted, kept);
+        return Sent{transfer, sent.verified};
+    });
+}
+
+void receive(const py::object& file, const std::optional<std::string>& device, const py::object& config) {
+    const DeviceChoice choice = toChoice(device, config);
+    const std::string path = ToPath(file);
+    workOnDevices([&] {
+        StagedFile staged(path);
+        if (staged.GetError()) throw WorkFailure(path + ": " + staged.GetError().message());
+        const DeviceTransfer transfer = ReceiveFromDevice(choice, staged.GetName());
+        if (const auto error = staged.Commit()) throw WorkFailure(path + ": " + error.message());
+        return transfer;
+    });
+}
+
+void addTransfers(py::module_& module) {
+    using namespace py::literals;
+    py::class_<Sent>(module, "Sent", "Coefficients that a device has taken.")
+        .def_property_readonly("device", [](const Sent& sent) { return sent.transfer.device; })
+        .def_property_readonly(
+            "kind", [](const Sent& sent) { return sent.transfer.kind; }, "As Device has it.")
+        .def_property_readonly(
+            "way", [](const Sent& sent) { return GetWayName(sent.transfer.way); },
+            "\"file\", \"features\", or \"filter\" for a frame grabber's image filter.")
+        .def_readonly("verified", &Sent::verified, "Whether the device, read back, gave the same.");
+    module.def("send", send, "path"_a, "device"_a = py::none(), "config"_a = py::none(), "way"_a = "auto",
+               "backup"_a = py::none(),
+               R"(Writes a coefficient file (.ccor) to a device.
+
+device, config: as for grab. way: "file" is the device's file, "features" a camera's color transformation features,
+"auto" the file where there is one, else the features. backup: another file that receives the device's present
+coefficients before anything is written.
+
+Returns a Sent. Raises Error for what can be no calibration and where the device does not take it; what was in the
+device is then put back.)");
+    module.def("receive", receive, "path"_a, "device"_a = py::none(), "config"_a = py::none(),
+               "Saves the coefficients of a device into a file (.ccor). device, config: as for grab. Raises Error.");
+}
+
 }  // namespace
 
 void AddDevices(py::module_& module) {
     using namespace py::literals;
+    addTransfers(module);
     py::class_<FoundDevice>(module, "Device", "A camera or frame grabber of the machine.")
         .def_readonly("name", &FoundDevice::name, "As grab takes it.")
         .def_property_readonly(

@@ -67,6 +67,38 @@ def test_frames_are_averaged_and_corrected_as_by_the_tool(monkeypatch, tmp_path)
             tonewright.grab(**arguments)
 
 
+def test_coefficients_go_to_a_device_and_back(monkeypatch, tmp_path, calibration):
+    monkeypatch.chdir(tmp_path)
+    (tmp_path / "sim.ini").write_text("[Camera]\nfiles = .\n[Grabber]\nkind = frame grabber\n")
+    monkeypatch.setenv("ZVN_SIMULATION", str(tmp_path / "sim.ini"))
+    (tmp_path / "ColorCorrectionMatrix").write_bytes(b"factory")
+    calibration.save_coefficients("c.ccor")
+    new = (tmp_path / "c.ccor").read_bytes()
+    held = tmp_path / "ColorCorrectionMatrix"
+    refused = [
+        ({"backup": "c.ccor"}, tonewright.Error, "is to be sent, so it cannot take the backup"),
+        ({"way": "features"}, tonewright.Error, "The device has no color transformation features"),
+        ({"way": "filter"}, ValueError, "way"),
+        ({"device": ""}, ValueError, "device"),
+        ({"device": "Other"}, tonewright.Error, "there is no device Other"),
+        ({"path": "sim.ini"}, tonewright.Error, "not compatible"),
+    ]
+    for arguments, error, text in refused:
+        with pytest.raises(error, match=text):
+            tonewright.send(**{"path": "c.ccor", **arguments})
+        assert held.read_bytes() == b"factory" and (tmp_path / "c.ccor").read_bytes() == new
+    sent = tonewright.send("c.ccor", backup="before.ccor")
+    assert (sent.device, sent.kind, sent.way, sent.verified) == ("Camera", "other", "file", True)
+    assert (held.read_bytes(), (tmp_path / "before.ccor").read_bytes()) == (new, b"factory")
+    tonewright.receive("back.ccor")
+    assert (tmp_path / "back.ccor").read_bytes() == new
+    held.unlink()
+    with pytest.raises(tonewright.Error, match="Cannot read file from device"):
+        tonewright.receive("back.ccor")
+    assert (tmp_path / "back.ccor").read_bytes() == new
+    assert tonewright.send("c.ccor", "Grabber").way == "filter"
+
+
 def test_threads_take_turns():
     frames = []
     threads = [threading.Thread(target=lambda: frames.append(tonewright.grab())) for _ in range(4)]
