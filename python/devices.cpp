@@ -124,8 +124,8 @@ device, config: as for grab. way: "file" is the device's file, "features" a came
 "auto" the file where there is one, else the features. backup: another file that receives the device's present
 coefficients before anything is written.
 
-Returns a Sent. Raises Error for what can be no calibration and where the device does not take it; what was in the
-device is then put back.)");
+Returns a Sent. Raises Error for what can be no calibration, and where the device does not take it; color transformation
+features are then put back as they were.)");
     module.def("receive", receive, "path"_a, "device"_a = py::none(), "config"_a = py::none(),
                "Saves the coefficients of a device into a file (.ccor). device, config: as for grab. Raises Error.");
 }
